@@ -1,0 +1,47 @@
+#define NOMINMAX
+#include <windows.h>
+
+#include <fstream>
+
+#include "core/file_system.h"
+
+namespace chanplan {
+namespace {
+
+std::error_code LastError() { return {static_cast<int>(GetLastError()), std::system_category()}; }
+
+std::chrono::sys_seconds ToTime(const FILETIME& time) {
+  constexpr std::int64_t ticksPerSecond = 10'000'000;
+  constexpr std::int64_t secondsFrom1601To1970 = 11'644'473'600;
+  const auto ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+  return std::chrono::sys_seconds(std::chrono::seconds(ticks / ticksPerSecond - secondsFrom1601To1970));
+}
+
+}  // namespace
+
+std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes) {
+  const DWORD attributes = GetFileAttributesW(file.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
+    return {ERROR_ACCESS_DENIED, std::system_category()};
+  std::error_code linkError;
+  const std::filesystem::path resolved = std::filesystem::weakly_canonical(file, linkError);
+  const std::filesystem::path target = linkError ? file : resolved;
+  const std::filesystem::path fresh = target.parent_path() / (L".chanplan-" + std::to_wstring(GetCurrentProcessId()));
+  std::ofstream output(fresh, std::ios::binary | std::ios::trunc);
+  output.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  output.close();
+  if (output && MoveFileExW(fresh.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+    return {};
+  const std::error_code error = LastError();
+  DeleteFileW(fresh.c_str());
+  return error;
+}
+
+std::optional<FileFacts> ReadFileFacts(const std::filesystem::path& file) {
+  WIN32_FILE_ATTRIBUTE_DATA facts{};
+  if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &facts)) return std::nullopt;
+  return FileFacts{facts.nFileSizeLow, ToTime(facts.ftCreationTime), ToTime(facts.ftLastAccessTime),
+                   ToTime(facts.ftLastWriteTime)};
+}
+
+}  // namespace chanplan

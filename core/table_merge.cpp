@@ -1,0 +1,73 @@
+#include "core/table_merge.h"
+
+#include <algorithm>
+
+namespace chanplan {
+namespace {
+
+// The result's slots and the next one to be written.
+class MergeResult {
+ public:
+  bool Full() const { return written == slots.size(); }
+  void Write(const SignalStandardRecord& record) { slots[written++] = record; }
+  const TransferTable& Slots() const { return slots; }
+
+ private:
+  TransferTable slots = TransferTable(MaxRecords);
+  std::size_t written = 0;
+};
+
+// Moves the source rows from `row` on that share its base name into the result.
+void MoveGroup(TransferTable& source, TransferTable::iterator row, MergeResult& result) {
+  const std::string name(BaseName(row->Name));
+  for (; row != source.end() && !result.Full() && BaseName(row->Name) == name; ++row) {
+    result.Write(*row);
+    row->Name.clear();
+  }
+}
+
+}  // namespace
+
+std::string_view BaseName(std::string_view name) {
+  const std::size_t bracket = name.find('(');
+  return bracket == 0 ? name : name.substr(0, bracket);
+}
+
+MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTable& source,
+                         bool uploadReplaceMatching) {
+  TransferTable baseRows;
+  TransferTable sourceRows;
+  GetTable(base, baseRows);
+  GetTable(source, sourceRows);
+  MergeResult result;
+
+  std::string_view currentName;
+  bool copyGroup = false;
+  for (const SignalStandardRecord& row : baseRows) {
+    if (result.Full()) break;
+    if (row.Name.empty()) continue;
+    if (BaseName(row.Name) != currentName) {
+      currentName = BaseName(row.Name);
+      copyGroup = true;
+      const auto matches = [&](const SignalStandardRecord& other) { return BaseName(other.Name) == currentName; };
+      if (uploadReplaceMatching) {
+        const auto match = std::ranges::find_if(sourceRows, matches);
+        copyGroup = match == sourceRows.end();
+        if (!copyGroup) MoveGroup(sourceRows, match, result);
+      } else {
+        for (SignalStandardRecord& other : sourceRows)
+          if (matches(other)) other.Name.clear();
+      }
+    }
+    if (copyGroup) result.Write(row);
+  }
+
+  for (const SignalStandardRecord& row : sourceRows)
+    if (!row.Name.empty() && !result.Full()) result.Write(row);
+
+  MergeOutcome outcome{base, result.Full()};
+  SetTable(result.Slots(), outcome.Table);
+  return outcome;
+}
+
+}  // namespace chanplan
