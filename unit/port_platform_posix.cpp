@@ -1,0 +1,62 @@
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+
+#include "unit/port_platform.h"
+
+namespace chanplan {
+namespace {
+
+std::string PermissionProblem(const std::string& device, gid_t owner) {
+  const group* const owning = getgrgid(owner);
+  const std::string name = owning != nullptr ? owning->gr_name : std::to_string(owner);
+  return "no permission to use " + device + ": the group \"" + name +
+         "\" grants it; have your user added (sudo usermod -aG " + name + " USER) and log in again";
+}
+
+}  // namespace
+
+std::string UsualDevice(int number) {
+  constexpr std::array devices = {"/dev/ttyS0", "/dev/ttyS1",   "/dev/ttyS2",
+                                  "/dev/ttyS3", "/dev/ttyUSB0", "/dev/ttyUSB1"};
+  if (number < 1 || number > static_cast<int>(devices.size())) return {};
+  return devices[static_cast<std::size_t>(number - 1)];
+}
+
+std::string DevicePath(const std::string& name) {
+  const bool isPath = name.find('/') != std::string::npos || PortExists(name);
+  return isPath ? std::filesystem::absolute(name).string() : "/dev/" + name;
+}
+
+bool PortExists(const std::string& device) { return access(device.c_str(), F_OK) == 0; }
+
+std::optional<std::string> PortProblem(const std::string& device) {
+  struct stat facts {};
+  if (stat(device.c_str(), &facts) != 0)
+    return errno == EACCES ? "no permission to reach " + device
+                           : "there is no port " + device + ": check the cable and the name";
+  if (faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) != 0) return PermissionProblem(device, facts.st_gid);
+  if (!S_ISCHR(facts.st_mode)) return device + " is not a serial port";
+  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (opened < 0) {
+    if (errno == EBUSY) return device + " is in use by another program: close that first";
+    return device + " cannot be opened: " + std::generic_category().message(errno);
+  }
+  termios settings{};
+  const bool terminal = tcgetattr(opened, &settings) == 0;
+  close(opened);
+  if (!terminal) return device + " is not a serial port, or nothing is connected to it";
+  return std::nullopt;
+}
+
+void ShortSleep(std::chrono::nanoseconds duration) { std::this_thread::sleep_for(duration); }
+
+}  // namespace chanplan

@@ -1,0 +1,108 @@
+#include "unit/qt_serial_port.h"
+
+#include <QCoreApplication>
+#include <QSerialPort>
+#include <QSerialPortInfo>
+#include <QSettings>
+#include <QStandardPaths>
+#include <algorithm>
+#include <chrono>
+
+#include "unit/port_platform.h"
+
+namespace chanplan {
+
+QtSerialPort::QtSerialPort(std::string devicePath)
+    : fixedDevice(std::move(devicePath)), port(std::make_unique<QSerialPort>()) {
+  QObject::connect(port.get(), &QSerialPort::errorOccurred, port.get(), [this](QSerialPort::SerialPortError error) {
+    if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !port->isOpen() || failure) return;
+    failure.emplace(device + " stopped working (" + port->errorString().toStdString() +
+                    "): was the cable pulled? Plug it in and start again");
+  });
+}
+
+QtSerialPort::~QtSerialPort() = default;
+
+void QtSerialPort::SetPortNumber(int number) {
+  if (IsOpen()) throw PortError(device + " is already open");
+  const std::string name = fixedDevice.empty() ? CommDevice(number) : fixedDevice;
+  if (name.empty()) throw PortError("there is no port " + std::to_string(number) + ": ports are numbered 1 to 6");
+  device = DevicePath(name);
+  port->setPortName(QString::fromStdString(device));
+}
+
+void QtSerialPort::SetSettings(std::string_view settings) {
+  const auto baud = QString::fromUtf8(settings.data(), static_cast<qsizetype>(settings.find(','))).toInt();
+  const bool done = settings.ends_with(",N,8,1") && port->setBaudRate(baud) && port->setParity(QSerialPort::NoParity) &&
+                    port->setDataBits(QSerialPort::Data8) && port->setStopBits(QSerialPort::OneStop) &&
+                    port->setFlowControl(QSerialPort::NoFlowControl);
+  if (!done) throw PortError(device + " does not take the settings " + std::string(settings));
+}
+
+void QtSerialPort::SetReceiveBufferSize(std::size_t bytes) { port->setReadBufferSize(static_cast<qint64>(bytes)); }
+
+void QtSerialPort::SetTransmitBufferSize(std::size_t /*bytes*/) {}  // grows as needed
+
+void QtSerialPort::SetInputLength(int /*bytes*/) {}  // always all that is waiting
+
+void QtSerialPort::Open() {
+  failure.reset();
+  if (!port->open(QIODevice::ReadWrite))
+    throw PortError(PortProblem(device).value_or(device + " cannot be opened: " + port->errorString().toStdString()));
+}
+
+void QtSerialPort::Close() { port->close(); }
+
+bool QtSerialPort::IsOpen() const { return port->isOpen(); }
+
+std::size_t QtSerialPort::BytesWaiting() { return IsOpen() ? static_cast<std::size_t>(port->bytesAvailable()) : 0; }
+
+void QtSerialPort::DiscardReceived() {
+  if (IsOpen()) port->clear(QSerialPort::Input);
+}
+
+void QtSerialPort::DiscardTransmitted() {
+  if (IsOpen()) port->clear(QSerialPort::Output);
+}
+
+std::string QtSerialPort::ReadInput() { return IsOpen() ? port->readAll().toStdString() : std::string(); }
+
+std::intptr_t QtSerialPort::Handle() const { return (std::intptr_t)port->handle(); }
+
+void QtSerialPort::TransmitCommChar(std::intptr_t /*handle*/, char byte) {
+  if (!IsOpen() || failure) return;
+  port->write(&byte, 1);
+  port->flush();
+}
+
+std::optional<PortError> QtSerialPort::Failure() const { return failure; }
+
+LinkTiming SystemTiming() {
+  return {[] { return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()); },
+          [](std::chrono::nanoseconds longest) {
+            QCoreApplication::processEvents();
+            if (longest.count() > 0) ShortSleep(longest);
+          }};
+}
+
+std::string CommDevice(int number) {
+  const QSettings settings(QString::fromStdString(SettingsFile()), QSettings::IniFormat);
+  const QString chosen = settings.value("Settings/CommDevice" + QString::number(number)).toString();
+  return chosen.isEmpty() ? UsualDevice(number) : chosen.toStdString();
+}
+
+std::vector<std::string> SerialDevices() {
+  std::vector<std::string> devices;
+  const auto add = [&](std::string device) {
+    if (PortExists(device) && std::ranges::find(devices, device) == devices.end()) devices.push_back(std::move(device));
+  };
+  for (int number = 1; number <= 6; ++number) add(CommDevice(number));
+  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) add(info.systemLocation().toStdString());
+  return devices;
+}
+
+std::string SettingsFile() {
+  return (QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/Chanplans.ini").toStdString();
+}
+
+}  // namespace chanplan

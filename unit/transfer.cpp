@@ -1,0 +1,114 @@
+#include "unit/transfer.h"
+
+#include "unit/unit_connection.h"
+#include "unit/wire_encoding.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int DownloadTimeoutMs = 30000;
+constexpr int SyncTimeoutMs = 10000;
+constexpr std::uint16_t FirstTableTag = 100;
+
+// Fills `document` from a complete reply. False when it holds more records than a table can.
+bool DecodeReply(std::string_view reply, UnitTable& document) {
+  const int announced = TwoBytesToInteger(reply.substr(2, 2));
+  document.Table.Count = 0;
+  document.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
+  int subbandsExpected = 0;
+  for (int index = 0; index < announced; ++index) {
+    const std::string_view bytes = reply.substr(WireHeaderSize + WireRecordSize * static_cast<std::size_t>(index));
+    if (bytes[0] == EndOfListState) break;
+    if (index == MaxRecords) return false;
+    SignalStandardRecord record = DecodeRecord(bytes.substr(0, WireRecordSize));
+    if (record.Subbands > 0) {
+      subbandsExpected = record.Subbands;
+    } else if (subbandsExpected > 0) {
+      --subbandsExpected;
+      record.Name = document.Table.Row(index - 1).Name;
+    }
+    document.Table.Append(std::move(record));
+  }
+  return true;
+}
+
+}  // namespace
+
+LinkResult Query_Chanplans(UnitLink& link, UnitTable& document, TransferProgress& progress) {
+  progress.SetRange(0, 100);
+  progress.SetValue(0);
+  link.CommControl.ReadInput();
+  link.SendCommString(link.CommHandle, {&SendTableCommand, 1});
+  std::string reply;
+  std::size_t replySize = 0;  // not known before the header is in
+  const auto complete = [&] {
+    reply += link.CommControl.ReadInput();
+    if (replySize == 0 && reply.size() >= WireHeaderSize) {
+      const int recordBytes = TwoBytesToInteger(std::string_view(reply).substr(2)) * static_cast<int>(WireRecordSize);
+      replySize = WireHeaderSize + static_cast<std::size_t>(recordBytes);
+      progress.SetRange(0, recordBytes);
+    }
+    progress.SetValue(static_cast<int>(reply.size()));
+    return replySize != 0 && reply.size() >= replySize;
+  };
+  if (!link.WaitUntil(link.Now(), DownloadTimeoutMs, complete)) return LinkTimeout;
+  return DecodeReply(reply, document) ? LinkTrue : LinkFalse;
+}
+
+LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress& progress) {
+  progress.SetValue(0);
+  const std::uint16_t tag = document.UnitTableTag == 0 ? FirstTableTag : document.UnitTableTag;
+  const std::string message = EncodeTable(document.Table, tag);
+  document.UnitTableTag = tag;
+  link.SendCommString(link.CommHandle, {&ReceiveTableCommand, 1});
+  progress.SetRange(0, static_cast<int>(message.size()));
+  for (std::size_t sent = 0; sent < message.size(); ++sent) {
+    link.SendCommString(link.CommHandle, {&message[sent], 1});
+    if (link.PortFailure()) return LinkFalse;
+    progress.SetValue(static_cast<int>(sent + 1));
+  }
+  progress.SetCaption(std::to_string(message.size()));
+  return LinkTrue;
+}
+
+std::string_view TransferTitle(TransferDirection direction) {
+  return direction == TransferDirection::Download ? "Downloading Signal Standards..." : "Uploading Signal Standards...";
+}
+
+TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTable& document,
+                            TransferProgress& progress, const std::function<bool()>& abortRequested) {
+  progress.SetCaption(TransferTitle(direction));
+  progress.SetLabel("Connecting to Handheld Product...");
+  progress.SetRange(0, 100);
+  progress.SetValue(0);
+  TransferOutcome outcome;
+  if (direction == TransferDirection::Upload) {
+    try {
+      EncodeTable(document.Table, document.UnitTableTag);
+    } catch (const WireMisfit& misfit) {
+      outcome.Message = misfit.what();
+      return outcome;
+    }
+  }
+  std::string reply;
+  link.OpenCommPort(link.CommPort);
+  outcome.UnitAnswered = link.CommControl.IsOpen() && link.ReadUnitIdentity(IdentityTimeoutMs, reply) == LinkTrue;
+  outcome.Aborted = abortRequested();
+  if (!outcome.UnitAnswered) {
+    outcome.Message = "Error establishing communication with Handheld Product!";
+  } else if (!outcome.Aborted) {
+    progress.SetLabel(TransferTitle(direction));
+    outcome.Result = direction == TransferDirection::Download ? Query_Chanplans(link, document, progress)
+                                                              : UploadChanplans(link, document, progress);
+  }
+  return outcome;
+}
+
+LinkResult FinishTransfer(UnitLink& link, const TransferOutcome& outcome) {
+  const LinkResult sync =
+      link.CommControl.IsOpen() && outcome.UnitAnswered ? link.SendSyncByte(SyncTimeoutMs) : LinkTimeout;
+  link.CloseCommPort();
+  return sync;
+}
+
+}  // namespace chanplan

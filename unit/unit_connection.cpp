@@ -1,0 +1,43 @@
+#include "unit/unit_connection.h"
+
+namespace chanplan {
+namespace {
+
+constexpr double FirstCompatibleFirmware = 3.0;
+
+ConnectRefusal TryToConnect(UnitLink& link) {
+  std::string reply;
+  if (link.OpenCommPort(link.CommPort) != 1) return ConnectRefusal::PortNotOpened;
+  if (link.ReadUnitIdentity(IdentityTimeoutMs, reply) != LinkTrue) return ConnectRefusal::NoProperResponse;
+  if (!IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)) return ConnectRefusal::NotCompatible;
+  return ConnectRefusal::None;
+}
+
+std::string_view RefusalText(ConnectRefusal refusal) {
+  switch (refusal) {
+    case ConnectRefusal::None:
+      break;
+    case ConnectRefusal::PortNotOpened:
+      return "Failed to open a connection with an Orvenda test unit.";
+    case ConnectRefusal::NoProperResponse:
+      return "Failed to get a proper response from the connected Orvenda test unit.";
+    case ConnectRefusal::NotCompatible:
+      return "Unit firmware version is not compatible with this application.";
+  }
+  return {};
+}
+
+}  // namespace
+
+bool IsCompatibleUnit(std::string_view model, double firmwareVersion) {
+  return (model.ends_with('D') && firmwareVersion >= FirstCompatibleFirmware) || model == "QX4471C";
+}
+
+ConnectOutcome ConnectToUnit(UnitLink& link) {
+  const ConnectRefusal refusal = TryToConnect(link);
+  link.CloseCommPort();
+  if (refusal == ConnectRefusal::None) return {};
+  return {refusal, std::string(RefusalText(refusal)) + "\r\n\r\nThe requested operation has been aborted."};
+}
+
+}  // namespace chanplan

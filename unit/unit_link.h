@@ -1,0 +1,82 @@
+// The byte link between the editor and the handheld unit.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "unit/port_object.h"
+
+namespace chanplan {
+
+/// Results of the link's operations.
+enum LinkResult : std::int16_t {
+  LinkTrue = -1,      ///< the operation completed
+  LinkFalse = 0,      ///< it did not, and no byte is to blame
+  LinkAck = 100,      ///< the unit echoed the sync byte
+  LinkTimeout = 101,  ///< the expected bytes did not arrive in time
+};
+
+/// What the link needs of the world around it. Tests give it a clock that they move by hand.
+struct LinkTiming {
+  /// Time since some fixed moment; never goes back.
+  std::function<std::chrono::nanoseconds()> Now;
+  /// Handles the pending events, then may give the processor away, for no longer than `longest`.
+  std::function<void(std::chrono::nanoseconds longest)> LetEventsRun;
+};
+
+/// The serial connection. It is opened for one transfer and closed at its end; its state lives on.
+///
+/// No operation shows a message or throws. Once the port is open its errors are passed over, so
+/// that a half-working port still yields a result; a port that is gone (`PortFailure`) ends waits
+/// early, as nothing can arrive any more.
+class UnitLink {
+ public:
+  UnitLink(PortObject& commControl, LinkTiming linkTiming);
+
+  PortObject& CommControl;
+  std::intptr_t CommHandle = 0;   ///< the operating-system handle of the port opened last
+  std::int16_t CommPort = 1;      ///< the chosen port, 1 = COM1
+  std::string BaudRate = "9600";  ///< the chosen speed; opening the port sets it to "9600"
+
+  std::string UnitModel;           ///< of the unit that answered last
+  double UnitFirmwareVersion = 0;  ///< of the unit that answered last
+
+  /// 1 when the port was opened, otherwise 0 and `PortFailure` says why. The link always runs at
+  /// 9600 baud: the units know no other speed, whatever was chosen.
+  std::int16_t OpenCommPort(int portNumber);
+  /// Sends the sync byte, with 500 ms for its echo, and closes the port.
+  bool CloseCommPort();
+  bool ClearCommBuffers();
+  /// Sends `text` byte by byte with a pause of at least 1 ms behind each.
+  bool SendCommString(std::intptr_t handle, std::string_view text);
+  /// LinkAck, LinkTimeout, or LinkTrue when the reply did not end in the sync byte.
+  LinkResult SendSyncByte(int timeoutMs);
+  /// Asks the unit who it is: LinkTrue with `reply`, `UnitModel` and `UnitFirmwareVersion`, or LinkTimeout.
+  LinkResult ReadUnitIdentity(int timeoutMs, std::string& reply);
+  /// Whether the port could be opened.
+  bool ProbeCommPort(int portNumber);
+  /// Waits while events run; returns the milliseconds that passed.
+  std::int32_t DelayMs(std::int16_t milliseconds);
+  void LetEventsRun();
+
+  /// Waits until `enough` says so, letting events run: false when more than `timeoutMs` have
+  /// passed since `start`, or when the port is gone.
+  bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough);
+  std::chrono::nanoseconds Now() const { return timing.Now(); }
+
+  /// Why the port could not be opened, or what broke it since.
+  std::optional<PortError> PortFailure() const;
+
+ private:
+  LinkTiming timing;
+  std::optional<PortError> openFailure;
+};
+
+/// A text cut from a unit's reply. Texts are single bytes throughout, so nothing is left to widen.
+std::string ReplyToText(std::string_view reply);
+
+}  // namespace chanplan

@@ -1,0 +1,62 @@
+// How values, records and whole tables travel: unsigned big-endian numbers, frequencies in hertz.
+//
+// A table is a header (tag, record count; 2 bytes each) and 48 bytes a record: State 1, Subbands 1,
+// Name 24, UplinkStartFreq 4, DownlinkStartFreq 4, StartChannel 2, StopChannel 2, Bandwidth 4,
+// Spacing 4, Step 2.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/signal_standard_table.h"
+
+namespace chanplan {
+
+inline constexpr char SendTableCommand = 0x4F;
+inline constexpr char ReceiveTableCommand = 0x4E;
+inline constexpr std::size_t WireHeaderSize = 4;
+inline constexpr std::size_t WireRecordSize = 48;
+inline constexpr std::size_t WireNameSize = 24;
+/// In place of a record's `State`: the list ends here.
+inline constexpr char EndOfListState = '\xFF';
+
+int TwoBytesToInteger(std::string_view bytes);     ///< 0..65535
+std::string IntegerToTwoBytes(int value);          ///< of 0..65535
+double FourBytesToDouble(std::string_view bytes);  ///< 0..4294967295
+
+/// The integer part of `value` (0 or more) as an unsigned 32-bit number, not, as the name may
+/// suggest, as floating point. 4294967296 and more give four zero bytes. `value` is reduced to what
+/// is left after the last byte was taken off.
+std::string SingleToFourBytes(double& value);
+
+/// The text in a fixed field: ends at the first zero byte, leaves other bytes below 32 out.
+std::string FixedBytesToText(std::string_view bytes, std::size_t width);
+/// Exactly `width` bytes: cut off, or filled up with zero bytes.
+std::string TextToFixedBytes(std::string_view text, std::size_t width);
+
+/// Hertz of a frequency in MHz, exactly: the decimal number that `megahertz` stands for, times a
+/// million. A floating product would make 1054.3718 MHz one hertz too low.
+double HertzOf(double megahertz);
+
+/// A record's value does not fit its field on the wire. The text names row, field and range.
+class WireMisfit : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The 48 bytes of `record`; throws WireMisfit, naming the row `rowNumber` (1 = first).
+std::string EncodeRecord(const SignalStandardRecord& record, int rowNumber);
+/// The record in 48 bytes, its name as it stands there.
+SignalStandardRecord DecodeRecord(std::string_view bytes);
+
+/// Header and records of `table`; throws WireMisfit.
+std::string EncodeTable(const SignalStandardTable& table, std::uint16_t unitTableTag);
+
+/// What of `table` reaches a unit in another form than it stands there, a line each: names longer
+/// than the field, frequencies that go out as zero, a State that ends the list when read back.
+std::vector<std::string> WireLosses(const SignalStandardTable& table);
+
+}  // namespace chanplan
