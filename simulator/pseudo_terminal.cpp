@@ -1,0 +1,74 @@
+#include "simulator/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+namespace chanplan {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Fail(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
+
+void MakeRaw(int terminal) {
+  termios settings{};
+  tcgetattr(terminal, &settings);
+  cfmakeraw(&settings);
+  tcsetattr(terminal, TCSANOW, &settings);
+}
+
+// The link appears, or changes, in one step.
+void MakeLink(const fs::path& target, const fs::path& link) {
+  if (fs::exists(fs::symlink_status(link)) && !fs::is_symlink(link)) {
+    errno = EEXIST;
+    Fail(link.string());
+  }
+  const fs::path fresh = link.string() + "." + std::to_string(getpid());
+  fs::create_symlink(target, fresh);
+  fs::rename(fresh, link);
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal(const std::string& link) {
+  unitEnd = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (unitEnd < 0 || grantpt(unitEnd) != 0 || unlockpt(unitEnd) != 0) Fail("no pseudo-terminal");
+  path = ptsname(unitEnd);
+  programEnd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (programEnd < 0) Fail(path);
+  MakeRaw(programEnd);
+  if (!link.empty()) {
+    MakeLink(path, link);
+    linkPath = link;
+  }
+}
+
+PseudoTerminal::~PseudoTerminal() {
+  std::error_code ignored;
+  if (!linkPath.empty() && fs::read_symlink(linkPath, ignored) == path) fs::remove(linkPath, ignored);
+  close(programEnd);
+  close(unitEnd);
+}
+
+std::string PseudoTerminal::Read(std::chrono::milliseconds longest) {
+  pollfd waiting{unitEnd, POLLIN, 0};
+  if (poll(&waiting, 1, static_cast<int>(longest.count())) <= 0) return {};
+  std::array<char, 4096> buffer;
+  const ssize_t count = read(unitEnd, buffer.data(), buffer.size());
+  return count > 0 ? std::string(buffer.data(), static_cast<std::size_t>(count)) : std::string();
+}
+
+std::size_t PseudoTerminal::Write(std::string_view bytes) {
+  const ssize_t count = write(unitEnd, bytes.data(), bytes.size());
+  return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+}  // namespace chanplan
