@@ -1,0 +1,22 @@
+#include <iostream>
+
+#include "console/unit_session.h"
+#include "core/number_picture.h"
+#include "core/text_encoding.h"
+
+namespace chanplan {
+
+void AddIdentifyCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("identify", "Print model and firmware version of a unit");
+  const auto arguments = std::make_shared<PortArguments>();
+  arguments->AddTo(*command);
+  command->callback([arguments] {
+    UnitSession session(*arguments);
+    const bool accepted = session.Identify();
+    std::cout << "Model:    " << Utf8FromWindows1252(session.Link().UnitModel) << '\n'
+              << "Firmware: " << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00") << '\n'
+              << "Accepted: " << (accepted ? "yes" : "no") << '\n';
+  });
+}
+
+}  // namespace chanplan

@@ -1,0 +1,29 @@
+// chanplan: the editor's functions from the command line.
+#include <QCoreApplication>
+#include <iostream>
+
+#include "console/command.h"
+
+int main(int argc, char** argv) {
+  using namespace chanplan;
+  const QCoreApplication application(argc, argv);
+  CLI::App app("Check, convert, merge and compare Signal Standard tables, and move them to and from handheld units.",
+               "chanplan");
+  app.require_subcommand(1);
+  int exitCode = ExitDone;
+  for (const auto addCommand :
+       {AddCheckCommand, AddSaveAsCommand, AddMergeCommand, AddPropertiesCommand, AddDiffCommand, AddIdentifyCommand,
+        AddDownloadCommand, AddUploadCommand, AddUnitsCommand})
+    addCommand(app, exitCode);
+  try {
+    app.parse(argc, argv);
+    std::cout.flush();
+    if (!std::cout) throw CommandFailure("standard output could not be written");
+    return exitCode;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? ExitDone : ExitFailed;
+  } catch (const std::exception& error) {
+    Note(error.what());
+    return ExitFailed;
+  }
+}

@@ -1,0 +1,17 @@
+#include <iostream>
+
+#include "console/command.h"
+#include "core/sig_file.h"
+#include "core/table_properties.h"
+
+namespace chanplan {
+
+void AddPropertiesCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("properties", "Print a summary of a table and its file");
+  const auto file = std::make_shared<std::filesystem::path>();
+  command->add_option("FILE", *file, "the table")->required();
+  command->callback(
+      [file] { std::cout << WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOfFile(*file))) << '\n'; });
+}
+
+}  // namespace chanplan

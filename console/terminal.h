@@ -1,0 +1,7 @@
+#pragma once
+
+namespace chanplan {
+
+bool StandardErrorIsTerminal();
+
+}  // namespace chanplan

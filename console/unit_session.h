@@ -1,0 +1,50 @@
+// A link to the unit on a port given on the command line, and transfers that fail clearly.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "console/command.h"
+#include "unit/qt_serial_port.h"
+#include "unit/tracing_port.h"
+#include "unit/transfer.h"
+
+namespace chanplan {
+
+/// The arguments that every command with a PORT takes.
+struct PortArguments {
+  std::string Port;  ///< a device, or the number of a port, 1 to 6
+  bool Trace = false;
+
+  void AddTo(CLI::App& command);
+};
+
+/// The link of one command.
+class UnitSession {
+ public:
+  explicit UnitSession(const PortArguments& arguments);
+
+  /// Identifies the unit; throws CommandFailure unless it answered. Returns whether the editor accepts it.
+  bool Identify();
+
+  /// As Identify, and throws CommandFailure unless the unit is accepted.
+  void Connect();
+
+  /// The unit's table; throws CommandFailure.
+  UnitTable Download();
+
+  /// Puts the table into the unit; throws CommandFailure.
+  void Upload(UnitTable& document);
+
+  const UnitLink& Link() const { return link; }
+
+ private:
+  [[noreturn]] void Fail(const std::string& reason) const;
+
+  std::string portName;
+  QtSerialPort port;
+  std::unique_ptr<TracingPort> tracing;
+  UnitLink link;
+};
+
+}  // namespace chanplan

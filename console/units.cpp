@@ -1,0 +1,42 @@
+#include <iostream>
+
+#include "console/command.h"
+#include "core/number_picture.h"
+#include "core/text_encoding.h"
+#include "unit/qt_serial_port.h"
+#include "unit/unit_connection.h"
+
+namespace chanplan {
+namespace {
+
+// A unit answers at once; a port without one must not hold up the search.
+constexpr int SearchTimeoutMs = 2000;
+
+bool PrintUnit(const std::string& device) {
+  QtSerialPort port(device);
+  UnitLink link(port, SystemTiming());
+  std::string reply;
+  const bool answered = link.OpenCommPort(1) == 1 && link.ReadUnitIdentity(SearchTimeoutMs, reply) == LinkTrue;
+  if (answered)
+    std::cout << device << '\t' << Utf8FromWindows1252(link.UnitModel) << '\t'
+              << FormatNumber(link.UnitFirmwareVersion, "#0.00") << '\t'
+              << (IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion) ? "accepted" : "not accepted")
+              << std::endl;
+  link.CloseCommPort();
+  return answered;
+}
+
+}  // namespace
+
+void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("units", "Try the machine's serial ports and list the units that answer");
+  command->footer("A line per unit: device, model, firmware version, whether the editor accepts it.");
+  command->callback([] {
+    const auto devices = SerialDevices();
+    int answered = 0;
+    for (const std::string& device : devices) answered += PrintUnit(device) ? 1 : 0;
+    if (answered == 0) Note("no unit answered on " + std::to_string(devices.size()) + " serial ports");
+  });
+}
+
+}  // namespace chanplan

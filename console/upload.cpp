@@ -1,0 +1,70 @@
+#include "console/unit_session.h"
+#include "core/table_difference.h"
+#include "core/table_merge.h"
+#include "core/text_encoding.h"
+#include "core/validation.h"
+#include "unit/wire_encoding.h"
+
+namespace chanplan {
+namespace {
+
+struct UploadArguments {
+  PortArguments Port;
+  std::filesystem::path File;
+  bool Append = false;
+  bool ReplaceMatching = false;
+  bool Verify = false;
+};
+
+// The unit keeps only the standard's name for its sub-bands; validation gives both tables the rest.
+void Verify(UnitSession& session, SignalStandardTable sent) {
+  SignalStandardTable held = session.Download().Table;
+  ValidateTable(sent, {});
+  ValidateTable(held, {});
+  const auto differences = RowDifferences(sent, held);
+  if (differences.empty()) return;
+  for (const std::string& line : differences) Note(Utf8FromWindows1252(line));
+  throw CommandFailure("the unit's table is not the one that was sent: upload it again");
+}
+
+void Upload(const UploadArguments& arguments) {
+  UnitTable document{OpenTable(arguments.File)};
+  UnitSession session(arguments.Port);
+  // A table that does not fit is refused before anything is said to the unit.
+  if (!arguments.Append) EncodeTable(document.Table, document.UnitTableTag);
+  session.Connect();
+  if (arguments.Append) {
+    UnitTable unitDocument = session.Download();
+    MergeOutcome merged = MergeTables(unitDocument.Table, document.Table, arguments.ReplaceMatching);
+    if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
+    document = {std::move(merged.Table), unitDocument.UnitTableTag};
+  }
+  for (const std::string& loss : WireLosses(document.Table)) Note(Utf8FromWindows1252(loss));
+  session.Upload(document);
+  if (arguments.Verify) Verify(session, document.Table);
+}
+
+}  // namespace
+
+void AddUploadCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("upload", "Put a table into a unit");
+  const auto arguments = std::make_shared<UploadArguments>();
+  arguments->Port.AddTo(*command);
+  command->add_option("FILE", arguments->File, "the table")->required();
+  CLI::Option* append =
+      command->add_flag("--append", arguments->Append, "keep the unit's standards and add the table's");
+  command
+      ->add_flag("--replace-matching", arguments->ReplaceMatching,
+                 "standards of the table replace those of the same name in the unit")
+      ->needs(append);
+  command->add_flag("--verify", arguments->Verify, "read the unit's table back and compare it record by record");
+  command->callback([arguments] {
+    try {
+      Upload(*arguments);
+    } catch (const WireMisfit& misfit) {
+      throw CommandFailure(Utf8FromWindows1252(misfit.what()) + "; nothing was sent");
+    }
+  });
+}
+
+}  // namespace chanplan
