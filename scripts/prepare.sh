@@ -1,0 +1,27 @@
+# Sourced by ./run and ./test: installs what is missing on Debian 12 and configures the build.
+
+packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcli11-dev libgtest-dev libbenchmark-dev)
+
+install_missing_packages() {
+  local missing=() package
+  for package in "${packages[@]}"; do
+    dpkg-query --show --showformat='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "Installing ${missing[*]}"
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "Run this as root, or install sudo: packages are missing: ${missing[*]}" >&2; exit 2; }
+    as_root=(sudo)
+  fi
+  "${as_root[@]}" apt-get update -q
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  cmake --preset "$preset"
+  cmake --build --preset "$preset" ${1:+--target "$@"}
+}
