@@ -33,9 +33,9 @@ void QtSerialPort::SetPortNumber(int number) {
 
 void QtSerialPort::SetSettings(std::string_view settings) {
   const auto baud = QString::fromUtf8(settings.data(), static_cast<qsizetype>(settings.find(','))).toInt();
-  const bool done = settings.ends_with(",N,8,1") && port->setBaudRate(baud) && port->setParity(QSerialPort::NoParity) &&
-                    port->setDataBits(QSerialPort::Data8) && port->setStopBits(QSerialPort::OneStop) &&
-                    port->setFlowControl(QSerialPort::NoFlowControl);
+  const bool done = settings.ends_with(",N,8,1") && baud > 0 && port->setBaudRate(baud) &&
+                    port->setParity(QSerialPort::NoParity) && port->setDataBits(QSerialPort::Data8) &&
+                    port->setStopBits(QSerialPort::OneStop) && port->setFlowControl(QSerialPort::NoFlowControl);
   if (!done) throw PortError(device + " does not take the settings " + std::string(settings));
 }
 
@@ -47,8 +47,12 @@ void QtSerialPort::SetInputLength(int /*bytes*/) {}  // always all that is waiti
 
 void QtSerialPort::Open() {
   failure.reset();
-  if (!port->open(QIODevice::ReadWrite))
-    throw PortError(PortProblem(device).value_or(device + " cannot be opened: " + port->errorString().toStdString()));
+  if (port->open(QIODevice::ReadWrite)) return;
+  if (const auto problem = PortProblem(device)) throw PortError(*problem);
+  // The platform would let one in, so it is the lock that another program holds.
+  if (port->error() == QSerialPort::PermissionError)
+    throw PortError(device + " is in use by another program: close that first");
+  throw PortError(device + " cannot be opened: " + port->errorString().toStdString());
 }
 
 void QtSerialPort::Close() { port->close(); }
