@@ -23,7 +23,7 @@ inline constexpr std::array<std::string_view, FieldCount> HeaderNames = {
     "Bandwidth", "Spacing",  "Step"};
 
 /// A line longer than this is a read failure, which bounds the memory any input can take.
-inline constexpr std::size_t MaxLineLength = 64 * 1024;
+inline constexpr std::size_t MaxLineLength = 65536;
 
 enum class ReadFailure { None, CannotOpen, CannotRead, Empty, LineTooLong, TooFewFields, IntegerOutOfRange };
 

@@ -1,0 +1,48 @@
+// What the frame may ask of a document: the document's side of the seam between the two.
+#pragma once
+
+#include <QMdiSubWindow>
+#include <QString>
+
+namespace chanplan {
+
+/// A document's entry in `DocumentStates`.
+struct DocumentState {
+  bool Released = false;  ///< the window has been unloaded and the number may be given away again
+  bool Changed = false;   ///< the table differs from what was last loaded or saved
+};
+
+/// One open table in its own child window. The window's title is the document's caption: the path
+/// of its file, "Factory Default (Read-Only)", or a name that begins with "Untitled". The window
+/// asks before it closes with changes, and tells nobody: whoever waits for its end uses `destroyed`
+/// or `Released`.
+class DocumentWindow : public QMdiSubWindow {
+  Q_OBJECT
+
+ public:
+  using QMdiSubWindow::QMdiSubWindow;
+
+  virtual DocumentState& State() = 0;
+  /// The warnings of the last validation, a line each, ended by CR LF.
+  virtual QString WarningsText() const = 0;
+
+  /// Replaces the table by the one in the file, sets the caption and validates. False, after a
+  /// message, when the file cannot be read; the table is then empty.
+  virtual bool LoadSigStandards(const QString& path) = 0;
+  /// Stores open edits, validates and writes the table. On success the caption is the path; false,
+  /// after a message, when writing failed. Leaves `Changed` to the caller.
+  virtual bool SaveChanplans(const QString& path) = 0;
+  virtual QString TableProperties() = 0;
+
+  virtual void CopyCut(bool Cut) = 0;
+  virtual void Paste() = 0;
+  virtual void InsertBlank() = 0;
+  /// Selects the standard of this name in the list view, if there is one.
+  virtual void FindSSEntry(const QString& name) = 0;
+
+  /// Whole tables, through the shared transfer table.
+  virtual void GetTable() = 0;
+  virtual void SetTable() = 0;
+};
+
+}  // namespace chanplan

@@ -1,0 +1,29 @@
+// What a document may ask of the frame: the frame's side of the seam between the two.
+#pragma once
+
+#include <QString>
+
+namespace chanplan {
+
+class FrameOperations {
+ public:
+  virtual ~FrameOperations() = default;
+
+  virtual void mnuEditCopy_Click() = 0;
+  virtual void mnuEditCut_Click() = 0;
+  virtual void mnuEditPaste_Click() = 0;
+
+  /// Fills the warnings pane with `WarningText`, lines separated by CR LF, and selects line
+  /// `SelIndex`; -1 keeps the selected line where it is.
+  virtual void Warnings(const QString& WarningText, qint16 SelIndex) = 0;
+  /// The status bar's first panel.
+  virtual void ShowStatus(const QString& text) = 0;
+
+  /// Asks for a file to save to; empty when the user cancels. `fileType` is ".sig" or ".htm".
+  virtual QString PromptSaveFileName(const QString& proposedName, const QString& fileType) = 0;
+
+  /// The title of message boxes.
+  virtual QString ApplicationTitle() const = 0;
+};
+
+}  // namespace chanplan

@@ -1,0 +1,298 @@
+// The document window: set-up, layout, and filling the grids from the table.
+#include "editor/frm_document.h"
+
+#include <QFocusEvent>
+#include <QHeaderView>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyle>
+#include <limits>
+
+#include "core/number_picture.h"
+#include "editor/grid_columns.h"
+#include "editor/text_edge.h"
+#include "editor/twips.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int InitialWidth = 9500;  // twips, as all sizes up to the margins
+constexpr int InitialHeight = 5600;
+constexpr int LowestWidth = 5200;
+constexpr int LowestHeight = 2800;
+constexpr int LowestBandsHeight = 50;
+constexpr int Margin = 2;  // pixels
+constexpr double BandsHeaderLines = 2.25;
+
+int TextWidth(const QWidget& widget, const QString& text) { return widget.fontMetrics().horizontalAdvance(text); }
+
+QString NumberText(const SignalStandardRecord& record, const NumberField& field) {
+  return field.Decimal != nullptr ? TextOf(FormatNumber(record.*field.Decimal, FrequencyPicture))
+                                  : TextOf(FormatNumber(record.*field.Integer, IntegerPicture));
+}
+
+}  // namespace
+
+frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentState, SharedTables& sharedTables,
+                         QWidget* parent)
+    : DocumentWindow(parent),
+      frame(frameUsed),
+      state(documentState),
+      shared(sharedTables),
+      area(new QWidget),
+      GridList(new Grid("GridList", 1, area)),
+      GridDetails(new Grid("GridDetails", 1, area)),
+      GridBands(new Grid("GridBands", 1, area)),
+      txtEntry(new EntryBox(area)),
+      cmboSelected(new QComboBox(area)),
+      cmboModType(new QComboBox(area)),
+      UpDown(new QSpinBox(area)),
+      ActiveGrid(GridList) {
+  setObjectName("frmDocument");
+  setAttribute(Qt::WA_DeleteOnClose);
+  setWidget(area);
+  BuildEditors();
+  BuildGrids();
+  ConnectGrids();
+  ConnectEditors();
+  area->installEventFilter(this);
+  connect(this, &QMdiSubWindow::windowStateChanged, this, [this](Qt::WindowStates former, Qt::WindowStates now) {
+    if ((former & Qt::WindowActive) != 0 && (now & Qt::WindowActive) == 0) CommitEdit();
+  });
+  setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
+  resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
+  ShowSelectedStandard();
+}
+
+void frmDocument::BuildGrids() {
+  const int margin = TextWidth(*this, "HH");
+  const int rowHeight = txtEntry->height();
+
+  GridList->setAccessibleName("Signal Standards");
+  GridList->setSelectionBehavior(QAbstractItemView::SelectRows);
+  GridList->setSelectionMode(QAbstractItemView::ContiguousSelection);
+  GridList->setColumnCount(3);
+  GridList->setHorizontalHeaderLabels({"#", "Name", ""});
+  GridList->setColumnWidth(0, TextWidth(*this, "999") + margin);
+  GridList->setColumnWidth(1, TextWidth(*this, QString(23, 'H')));
+  GridList->hideColumn(2);
+
+  GridDetails->setAccessibleName("Values of the selected Signal Standard");
+  GridDetails->setSelectionMode(QAbstractItemView::SingleSelection);
+  GridDetails->setColumnCount(2);
+  GridDetails->horizontalHeader()->hide();
+  GridDetails->setColumnWidth(0, TextWidth(*this, "Downlink Start Frequency (MHz)") + margin);
+  GridDetails->setColumnWidth(1, 24 * TextWidth(*this, "H"));
+  GridDetails->SetColumnAlignment(1, Qt::AlignRight);
+  GridDetails->SetRows(static_cast<int>(DetailRows.size()), rowHeight);
+  for (int row = 0; row < GridDetails->rowCount(); ++row) {
+    GridDetails->FillCell(row, 0, DetailRows[static_cast<std::size_t>(row)].Title);
+    GridDetails->item(row, 0)->setFlags(Qt::ItemIsEnabled);
+    GridDetails->item(row, 0)->setBackground(palette().button());
+  }
+  GridDetails->resize(0, GridDetails->rowCount() * rowHeight + 2 * GridDetails->frameWidth());
+  GridDetails->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+  GridBands->setAccessibleName("Sub-bands of the selected Signal Standard");
+  GridBands->setSelectionMode(QAbstractItemView::SingleSelection);
+  GridBands->setColumnCount(static_cast<int>(BandColumns.size()));
+  for (int column = 0; column < GridBands->columnCount(); ++column) {
+    const BandColumn& shape = BandColumns[static_cast<std::size_t>(column)];
+    GridBands->setHorizontalHeaderItem(column, new QTableWidgetItem(shape.Title));
+    if (shape.WidthInDigits == 0) continue;
+    GridBands->setColumnWidth(column, TextWidth(*this, QString(shape.WidthInDigits, '8')));
+    GridBands->SetColumnAlignment(column, Qt::AlignRight);
+  }
+  GridBands->setColumnWidth(0, TextWidth(*this, BandColumns[0].Title) + margin);
+  GridBands->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
+  GridBands->horizontalHeader()->setFixedHeight(qRound(BandsHeaderLines * rowHeight));
+
+  QWidget* former = GridList;
+  for (QWidget* next : std::initializer_list<QWidget*>{GridDetails, txtEntry, cmboSelected, cmboModType, GridBands}) {
+    QWidget::setTabOrder(former, next);
+    former = next;
+  }
+}
+
+void frmDocument::BuildEditors() {
+  txtEntry->setObjectName("txtEntry");
+  txtEntry->resize(0, fontMetrics().height() + 4);
+  cmboSelected->setObjectName("cmboSelected");
+  cmboSelected->addItems({"Standby", "Now active"});
+  cmboSelected->setAccessibleName(DetailRows[DisplayModeRow].Title);
+  cmboModType->setObjectName("cmboModType");
+  for (const std::string_view text : ModulationTexts) cmboModType->addItem(TextOf(text));
+  cmboModType->setAccessibleName(DetailRows[ModulationRow].Title);
+  UpDown->setObjectName("UpDown");
+  UpDown->setRange(0, std::numeric_limits<int>::max());
+  UpDown->setAccessibleName(DetailRows[SubbandsRow].Title);
+  for (QWidget* editor : std::initializer_list<QWidget*>{txtEntry, cmboSelected, cmboModType, UpDown}) editor->hide();
+}
+
+void frmDocument::ConnectGrids() {
+  for (Grid* grid : {GridList, GridDetails, GridBands}) {
+    connect(grid, &Grid::FocusGained, this, [this, grid] { ActiveGrid = grid; });
+    connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
+    connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
+  }
+  connect(GridList, &QTableWidget::currentCellChanged, this, &frmDocument::ListRowChanged);
+  connect(GridList, &Grid::DeleteReleased, this, [this] {
+    CommitEdit();
+    DeleteStandards();
+  });
+  connect(GridDetails, &QTableWidget::currentCellChanged, this, [this](int row) {
+    StoreGridsToTable();
+    if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
+  });
+  connect(GridBands, &QTableWidget::currentCellChanged, this, [this](int row) {
+    reported = false;
+    StoreGridsToTable();
+    if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
+  });
+  for (Grid* grid : {GridDetails, GridBands}) {
+    connect(grid, &Grid::FocusLost, this, [this] { frame.ShowStatus(""); });
+    connect(grid, &Grid::EditRequested, this, [this] { BeginCellEdit(0); });
+  }
+  connect(GridDetails, &Grid::CellTyped, this, [this](QChar character) {
+    const int row = GridDetails->currentRow();
+    if (!txtEntry->isVisible() && (row == NameRow || row >= FirstNumberRow))
+      BeginCellEdit(static_cast<qint16>(character.unicode()));
+  });
+}
+
+bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == area && event->type() == QEvent::Resize) LayOut();
+  if ((watched == cmboSelected || watched == cmboModType) && event->type() == QEvent::FocusOut &&
+      FocusMovedOn(*static_cast<QFocusEvent*>(event)))
+    CloseChoice(*static_cast<QComboBox*>(watched));
+  return DocumentWindow::eventFilter(watched, event);
+}
+
+void frmDocument::LayOut() {
+  if (isMinimized()) return;
+  const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, GridList);
+  const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
+  GridList->setGeometry(Margin, Margin, listWidth, area->height() - 2 * Margin);
+
+  const int left = Margin + listWidth + Margin;
+  const int width = area->width() - left - Margin;
+  GridDetails->setGeometry(left, Margin, width, GridDetails->height());
+
+  const int top = Margin + GridDetails->height() + Margin;
+  const int height = area->height() - top - Margin;
+  const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
+  GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
+  PlaceEditBox();
+}
+
+int frmDocument::SelectedIndex() const {
+  const int row = GridList->currentRow();
+  return row < 0 ? -1 : GridList->CellText(row, 2).toInt();
+}
+
+void frmDocument::FillStandardList() {
+  const QScopedValueRollback suppressed(SuppressListEvents, true);
+  GridList->setUpdatesEnabled(false);
+  const std::vector<int> standards = StandardIndices(table);
+  const int formerRow = GridList->currentRow();
+  GridList->SetRows(static_cast<int>(standards.size()), txtEntry->height());
+  for (int row = 0; row < GridList->rowCount(); ++row) {
+    const int index = standards[static_cast<std::size_t>(row)];
+    GridList->FillCell(row, 0, QString::number(row + 1));
+    GridList->FillCell(row, 1, TextOf(table.Row(index).Name), "Name");
+    GridList->FillCell(row, 2, QString::number(index));
+  }
+  if (GridList->rowCount() > 0) GridList->setCurrentCell(qBound(0, formerRow, GridList->rowCount() - 1), 1);
+  GridList->setUpdatesEnabled(true);
+  HighlightListRow();
+}
+
+void frmDocument::ShowSelectedStandard() {
+  shownIndex = SelectedIndex();
+  GridBands->setUpdatesEnabled(false);
+  if (shownIndex < 0) {
+    for (int row = 0; row < GridDetails->rowCount(); ++row)
+      GridDetails->FillCell(row, 1, "", DetailRows[static_cast<std::size_t>(row)].Title);
+    ShowBands(0, 0);
+  } else {
+    ShowDetails(table.Row(shownIndex));
+    ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
+  }
+  GridBands->setUpdatesEnabled(true);
+}
+
+void frmDocument::ShowDetails(const SignalStandardRecord& standard) {
+  const auto fill = [this](int row, const QString& text) {
+    GridDetails->FillCell(row, 1, text, DetailRows[static_cast<std::size_t>(row)].Title);
+  };
+  fill(NameRow, TextOf(standard.Name));
+  fill(SubbandsRow, QString::number(standard.Subbands));
+  {
+    const QSignalBlocker silent(UpDown);
+    UpDown->setValue(standard.Subbands);
+  }
+  ShowStateCode(static_cast<int>(StateValue(standard) & 0xFF));
+  for (int row = FirstNumberRow; row < GridDetails->rowCount(); ++row)
+    fill(row, NumberText(standard, DetailRows[static_cast<std::size_t>(row)].Field));
+}
+
+void frmDocument::ShowBands(int index, int count) {
+  GridBands->SetRows(count, txtEntry->height());
+  for (int row = 0; row < count; ++row) {
+    const QString band = "Band " + TextOf(std::string(1, SubbandLetter(row + 1)));
+    GridBands->FillCell(row, 0, band);
+    for (int column = 1; column < GridBands->columnCount(); ++column) {
+      const BandColumn& shape = BandColumns[static_cast<std::size_t>(column)];
+      GridBands->FillCell(row, column, NumberText(table.Row(index + 1 + row), shape.Field), band + ", " + shape.Title);
+    }
+  }
+}
+
+void frmDocument::HighlightListRow() {
+  if (!GridList->updatesEnabled()) return;
+  GridList->setUpdatesEnabled(false);
+  for (int row = 0; row < GridList->rowCount(); ++row) {
+    QTableWidgetItem* cell = GridList->item(row, 1);
+    QFont font = cell->font();
+    if (font.bold() == (row == GridList->currentRow())) continue;
+    font.setBold(row == GridList->currentRow());
+    cell->setFont(font);
+  }
+  GridList->setUpdatesEnabled(true);
+}
+
+void frmDocument::RefillAfterEdit() {
+  FillStandardList();
+  ShowSelectedStandard();
+}
+
+void frmDocument::ListRowChanged() {
+  if (SuppressListEvents) return;
+  StoreGridsToTable();
+  ShowSelectedStandard();
+  HighlightListRow();
+}
+
+void frmDocument::FindSSEntry(const QString& name) {
+  const std::string bytes = BytesOf(name);
+  const std::vector<int> standards = StandardIndices(table);
+  const auto select = [this](int row) {
+    GridList->setCurrentCell(row, 1);
+    GridList->scrollToItem(GridList->item(row, 1));
+  };
+  for (int row = 0; row < GridList->rowCount(); ++row)
+    if (GridList->CellText(row, 1) == name) return select(row);
+  // A warning may name a sub-band: its standard is selected then.
+  for (std::size_t row = 0; row < standards.size(); ++row)
+    for (int index = standards[row]; index < GroupEnd(table, standards[row]); ++index)
+      if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
+}
+
+void frmDocument::GetTable() { chanplan::GetTable(table, shared.Transfer); }
+
+void frmDocument::SetTable() {
+  chanplan::SetTable(shared.Transfer, table);
+  RefillAfterEdit();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,115 @@
+// The document window: one table, shown and edited in three linked grids.
+#pragma once
+
+#include <QComboBox>
+#include <QSpinBox>
+
+#include "core/signal_standard_table.h"
+#include "editor/document_window.h"
+#include "editor/entry_box.h"
+#include "editor/frame_operations.h"
+#include "editor/grid.h"
+#include "editor/shared_tables.h"
+
+namespace chanplan {
+
+/// The table, not the grids, is the authoritative copy: the grids are filled from it after every
+/// change, and cells that the user edited are written back when they are left.
+///
+///   GridList     the standards; a hidden column holds each one's table index
+///   GridDetails  the values of the standard that is current in GridList
+///   GridBands    its sub-bands
+class frmDocument : public DocumentWindow {
+  Q_OBJECT
+
+ public:
+  frmDocument(FrameOperations& frameUsed, DocumentState& documentState, SharedTables& sharedTables,
+              QWidget* parent = nullptr);
+
+  DocumentState& State() override { return state; }
+  QString WarningsText() const override { return warningsText; }
+
+  bool LoadSigStandards(const QString& path) override;
+  bool SaveChanplans(const QString& path) override;
+  QString TableProperties() override;
+  void CopyCut(bool Cut) override;
+  void Paste() override;
+  void InsertBlank() override;
+  void FindSSEntry(const QString& name) override;
+  void GetTable() override;
+  void SetTable() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  // Set-up and layout
+  void BuildGrids();
+  void BuildEditors();
+  void ConnectGrids();
+  void ConnectEditors();
+  void LayOut();
+
+  // The view
+  void FillStandardList();
+  void ShowSelectedStandard();
+  void ShowDetails(const SignalStandardRecord& standard);
+  void ShowBands(int index, int count);
+  void HighlightListRow();
+  void RefillAfterEdit();
+  void ListRowChanged();
+  int SelectedIndex() const;
+
+  // Cell editing
+  void BeginCellEdit(qint16 keyCode);
+  void PositionEditBox(bool withUpDown);
+  void PlaceEditBox();
+  void ShowChoice(QComboBox& choice);
+  void SetEntryRules();
+  void MirrorEntry(const QString& text);
+  void CloseEntry();
+  void CancelEntry();
+  void CloseChoice(QComboBox& choice);
+  void CommitEdit();
+  void StoreGridsToTable();
+  void StoreDetails(SignalStandardRecord& standard);
+  bool StoreBands(int index);
+  int GetStateCode() const;
+  void ShowStateCode(int code);
+  void ValidateTable();
+
+  // Clipboard, insertion and deletion
+  void CopyStandards();
+  void DeleteStandards();
+  bool SetSubbandCount(int count);
+  void UpDown_Change(int value);
+
+  bool AskToSave();
+  void MarkChanged() { state.Changed = true; }
+
+  FrameOperations& frame;
+  DocumentState& state;
+  SharedTables& shared;
+  SignalStandardTable table;
+  QString warningsText;
+
+  QWidget* area;
+  Grid* GridList;
+  Grid* GridDetails;
+  Grid* GridBands;
+  EntryBox* txtEntry;
+  QComboBox* cmboSelected;
+  QComboBox* cmboModType;
+  QSpinBox* UpDown;
+
+  Grid* ActiveGrid;
+  QString OriginalCellText;
+  int shownIndex = -1;  // table index of the standard in GridDetails and GridBands, -1 = none
+  bool SuppressListEvents = false;
+  bool storing = false;
+  bool closing = false;
+  bool reported = false;  // the status bar says why a cell kept its old value
+};
+
+}  // namespace chanplan

@@ -1,0 +1,95 @@
+// The document window: loading, saving, properties and closing.
+#include <QCloseEvent>
+#include <QLocale>
+#include <QMessageBox>
+#include <QScopedValueRollback>
+
+#include "core/sig_file.h"
+#include "core/table_properties.h"
+#include "editor/frm_document.h"
+#include "editor/text_edge.h"
+
+namespace chanplan {
+namespace {
+
+// The busy pointer, for as long as this lives.
+class BusyPointer {
+ public:
+  explicit BusyPointer(QWidget& shown) : widget(shown) { widget.setCursor(Qt::WaitCursor); }
+  ~BusyPointer() { widget.unsetCursor(); }
+
+ private:
+  QWidget& widget;
+};
+
+QString ToText(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
+
+}  // namespace
+
+bool frmDocument::LoadSigStandards(const QString& path) {
+  const BusyPointer busy(*this);
+  const QScopedValueRollback suppressed(SuppressListEvents, true);
+  shownIndex = -1;
+  ReadOutcome outcome = LoadSigFile(PathOf(path));
+  table = std::move(outcome.Table);
+  if (!outcome.Ok()) {
+    FillStandardList();
+    ShowSelectedStandard();
+    QMessageBox::critical(this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
+    return false;
+  }
+  if (outcome.Truncated) QMessageBox::critical(this, "File Error", ToText(FileTruncatedText));
+  setWindowTitle(ToText(CaptionOfFile(PathOf(path))));
+  ValidateTable();
+  FillStandardList();
+  if (GridList->rowCount() > 0) GridList->setCurrentCell(0, 1);
+  ShowSelectedStandard();
+  HighlightListRow();
+  return true;
+}
+
+bool frmDocument::SaveChanplans(const QString& path) {
+  CommitEdit();
+  const BusyPointer busy(*this);
+  const QString point = QLocale().decimalPoint();
+  if (const std::error_code error = SaveSigFile(PathOf(path), table, BytesOf(point).front())) {
+    QMessageBox::critical(this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
+    return false;
+  }
+  setWindowTitle(path);
+  GridList->viewport()->update();
+  return true;
+}
+
+QString frmDocument::TableProperties() {
+  CommitEdit();
+  return ToText(chanplan::TableProperties(table, windowTitle().toStdString()));
+}
+
+bool frmDocument::AskToSave() {
+  const QString caption = windowTitle();
+  const auto answer =
+      QMessageBox::warning(this, frame.ApplicationTitle(),
+                           "The contents in [" + caption + "] has changed.\nDo you want to save the changes?",
+                           QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+  if (answer == QMessageBox::No) return true;
+  if (answer != QMessageBox::Yes) return false;
+  QString path = caption;
+  if (caption.startsWith("Untitled"))
+    path = frame.PromptSaveFileName("untitled.lst", ".sig");
+  else if (caption.contains(ToText(ReadOnlyMark)))
+    path = frame.PromptSaveFileName("", ".sig");
+  return !path.isEmpty() && SaveChanplans(path);
+}
+
+void frmDocument::closeEvent(QCloseEvent* event) {
+  if (closing) return event->ignore();  // the question is on the screen
+  const QScopedValueRollback asking(closing, true);
+  CommitEdit();
+  if (state.Changed && !AskToSave()) return event->ignore();
+  frame.Warnings("", -1);
+  state.Released = true;
+  DocumentWindow::closeEvent(event);
+}
+
+}  // namespace chanplan

@@ -1,0 +1,119 @@
+#include "editor/grid.h"
+
+#include <QFocusEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+
+namespace chanplan {
+namespace {
+
+constexpr int FilledTextRole = Qt::UserRole;
+constexpr int LabelRole = Qt::UserRole + 1;
+
+// Keeps the current cell out of the title columns, whichever way it moves.
+class ValueColumnsSelection : public QItemSelectionModel {
+ public:
+  ValueColumnsSelection(QAbstractItemModel* items, int first, QObject* parent)
+      : QItemSelectionModel(items, parent), firstColumn(first) {}
+
+  void setCurrentIndex(const QModelIndex& index, SelectionFlags command) override {
+    const bool onTitle = index.isValid() && index.column() < firstColumn;
+    QItemSelectionModel::setCurrentIndex(onTitle ? index.siblingAtColumn(firstColumn) : index, command);
+  }
+
+ private:
+  int firstColumn;
+};
+
+}  // namespace
+
+Grid::Grid(const QString& name, int firstColumn, QWidget* parent) : QTableWidget(parent) {
+  setObjectName(name);
+  setSelectionModel(new ValueColumnsSelection(model(), firstColumn, this));
+  setEditTriggers(NoEditTriggers);
+  setTabKeyNavigation(false);
+  setCornerButtonEnabled(false);
+  setWordWrap(false);
+  setVerticalScrollMode(ScrollPerPixel);
+  verticalHeader()->hide();
+  verticalHeader()->setMinimumSectionSize(1);
+  horizontalHeader()->setHighlightSections(false);
+  connect(this, &QTableWidget::cellDoubleClicked, this, &Grid::EditRequested);
+}
+
+QTableWidgetItem& Grid::Cell(int row, int column) {
+  QTableWidgetItem* cell = item(row, column);
+  if (cell == nullptr) {
+    cell = new QTableWidgetItem;
+    cell->setTextAlignment(alignments.value(column, Qt::AlignLeft) | Qt::AlignVCenter);
+    setItem(row, column, cell);
+  }
+  return *cell;
+}
+
+void Grid::SetText(QTableWidgetItem& cell, const QString& text) {
+  if (cell.text() != text) cell.setText(text);
+  const QString label = cell.data(LabelRole).toString();
+  const QString spoken = label.isEmpty() ? text : label + ", " + text;
+  if (cell.data(Qt::AccessibleTextRole).toString() != spoken) cell.setData(Qt::AccessibleTextRole, spoken);
+}
+
+void Grid::FillCell(int row, int column, const QString& text, const QString& label) {
+  QTableWidgetItem& cell = Cell(row, column);
+  if (cell.data(LabelRole).toString() != label) cell.setData(LabelRole, label);
+  if (cell.data(FilledTextRole).toString() != text) cell.setData(FilledTextRole, text);
+  SetText(cell, text);
+}
+
+void Grid::EditCell(int row, int column, const QString& text) { SetText(Cell(row, column), text); }
+
+QString Grid::CellText(int row, int column) const {
+  const QTableWidgetItem* cell = item(row, column);
+  return cell == nullptr ? QString() : cell->text();
+}
+
+QString Grid::CellLabel(int row, int column) const {
+  const QTableWidgetItem* cell = item(row, column);
+  return cell == nullptr ? QString() : cell->data(LabelRole).toString();
+}
+
+bool Grid::CellEdited(int row, int column) const {
+  const QTableWidgetItem* cell = item(row, column);
+  return cell != nullptr && cell->text() != cell->data(FilledTextRole).toString();
+}
+
+void Grid::SetColumnAlignment(int column, Qt::Alignment alignment) { alignments.insert(column, alignment); }
+
+void Grid::SetRows(int rows, int height) {
+  const int former = rowCount();
+  setRowCount(rows);
+  for (int row = former; row < rows; ++row) setRowHeight(row, height);
+}
+
+void Grid::focusInEvent(QFocusEvent* event) {
+  QTableWidget::focusInEvent(event);
+  emit FocusGained();
+}
+
+void Grid::focusOutEvent(QFocusEvent* event) {
+  QTableWidget::focusOutEvent(event);
+  emit FocusLost();
+}
+
+void Grid::keyPressEvent(QKeyEvent* event) {
+  const bool plain = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+  const QString text = event->text();
+  if (event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    emit EditRequested();
+  else if (plain && !text.isEmpty() && (text.front() == '\b' || text.front().isPrint()))
+    emit CellTyped(text.front());
+  else
+    QTableWidget::keyPressEvent(event);
+}
+
+void Grid::keyReleaseEvent(QKeyEvent* event) {
+  QTableWidget::keyReleaseEvent(event);
+  if (event->key() == Qt::Key_Delete && !event->isAutoRepeat()) emit DeleteReleased();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,52 @@
+// The grid control of the document window: cells of text, moved through with the keyboard.
+#pragma once
+
+#include <QTableWidget>
+
+namespace chanplan {
+
+/// A table of text cells that does not edit them itself. It tells who should: `CellTyped` and
+/// `EditRequested`. Columns before `firstColumn` hold titles and never are current.
+class Grid : public QTableWidget {
+  Q_OBJECT
+
+ public:
+  Grid(const QString& name, int firstColumn, QWidget* parent);
+
+  /// Sets a cell that the program fills; `label` is what a screen reader says before the text.
+  void FillCell(int row, int column, const QString& text, const QString& label = {});
+  /// Sets a cell's text as the user changes it.
+  void EditCell(int row, int column, const QString& text);
+  QString CellText(int row, int column) const;
+  QString CellLabel(int row, int column) const;
+  /// The cell no longer holds what the program put there.
+  bool CellEdited(int row, int column) const;
+
+  /// Alignment of a column's cells that are filled from now on.
+  void SetColumnAlignment(int column, Qt::Alignment alignment);
+  /// Makes the grid `rows` rows long, each `height` pixels high.
+  void SetRows(int rows, int height);
+
+ signals:
+  void FocusGained();
+  void FocusLost();
+  /// A printable character, or Backspace, was pressed on the current cell.
+  void CellTyped(QChar character);
+  /// Enter or F2 was pressed, or the current cell double-clicked.
+  void EditRequested();
+  void DeleteReleased();
+
+ protected:
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+
+ private:
+  void SetText(QTableWidgetItem& cell, const QString& text);
+  QTableWidgetItem& Cell(int row, int column);
+
+  QHash<int, Qt::Alignment> alignments;
+};
+
+}  // namespace chanplan
