@@ -23,6 +23,8 @@ constexpr int LowestHeight = 2800;
 constexpr int LowestBandsHeight = 50;
 constexpr int Margin = 2;  // pixels
 constexpr double BandsHeaderLines = 2.25;
+constexpr int LeastValueLetters = 8;  // widths of the value column
+constexpr int MostValueLetters = 24;
 
 int TextWidth(const QWidget& widget, const QString& text) { return widget.fontMetrics().horizontalAdvance(text); }
 
@@ -82,7 +84,6 @@ void frmDocument::BuildGrids() {
   GridDetails->setColumnCount(2);
   GridDetails->horizontalHeader()->hide();
   GridDetails->setColumnWidth(0, TextWidth(*this, "Downlink Start Frequency (MHz)") + margin);
-  GridDetails->setColumnWidth(1, 24 * TextWidth(*this, "H"));
   GridDetails->SetColumnAlignment(1, Qt::AlignRight);
   GridDetails->SetRows(static_cast<int>(DetailRows.size()), rowHeight);
   for (int row = 0; row < GridDetails->rowCount(); ++row) {
@@ -135,16 +136,16 @@ void frmDocument::ConnectGrids() {
     connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
     connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
   }
-  connect(GridList, &QTableWidget::currentCellChanged, this, &frmDocument::ListRowChanged);
+  connect(GridList, &Grid::CurrentCellMoved, this, &frmDocument::ListRowChanged);
   connect(GridList, &Grid::DeleteReleased, this, [this] {
     CommitEdit();
     DeleteStandards();
   });
-  connect(GridDetails, &QTableWidget::currentCellChanged, this, [this](int row) {
+  connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
     StoreGridsToTable();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
-  connect(GridBands, &QTableWidget::currentCellChanged, this, [this](int row) {
+  connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     reported = false;
     StoreGridsToTable();
     if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
@@ -177,6 +178,10 @@ void frmDocument::LayOut() {
   const int left = Margin + listWidth + Margin;
   const int width = area->width() - left - Margin;
   GridDetails->setGeometry(left, Margin, width, GridDetails->height());
+  // A value column as wide as its sample would, in a small window, scroll the titles out of sight.
+  const int room = width - 2 * GridDetails->frameWidth() - GridDetails->columnWidth(0);
+  GridDetails->setColumnWidth(1, qBound(TextWidth(*this, QString(LeastValueLetters, 'H')), room,
+                                        TextWidth(*this, QString(MostValueLetters, 'H'))));
 
   const int top = Margin + GridDetails->height() + Margin;
   const int height = area->height() - top - Margin;

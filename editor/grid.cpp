@@ -111,6 +111,11 @@ void Grid::keyPressEvent(QKeyEvent* event) {
     QTableWidget::keyPressEvent(event);
 }
 
+void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QTableWidget::currentChanged(current, previous);
+  emit CurrentCellMoved(current.row());
+}
+
 void Grid::keyReleaseEvent(QKeyEvent* event) {
   QTableWidget::keyReleaseEvent(event);
   if (event->key() == Qt::Key_Delete && !event->isAutoRepeat()) emit DeleteReleased();

@@ -28,6 +28,8 @@ class Grid : public QTableWidget {
   void SetRows(int rows, int height);
 
  signals:
+  /// The current cell was left for another one; -1 when none is current any more.
+  void CurrentCellMoved(int row);
   void FocusGained();
   void FocusLost();
   /// A printable character, or Backspace, was pressed on the current cell.
@@ -41,6 +43,7 @@ class Grid : public QTableWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:
   void SetText(QTableWidgetItem& cell, const QString& text);
