@@ -12,7 +12,7 @@ constexpr int Cells = 40;
 
 }  // namespace
 
-ProgressBar::ProgressBar() : visible(StandardErrorIsTerminal()) {}
+ProgressBar::ProgressBar(bool wanted) : visible(wanted && StandardErrorIsTerminal()) {}
 
 void ProgressBar::SetLabel(std::string_view text) {
   label = text;

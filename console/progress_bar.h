@@ -7,10 +7,10 @@
 
 namespace chanplan {
 
-/// Draws only when standard error is a terminal.
+/// Draws only when it is `wanted` and standard error is a terminal.
 class ProgressBar : public TransferProgress {
  public:
-  ProgressBar();
+  explicit ProgressBar(bool wanted);
 
   void SetLabel(std::string_view text) override;
   void SetRange(int low, int high) override;

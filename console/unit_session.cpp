@@ -54,7 +54,7 @@ void UnitSession::Connect() {
 
 UnitTable UnitSession::Download() {
   UnitTable document;
-  ProgressBar progress;
+  ProgressBar progress(tracing == nullptr);  // both would fight for the line
   const TransferOutcome outcome = RunTransfer(link, TransferDirection::Download, document, progress, NeverAborted);
   FinishTransfer(link, outcome);
   progress.Finish();
@@ -67,7 +67,7 @@ UnitTable UnitSession::Download() {
 }
 
 void UnitSession::Upload(UnitTable& document) {
-  ProgressBar progress;
+  ProgressBar progress(tracing == nullptr);  // both would fight for the line
   const TransferOutcome outcome = RunTransfer(link, TransferDirection::Upload, document, progress, NeverAborted);
   const LinkResult sync = FinishTransfer(link, outcome);
   progress.Finish();
