@@ -16,12 +16,14 @@ int main(int argc, char** argv) {
         AddDownloadCommand, AddUploadCommand, AddUnitsCommand})
     addCommand(app, exitCode);
   try {
-    app.parse(argc, argv);
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {  // a request for help is one, too
+      if (app.exit(error) != 0) return ExitFailed;
+    }
     std::cout.flush();
     if (!std::cout) throw CommandFailure("standard output could not be written");
     return exitCode;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? ExitDone : ExitFailed;
   } catch (const std::exception& error) {
     Note(error.what());
     return ExitFailed;

@@ -77,6 +77,8 @@ std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
 
 std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
   const fs::path target = FollowLinks(file);
+  std::error_code ignored;
+  if (fs::is_symlink(target, ignored)) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   struct stat former {};
   const bool exists = stat(target.c_str(), &former) == 0;
   if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);

@@ -61,7 +61,7 @@ char SubbandLetter(int number) {
 
 void GetTable(const SignalStandardTable& table, TransferTable& transfer) {
   transfer.assign(MaxRecords, {});
-  std::copy_n(table.Records.begin(), table.Count, transfer.begin());
+  for (int index = 0; index < table.Count; ++index) transfer.at(static_cast<std::size_t>(index)) = table.Row(index);
 }
 
 void SetTable(const TransferTable& transfer, SignalStandardTable& table) {

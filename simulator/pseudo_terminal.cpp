@@ -39,35 +39,37 @@ void MakeLink(const fs::path& target, const fs::path& link) {
 }  // namespace
 
 PseudoTerminal::PseudoTerminal(const std::string& link) {
-  unitEnd = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (unitEnd < 0 || grantpt(unitEnd) != 0 || unlockpt(unitEnd) != 0) Fail("no pseudo-terminal");
-  path = ptsname(unitEnd);
-  programEnd = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (programEnd < 0) Fail(path);
-  MakeRaw(programEnd);
+  unitEnd.Number = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (unitEnd.Number < 0 || grantpt(unitEnd.Number) != 0 || unlockpt(unitEnd.Number) != 0) Fail("no pseudo-terminal");
+  path = ptsname(unitEnd.Number);
+  programEnd.Number = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (programEnd.Number < 0) Fail(path);
+  MakeRaw(programEnd.Number);
   if (!link.empty()) {
     MakeLink(path, link);
     linkPath = link;
   }
 }
 
+PseudoTerminal::Descriptor::~Descriptor() {
+  if (Number >= 0) close(Number);
+}
+
 PseudoTerminal::~PseudoTerminal() {
   std::error_code ignored;
   if (!linkPath.empty() && fs::read_symlink(linkPath, ignored) == path) fs::remove(linkPath, ignored);
-  close(programEnd);
-  close(unitEnd);
 }
 
 std::string PseudoTerminal::Read(std::chrono::milliseconds longest) {
-  pollfd waiting{unitEnd, POLLIN, 0};
+  pollfd waiting{unitEnd.Number, POLLIN, 0};
   if (poll(&waiting, 1, static_cast<int>(longest.count())) <= 0) return {};
   std::array<char, 4096> buffer;
-  const ssize_t count = read(unitEnd, buffer.data(), buffer.size());
+  const ssize_t count = read(unitEnd.Number, buffer.data(), buffer.size());
   return count > 0 ? std::string(buffer.data(), static_cast<std::size_t>(count)) : std::string();
 }
 
 std::size_t PseudoTerminal::Write(std::string_view bytes) {
-  const ssize_t count = write(unitEnd, bytes.data(), bytes.size());
+  const ssize_t count = write(unitEnd.Number, bytes.data(), bytes.size());
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 

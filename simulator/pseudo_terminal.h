@@ -26,8 +26,14 @@ class PseudoTerminal {
   std::size_t Write(std::string_view bytes);
 
  private:
-  int unitEnd = -1;
-  int programEnd = -1;  // kept open, so that the line stays up between two programs
+  // Closes itself, also when the constructor does not come to its end.
+  struct Descriptor {
+    int Number = -1;
+    ~Descriptor();
+  };
+
+  Descriptor unitEnd;
+  Descriptor programEnd;  // kept open, so that the line stays up between two programs
   std::string path;
   std::string linkPath;
 };

@@ -43,7 +43,7 @@ inline constexpr std::array<FaultName, 9> FaultNames = {{
 struct SimulatedUnitOptions {
   std::string Model = "QX4471C";  ///< up to 7 characters
   std::string Firmware = "3.00";  ///< up to 4 characters
-  SignalStandardTable Table;      ///< what it holds at start
+  SignalStandardTable Table{};    ///< what it holds at start
   Fault Misbehaviour = Fault::None;
   int DropInterval = 100;  ///< the n of DropEveryNthByte
 };

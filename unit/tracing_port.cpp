@@ -76,7 +76,7 @@ void TracingPort::Flush() {
 
 void TracingPort::WriteLine(std::chrono::nanoseconds time, char mark, const std::string& text) {
   std::string seconds = FormatNumber(std::chrono::duration<double>(time - begin).count(), "#0.000");
-  seconds.insert(0, seconds.size() < 8 ? 8 - seconds.size() : 0, ' ');
+  seconds.insert(0, seconds.size() < 7 ? 7 - seconds.size() : 0, ' ');
   writeLine(seconds + " " + mark + " " + text);
 }
 

@@ -33,7 +33,10 @@ UnitLink::UnitLink(PortObject& commControl, LinkTiming linkTiming)
 
 std::int16_t UnitLink::OpenCommPort(int portNumber) {
   openFailure.reset();
-  if (portNumber == 0) return 0;
+  if (portNumber == 0) {
+    openFailure.emplace("there is no port 0: ports are numbered from 1");
+    return 0;
+  }
   try {
     CommControl.SetPortNumber(portNumber);
     LetEventsRun();

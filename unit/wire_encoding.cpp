@@ -47,7 +47,7 @@ class RecordEncoder {
   }
 
   void AppendFrequency(Field field, double megahertz) {
-    if (megahertz < 0) Refuse(field, ShortestDecimal(megahertz) + " MHz does not fit, it must not be negative");
+    if (!(megahertz >= 0)) Refuse(field, ShortestDecimal(megahertz) + " MHz does not fit, it must not be negative");
     double hertz = HertzOf(megahertz);
     bytes += SingleToFourBytes(hertz);
   }
