@@ -1,0 +1,49 @@
+#include "core/text_encoding.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace chanplan {
+namespace {
+
+TEST(Utf8FromWindows1252, LeavesAsciiAsItIs) {
+  for (int code = 0; code < 0x80; ++code) {
+    const std::string text(1, static_cast<char>(code));
+    EXPECT_EQ(Utf8FromWindows1252(text), text) << code;
+  }
+  EXPECT_EQ(Utf8FromWindows1252(""), "");
+}
+
+TEST(Utf8FromWindows1252, KnowsTheCharactersBeyondAscii) {
+  struct Case {
+    const char* Bytes;
+    const char8_t* Text;
+  };
+  for (const auto& [bytes, text] :
+       {Case{"\x80", u8"\u20AC"}, Case{"\x85", u8"\u2026"}, Case{"\x8A\x9A", u8"\u0160\u0161"},
+        Case{"\x8E\x9E", u8"\u017D\u017E"}, Case{"\x93\x94", u8"\u201C\u201D"}, Case{"\x99", u8"\u2122"},
+        Case{"\x9F", u8"\u0178"}, Case{"\xA0", u8"\u00A0"}, Case{"\xB5", u8"\u00B5"}, Case{"Gr\366\337e", u8"Größe"},
+        Case{"\xFF", u8"ÿ"}})
+    EXPECT_EQ(Utf8FromWindows1252(bytes), reinterpret_cast<const char*>(text));
+}
+
+TEST(Utf8FromWindows1252, GivesOpenPlacesTheControlCharacterOfTheirNumber) {
+  for (const char byte : {'\x81', '\x8D', '\x8F', '\x90', '\x9D'})
+    EXPECT_EQ(Utf8FromWindows1252({&byte, 1}), (std::string{'\xC2', byte}));
+}
+
+TEST(Utf8FromWindows1252, GivesEveryByteACharacterOfItsOwn) {
+  std::set<std::string> characters;
+  for (int code = 0; code < 256; ++code) {
+    const std::string text = Utf8FromWindows1252(std::string(1, static_cast<char>(code)));
+    EXPECT_EQ(std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }), 1) << code;
+    characters.insert(text);
+  }
+  EXPECT_EQ(characters.size(), 256u);
+}
+
+}  // namespace
+}  // namespace chanplan

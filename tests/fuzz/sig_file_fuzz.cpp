@@ -1,0 +1,118 @@
+// Reads any bytes as a table and does with it whatever the programs do; aborts where that goes wrong.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/sig_file.h"
+#include "core/signal_standard_table.h"
+#include "core/table_difference.h"
+#include "core/table_merge.h"
+#include "core/validation.h"
+
+namespace chanplan {
+namespace {
+
+// The input under test, shown where a fact does not hold.
+std::string_view current;
+
+void Require(bool holds, const char* fact) {
+  if (holds) return;
+  std::fprintf(stderr, "not so: %s\nfor these bytes: \"", fact);
+  for (const char c : current)
+    std::fprintf(stderr, c >= ' ' && c <= '~' ? "%c" : "\\%03o", static_cast<unsigned char>(c));
+  std::fprintf(stderr, "\"\n");
+  std::abort();
+}
+
+ReadOutcome Read(const std::string& bytes) {
+  std::istringstream input(bytes);
+  return ReadSigTable(input);
+}
+
+void CheckFailure(const ReadOutcome& outcome) {
+  Require(outcome.Table.Count == 0, "a failed read leaves the table empty");
+  Require(!outcome.Truncated, "a failed read is not a truncated one");
+  Require(!outcome.Reason.empty(), "a failure has a reason");
+  Require((outcome.Line > 0) == (outcome.Failure != ReadFailure::Empty), "a failure tells its line where it has one");
+}
+
+void CheckRoundTrip(const SignalStandardTable& table) {
+  const std::string written = WriteSigTable(table);
+  const ReadOutcome again = Read(written);
+  Require(again.Ok(), "what was written can be read");
+  Require(RowDifferences(table, again.Table).empty(), "what is read is what was written");
+  Require(WriteSigTable(again.Table) == written, "writing is stable");
+}
+
+void CheckWalk(const SignalStandardTable& table) {
+  const std::vector<int> standards = StandardIndices(table);
+  Require(std::ranges::is_sorted(standards, std::less_equal<>()), "a walk goes forward");
+  Require(standards.empty() == (table.Count == 0), "a table of rows has a standard");
+  Require(standards.empty() || (standards.front() == 0 && standards.back() < table.Count), "a walk stays in the table");
+  for (int index = 0; index < table.Count; ++index)
+    ModulationTexts.at(static_cast<std::size_t>(Modulation(table.Row(index))));
+}
+
+SignalStandardTable CheckValidation(const SignalStandardTable& table) {
+  const std::vector<std::string> listNames = ListNames(table);
+  SignalStandardTable once = table;
+  const std::string warnings = ValidateTable(once, listNames);
+  Require(once.Count == table.Count, "validation keeps the rows");
+  std::size_t bytes = 0;
+  for (const std::string_view line : WarningLines(warnings)) {
+    Require(line.starts_with("Warning:\t") && line.ends_with('.'), "a warning has its form");
+    bytes += line.size() + 2;
+  }
+  Require(bytes == warnings.size(), "warnings are whole lines");
+  SignalStandardTable twice = once;
+  Require(ValidateTable(twice, listNames) == warnings, "validation says the same again");
+  Require(twice == once, "validation changes nothing more");
+  return once;
+}
+
+bool Contains(const SignalStandardTable& table, const SignalStandardRecord& row) {
+  return std::ranges::find(table.Records, row) != table.Records.end();
+}
+
+void CheckMerge(const SignalStandardTable& base, const SignalStandardTable& source) {
+  for (const bool replace : {false, true}) {
+    const MergeOutcome outcome = MergeTables(base, source, replace);
+    Require(outcome.Table.Count >= 1 && outcome.Table.Count <= MaxRecords, "a merge keeps within the table");
+    Require(outcome.Truncated == (outcome.Table.Count == MaxRecords), "a full merge is a truncated one");
+    for (int index = 0; index < outcome.Table.Count; ++index) {
+      const SignalStandardRecord& row = outcome.Table.Row(index);
+      Require(row == SignalStandardRecord() || Contains(base, row) || Contains(source, row),
+              "a merge makes no rows up");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace chanplan
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace chanplan;
+  const std::string bytes(data, data + size);
+  current = bytes;
+  const ReadOutcome outcome = Read(bytes);
+  if (!outcome.Ok()) {
+    CheckFailure(outcome);
+    return 0;
+  }
+  const SignalStandardTable& table = outcome.Table;
+  Require(table.Count >= 0 && table.Count <= MaxRecords, "a table holds at most 200 rows");
+  Require(outcome.Truncated == (table.Count == MaxRecords), "a full table is a truncated one");
+  CheckRoundTrip(table);
+  CheckWalk(table);
+  const SignalStandardTable validated = CheckValidation(table);
+  CheckRoundTrip(validated);
+  CheckMerge(table, validated);
+  Require(TableDifferences(table, table).empty(), "a table does not differ from itself");
+  TableDifferences(table, validated);
+  return 0;
+}
