@@ -1,0 +1,246 @@
+// The link on the real serial port, with a simulated unit at the other end of a pseudo-terminal.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <random>
+
+#include "core/validation.h"
+#include "simulator/pseudo_terminal.h"
+#include "simulator/simulated_unit.h"
+#include "tests/core/random_table.h"
+#include "tests/core/temp_folder.h"
+#include "unit/qt_serial_port.h"
+#include "unit/transfer.h"
+#include "unit/unit_connection.h"
+
+namespace chanplan::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A unit at the far end of the line, which works whenever the link lets events run.
+class SerialPath : public ::testing::Test {
+ protected:
+  LinkTiming Timing(int timesFaster = 1) {
+    LinkTiming timing = SystemTiming();
+    return {[=] { return timing.Now() * timesFaster; },
+            [=, this](std::chrono::nanoseconds longest) {
+              if (terminal) Reply();
+              timing.LetEventsRun(longest / timesFaster);
+            }};
+  }
+
+  void Reply() {
+    waiting += unit.Receive(terminal->Read(0ms));
+    waiting.erase(0, terminal->Write(waiting));
+  }
+
+  termios LineSettings() {
+    const int line = open(path.c_str(), O_RDWR | O_NOCTTY);
+    termios settings{};
+    EXPECT_EQ(tcgetattr(line, &settings), 0);
+    close(line);
+    return settings;
+  }
+
+  // A path of the test's own: locks of ports are named after it, and terminals' numbers come back soon.
+  TempFolder folder;
+  const std::string path = folder / "unit";
+  std::optional<PseudoTerminal> terminal{std::in_place, path};
+  SimulatedUnit unit{{}, [](const std::string&) {}};
+  std::string waiting;
+  QtSerialPort port{path};
+  UnitLink link{port, Timing()};
+  TransferProgress progress;
+};
+
+TEST_F(SerialPath, LineRunsAt9600Baud8BitsNoParityWhateverWasChosen) {
+  link.BaudRate = "115200";
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  EXPECT_EQ(link.BaudRate, "9600");
+  const termios settings = LineSettings();
+  EXPECT_EQ(cfgetospeed(&settings), static_cast<speed_t>(B9600));
+  EXPECT_EQ(settings.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
+  EXPECT_EQ(settings.c_cflag & (PARENB | CSTOPB | CRTSCTS), 0u);
+  EXPECT_EQ(settings.c_lflag & (ICANON | ECHO), 0u);
+  link.CloseCommPort();
+}
+
+TEST_F(SerialPath, PauseBehindAByteIsNeverUnderAMillisecond) {
+  for (int pause = 0; pause < 200; ++pause) {
+    const auto start = std::chrono::steady_clock::now();
+    link.DelayMs(1);
+    ASSERT_GE(std::chrono::steady_clock::now() - start, 1ms);
+  }
+}
+
+TEST_F(SerialPath, UnitIdentifiesItself) {
+  const ConnectOutcome outcome = ConnectToUnit(link);
+  EXPECT_TRUE(outcome.Accepted()) << outcome.Message;
+  EXPECT_EQ(link.UnitModel, "QX4471C");
+  EXPECT_EQ(link.UnitFirmwareVersion, 3.0);
+  EXPECT_FALSE(port.IsOpen());
+}
+
+TEST_F(SerialPath, EveryByteValuePassesBothWays) {
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  std::string all;
+  for (int value = 0; value < 256; ++value) all += static_cast<char>(value);
+  std::string received;
+  UnitLink silent(port, SystemTiming());
+  for (const char byte : all) {
+    silent.SendCommString(silent.CommHandle, {&byte, 1});
+    received += terminal->Read(1000ms);
+  }
+  EXPECT_EQ(received, all);
+  ASSERT_EQ(terminal->Write(all), all.size());
+  EXPECT_TRUE(silent.WaitUntil(silent.Now(), 5000, [&] { return port.BytesWaiting() == all.size(); }));
+  EXPECT_EQ(port.ReadInput(), all);
+  EXPECT_EQ(port.BytesWaiting(), 0u);
+  port.Close();
+}
+
+TEST_F(SerialPath, DiscardedBytesAreGone) {
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  UnitLink silent(port, SystemTiming());
+  ASSERT_EQ(terminal->Write("stale"), 5u);
+  ASSERT_TRUE(silent.WaitUntil(silent.Now(), 5000, [&] { return port.BytesWaiting() == 5; }));
+  silent.ClearCommBuffers();
+  EXPECT_EQ(port.BytesWaiting(), 0u);
+  port.Close();
+}
+
+TEST_F(SerialPath, RandomTablesSurviveUploadAndDownload) {
+  std::mt19937 random(20);
+  UnitLink fast(port, Timing(100));
+  for (int round = 0; round < 12; ++round) {
+    const SignalStandardTable table = RandomTable(random, {.FitsTheWire = true});
+    UnitTable sent{table, 7};
+    const TransferOutcome upload = RunTransfer(fast, TransferDirection::Upload, sent, progress, [] { return false; });
+    ASSERT_EQ(upload.Result, LinkTrue) << upload.Message;
+    ASSERT_EQ(FinishTransfer(fast, upload), LinkAck);
+    UnitTable held;
+    const TransferOutcome download =
+        RunTransfer(fast, TransferDirection::Download, held, progress, [] { return false; });
+    ASSERT_EQ(download.Result, LinkTrue) << download.Message;
+    ASSERT_EQ(FinishTransfer(fast, download), LinkAck);
+    ASSERT_EQ(held.Table, table) << "round " << round;
+    ASSERT_EQ(held.UnitTableTag, 7);
+  }
+}
+
+TEST_F(SerialPath, PulledCableEndsAWaitEarlyAndIsNamed) {
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  terminal.reset();
+  std::string reply;
+  EXPECT_EQ(link.ReadUnitIdentity(3600 * 1000, reply), LinkTimeout);
+  ASSERT_TRUE(link.PortFailure());
+  EXPECT_NE(std::string(link.PortFailure()->what()).find("was the cable pulled?"), std::string::npos);
+  link.CloseCommPort();
+  EXPECT_FALSE(port.IsOpen());
+}
+
+TEST_F(SerialPath, CableThatIsPulledWhileUploadingStopsTheUpload) {
+  UnitTable document;
+  for (int index = 0; index < MaxRecords; ++index) document.Table.Append({"0", 0, "Standard"});
+  struct PullCable : TransferProgress {
+    explicit PullCable(std::optional<PseudoTerminal>& line) : terminal(line) {}
+    void SetValue(int value) override {
+      last = value;
+      if (value == 20) terminal.reset();
+    }
+    std::optional<PseudoTerminal>& terminal;
+    int last = 0;
+  } cable(terminal);
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  EXPECT_EQ(UploadChanplans(link, document, cable), LinkFalse);
+  EXPECT_LT(cable.last, 1000);
+  link.CloseCommPort();
+}
+
+TEST_F(SerialPath, PortIsFreeAfterATransferFailed) {
+  terminal.reset();
+  EXPECT_FALSE(ConnectToUnit(link).Accepted());
+  EXPECT_FALSE(port.IsOpen());
+  terminal.emplace(path);
+  QtSerialPort second(path);
+  UnitLink secondLink(second, Timing());
+  EXPECT_TRUE(ConnectToUnit(secondLink).Accepted());
+}
+
+TEST_F(SerialPath, PortInUseIsRefusedToASecondProgram) {
+  ASSERT_EQ(link.OpenCommPort(1), 1);
+  QtSerialPort second(path);
+  UnitLink secondLink(second, Timing());
+  EXPECT_EQ(secondLink.OpenCommPort(1), 0);
+  ASSERT_TRUE(secondLink.PortFailure());
+  EXPECT_EQ(secondLink.PortFailure()->what(), path + " is in use by another program: close that first");
+  link.CloseCommPort();
+  EXPECT_EQ(secondLink.OpenCommPort(1), 1);
+  secondLink.CloseCommPort();
+}
+
+TEST_F(SerialPath, ProbeTellsWhichPortsExist) {
+  EXPECT_TRUE(link.ProbeCommPort(1));
+  EXPECT_FALSE(port.IsOpen());
+  QtSerialPort missing("/dev/no-such-port");
+  UnitLink missingLink(missing, Timing());
+  EXPECT_FALSE(missingLink.ProbeCommPort(1));
+}
+
+TEST(SerialPort, OpenFailuresSayWhatToDo) {
+  const TempFolder folder;
+  WriteFile(folder / "file", "");
+  const struct {
+    std::string Device;
+    std::string Text;
+  } cases[] = {
+      {"/dev/no-such-port", "there is no port /dev/no-such-port: check the cable and the name"},
+      {"no-such-port", "there is no port /dev/no-such-port: check the cable and the name"},
+      {(folder / "file").string(), (folder / "file").string() + " is not a serial port"},
+      {"/dev/null", "/dev/null is not a serial port, or nothing is connected to it"},
+  };
+  for (const auto& [device, text] : cases) {
+    QtSerialPort port(device);
+    UnitLink link(port, SystemTiming());
+    EXPECT_EQ(link.OpenCommPort(1), 0) << device;
+    ASSERT_TRUE(link.PortFailure()) << device;
+    EXPECT_EQ(link.PortFailure()->what(), text);
+  }
+}
+
+TEST(SerialPort, OtherSettingsThanEightBitsWithoutParityAreRefused) {
+  QtSerialPort port("/dev/null");
+  port.SetPortNumber(1);
+  EXPECT_THROW(port.SetSettings("9600,E,7,1"), PortError);
+  EXPECT_THROW(port.SetSettings("fast,N,8,1"), PortError);
+}
+
+TEST(CommDevice, NumbersStandForTheUsualDevicesUnlessASettingNamesAnother) {
+  const TempFolder folder;
+  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
+  EXPECT_EQ(CommDevice(4), "/dev/ttyS3");
+  EXPECT_EQ(CommDevice(5), "/dev/ttyUSB0");
+  EXPECT_EQ(CommDevice(6), "/dev/ttyUSB1");
+  EXPECT_EQ(CommDevice(7), "");
+  WriteFile(folder / "Chanplans.ini", "[Settings]\nCommDevice2=/dev/ttyACM0\n");
+  EXPECT_EQ(CommDevice(2), "/dev/ttyACM0");
+  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
+  unsetenv("XDG_CONFIG_HOME");
+}
+
+}  // namespace
+}  // namespace chanplan::testing
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
