@@ -1,0 +1,71 @@
+#include "app/app_settings.h"
+
+#include <cmath>
+
+#include "unit/qt_serial_port.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int RecentFileCount = 5;
+
+QString InSettings(const char* key) { return QString("Settings/") + key; }
+QString RecentFileKey(int number) { return "Recent Files/RecentFile" + QString::number(number); }
+
+}  // namespace
+
+#ifdef Q_OS_WIN
+AppSettings::AppSettings()
+    : store(QString("HKEY_CURRENT_USER\\Software\\") + ApplicationName, QSettings::NativeFormat) {}
+#else
+AppSettings::AppSettings() : store(QString::fromStdString(SettingsFile()), QSettings::IniFormat) {}
+#endif
+
+// The store takes an unquoted comma for the end of a value.
+QString AppSettings::Text(const QString& key) const { return store.value(key).toStringList().join(','); }
+
+double AppSettings::Number(const NumberSetting& setting, double defaultValue) {
+  const QString key = InSettings(setting.Key);
+  if (!store.contains(key)) return defaultValue;
+  bool isNumber = false;
+  const double value = Text(key).toDouble(&isNumber);
+  if (isNumber && value >= setting.Least && value <= setting.Most && (!setting.Whole || value == std::rint(value)))
+    return value;
+  Complaints += QString(
+                    "In section \"Settings\" of your settings, \"%1\" is \"%2\", which is not a %3 from %4 to %5. "
+                    "Its default, %6, is used.")
+                    .arg(setting.Key, Text(key), setting.Whole ? "whole number" : "number")
+                    .arg(setting.Least, 0, 'f', 0)
+                    .arg(setting.Most, 0, 'f', 0)
+                    .arg(defaultValue, 0, 'g', 9);
+  return defaultValue;
+}
+
+QString AppSettings::BaudRate() const {
+  const QString key = InSettings(BaudRateKey);
+  return store.contains(key) ? Text(key) : "9600";
+}
+
+void AppSettings::SetNumber(const NumberSetting& setting, double value) {
+  store.setValue(InSettings(setting.Key), QString::number(value, 'g', 9));
+}
+
+void AppSettings::SetBaudRate(const QString& text) { store.setValue(InSettings(BaudRateKey), text); }
+
+QStringList AppSettings::RecentFiles() const {
+  QStringList files;
+  if (Text(RecentFileKey(1)).isEmpty()) return files;
+  for (const QString& key : store.allKeys())
+    if (key.startsWith("Recent Files/")) files += Text(key);
+  return files.mid(0, RecentFileCount);
+}
+
+void AppSettings::AddRecentFile(const QString& path) {
+  for (int number = RecentFileCount - 1; number >= 1; --number)
+    if (const QString former = Text(RecentFileKey(number)); !former.isEmpty())
+      store.setValue(RecentFileKey(number + 1), former);
+  store.setValue(RecentFileKey(1), path);
+  Write();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,206 @@
+// The main frame: set-up, the warnings pane, documents, and closing.
+#include "app/frm_main.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "app/file_io.h"
+#include "app/icons.h"
+#include "app/placement.h"
+#include "editor/twips.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int ResizeInterval = 200;    // ms
+constexpr int SplitterHeight = 3;      // pixels
+constexpr int FirstPaneHeight = 1500;  // twips
+
+}  // namespace
+
+frmMain::frmMain(AppMain& application)
+    : app(application),
+      documents(new QMdiArea),
+      ToolBar(new QToolBar("Toolbar")),
+      sbStatusBar(statusBar()),
+      sbStatusBarPanel1(new QLabel),
+      sbStatusBarPanel2(new QLabel),
+      WarningHolder(new QWidget),
+      lblSplitter(new SplitterBar(WarningHolder)),
+      lstWarnings(new WarningsPane(WarningHolder)),
+      ResizeTimer(new QTimer(this)) {
+  setObjectName("frmMain");
+  setWindowTitle("Handheld Chanplan Editor");
+  setWindowIcon(DrawnIcon("Program"));
+  setContextMenuPolicy(Qt::NoContextMenu);
+  BuildMenus();
+  BuildToolBar();
+  BuildStatusBar();
+  BuildClientArea();
+  RestorePlacement(*this, app.Settings);
+  for (int port = 1; port <= 6; ++port)
+    Action("menuOptionsCom" + QString::number(port))->setVisible(app.Link.ProbeCommPort(port));
+}
+
+// Documents talk to the frame until their very end.
+frmMain::~frmMain() { qDeleteAll(documents->subWindowList()); }
+
+void frmMain::BuildStatusBar() {
+  sbStatusBar->setObjectName("sbStatusBar");
+  sbStatusBarPanel1->setObjectName("sbStatusBarPanel1");
+  sbStatusBarPanel1->setAccessibleName("Status");
+  sbStatusBarPanel2->setObjectName("sbStatusBarPanel2");
+  sbStatusBarPanel2->setAccessibleName("Number of warnings");
+  for (QLabel* panel : {sbStatusBarPanel1, sbStatusBarPanel2}) panel->setTextFormat(Qt::PlainText);
+  sbStatusBar->addWidget(sbStatusBarPanel1, 1);
+  sbStatusBar->addPermanentWidget(sbStatusBarPanel2);
+}
+
+void frmMain::BuildClientArea() {
+  documents->setObjectName("documents");
+  documents->setAccessibleName("Documents");
+  documents->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  documents->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  connect(documents, &QMdiArea::subWindowActivated, this, &frmMain::DocumentsChanged);
+
+  WarningHolder->setObjectName("WarningHolder");
+  WarningHolder->setFixedHeight(TwipsToPixelsY(FirstPaneHeight, *this));
+  WarningHolder->installEventFilter(this);
+  lblSplitter->setObjectName("lblSplitter");
+  lstWarnings->setObjectName("lstWarnings");
+  connect(lblSplitter, &SplitterBar::Dropped, this, &frmMain::DropSplitter);
+  connect(lblSplitter, &SplitterBar::Nudged, this,
+          [this](int pixelsUp) { SetPaneHeight(WarningHolder->height() + pixelsUp); });
+  connect(lstWarnings, &WarningsPane::CountChanged, sbStatusBarPanel2, &QLabel::setText);
+  connect(lstWarnings, &WarningsPane::EntryClicked, this, [this](const QString& name) {
+    if (DocumentWindow* document = ActiveDocument()) document->FindSSEntry(name);
+  });
+  ResizeTimer->setObjectName("ResizeTimer");
+  ResizeTimer->setInterval(ResizeInterval);
+  connect(ResizeTimer, &QTimer::timeout, this, [this] {
+    ResizeTimer->stop();
+    LayOutPane();
+  });
+
+  // Focus stays within a document; this key takes it to the warnings and back.
+  connect(new QShortcut(Qt::Key_F6, this), &QShortcut::activated, this, [this] {
+    DocumentWindow* document = ActiveDocument();
+    if (document != nullptr && WarningHolder->isAncestorOf(focusWidget()))
+      document->setFocus();
+    else
+      lstWarnings->setFocus();
+  });
+
+  QWidget* client = new QWidget;
+  QVBoxLayout* column = new QVBoxLayout(client);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(documents, 1);
+  column->addWidget(WarningHolder);
+  setCentralWidget(client);
+}
+
+void frmMain::Warnings(const QString& WarningText, qint16 SelIndex) { lstWarnings->Fill(WarningText, SelIndex); }
+
+void frmMain::ShowStatus(const QString& text) { sbStatusBarPanel1->setText(text); }
+
+QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& fileType) {
+  return chanplan::PromptSaveFileName(*this, proposedName, fileType);
+}
+
+DocumentWindow* frmMain::ActiveDocument() const { return qobject_cast<DocumentWindow*>(documents->currentSubWindow()); }
+
+void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
+  // Its menu's key for closing is the frame's key for a new standard.
+  for (QAction* action : document->systemMenu()->actions())
+    if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) action->setShortcut(Qt::CTRL | Qt::Key_F4);
+  connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
+  document->setWindowIcon(windowIcon());
+  documents->addSubWindow(document.release());
+}
+
+void frmMain::ShowDocument(DocumentWindow& document) {
+  if (document.isMinimized())
+    document.showNormal();
+  else
+    document.show();
+  documents->setActiveSubWindow(&document);
+  DocumentsChanged();
+}
+
+// Another document may be the active one now, or none. Activating the same one again, as when the
+// user comes back from another program, leaves the pane alone.
+void frmMain::DocumentsChanged() {
+  EnableDocumentItems();
+  DocumentWindow* active = ActiveDocument();
+  const QString text = active != nullptr ? active->WarningsText() : QString();
+  if (active == warningsShownOf && text == lstWarnings->Text()) return;
+  warningsShownOf = active;
+  Warnings(text, -1);
+}
+
+void frmMain::LayOutPane() {
+  lblSplitter->setGeometry(-width(), 0, 3 * width(), SplitterHeight);
+  lstWarnings->setGeometry(0, SplitterHeight, WarningHolder->width(), WarningHolder->height() - SplitterHeight);
+  ResizeTimer->start();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  LayOutPane();
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void frmMain::DropSplitter(const QPoint& globalPosition) {
+  const QPoint onList = lstWarnings->mapFromGlobal(globalPosition);
+  if (lstWarnings->rect().contains(onList))
+    DropOnWarnings(lblSplitter->objectName(), onList.y());
+  else
+    DropOnFrame(lblSplitter->objectName(), mapFromGlobal(globalPosition).y() - menuBar()->height());
+}
+
+void frmMain::DropOnFrame(const QString& sourceName, int y) {
+  if (sourceName != lblSplitter->objectName()) return;
+  const int toolBarHeight = ToolBar->isHidden() ? 0 : ToolBar->height();
+  SetPaneHeight(toolBarHeight + documents->height() + WarningHolder->height() - y);
+}
+
+void frmMain::DropOnWarnings(const QString& sourceName, int y) {
+  if (sourceName == lblSplitter->objectName()) SetPaneHeight(WarningHolder->height() - y);
+}
+
+void frmMain::SetPaneHeight(int proposed) {
+  const double highest = frameGeometry().height() / 3.0;
+  const int lowest = 2 * sbStatusBar->height();
+  if (proposed > highest)
+    WarningHolder->setFixedHeight(qRound(highest));
+  else
+    WarningHolder->setFixedHeight(qMax(proposed, lowest));
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  const auto opened = app.Documents;
+  for (const QPointer<DocumentWindow>& document : opened) {
+    if (document == nullptr || document->State().Released) continue;
+    if (document->State().Changed) documents->setActiveSubWindow(document);
+    document->close();
+    if (document != nullptr && !document->State().Released) break;
+  }
+  if (app.AnyDocumentOpen()) return event->ignore();
+  SavePlacement(*this, app.Settings);
+  app.Settings.SetNumber(CommPortSetting, app.Link.CommPort);
+  app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));
+  app.Settings.Write();
+  ResizeTimer->stop();
+  QMainWindow::closeEvent(event);
+  QCoreApplication::exit();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,135 @@
+// The main frame: the program's one top-level window.
+#pragma once
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QPointer>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <memory>
+
+#include "app/app_main.h"
+#include "app/arrange_windows.h"
+#include "app/splitter_bar.h"
+#include "app/warnings_pane.h"
+#include "editor/document_window.h"
+#include "editor/frame_operations.h"
+
+namespace chanplan {
+
+/// Holds the documents, turns commands into calls on the active one, and lists its warnings. It has
+/// no table data of its own. Menu items and controls are found by their object names.
+class frmMain : public QMainWindow, public FrameOperations {
+  Q_OBJECT
+
+ public:
+  explicit frmMain(AppMain& application);
+  ~frmMain() override;
+
+  AppMain& App() const { return app; }
+
+  void mnuEditCopy_Click() override;
+  void mnuEditCut_Click() override;
+  void mnuEditPaste_Click() override;
+  void Warnings(const QString& WarningText, qint16 SelIndex) override;
+  void ShowStatus(const QString& text) override;
+  QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override;
+  QString ApplicationTitle() const override { return ApplicationName; }
+
+  /// The document that commands act on, null when there is none.
+  DocumentWindow* ActiveDocument() const;
+  void AddDocument(std::unique_ptr<DocumentWindow> document);
+  void ShowDocument(DocumentWindow& document);
+
+  /// Puts `files`, the newest first, at most five, into the File menu.
+  void ShowRecentFiles(const QStringList& files);
+  /// What the File menu shows of them.
+  QStringList RecentFiles() const;
+
+  /// Sets the pane's height as the splitter was dropped at `y`, counted from below the menu bar or
+  /// from the list's upper edge. Other sources than the splitter change nothing.
+  void DropOnFrame(const QString& sourceName, int y);
+  void DropOnWarnings(const QString& sourceName, int y);
+
+  /// Runs the command of the toolbar button `key`.
+  void ToolBar_ButtonClick(const QString& key);
+
+  /// The help file, in the program's folder; empty when the program has none.
+  QString HelpFile = "Chanplan.hlp";
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  // Set-up (frm_main.cpp, frm_main_menus.cpp)
+  void BuildMenus();
+  void BuildToolBar();
+  void BuildStatusBar();
+  void BuildClientArea();
+  QAction* Action(const QString& name) const;
+  /// Connects the items `name``first` to `name``last` of a menu array.
+  void ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index));
+
+  // The pane
+  void LayOutPane();
+  void SetPaneHeight(int proposed);
+  void DropSplitter(const QPoint& globalPosition);
+
+  void DocumentsChanged();
+
+  // Drop-downs
+  void EnableDocumentItems();
+  void mnuView_DropDown();
+  void menuOptions_DropDown();
+  void mnuWindow_DropDown();
+
+  // Commands (frm_main_commands.cpp)
+  void mnuFileNew_Click();
+  void mnuFileOpen_Click();
+  void mnuFileClose_Click();
+  void mnuFileSave_Click();
+  void mnuFileSaveAs_Click();
+  void mnuFileReport_Click();
+  void mnuFilePrint_Click();
+  void menuFileDefault_Click();
+  void mnuFileProperties_Click();
+  void mnuRecentFile_Click(int index);
+  void mnuFileExit_Click();
+  void menuEditNewChanplan_Click();
+  void mnuOptionToolbar_Click();
+  void mnuOptionStatusBar_Click();
+  void mnuViewWarnings_Click();
+  void menuOptionsCom_Click(int index);
+  void menuOptionsBaud_Click(int index);
+  void mnuToolsUpload_Click();
+  void mnuToolsQuery_Click();
+  void mnuWindowNewWindow_Click();
+  void mnuWindowCascade_Click();
+  void mnuWindowTileHorizontal_Click();
+  void mnuWindowTileVertical_Click();
+  void mnuWindowArrangeIcons_Click();
+  void mnuHelpContents_Click();
+  void mnuHelpSearch_Click();
+  void mnuHelpAbout_Click();
+  void ShowHelp();
+
+  AppMain& app;
+  QMdiArea* documents;
+  QToolBar* ToolBar;
+  QStatusBar* sbStatusBar;
+  QLabel* sbStatusBarPanel1;
+  QLabel* sbStatusBarPanel2;
+  QWidget* WarningHolder;
+  SplitterBar* lblSplitter;
+  WarningsPane* lstWarnings;
+  QTimer* ResizeTimer;
+  QList<QAction*> documentItems;  // enabled while a document is open
+  QList<QAction*> windowList;     // the Window menu's list of documents
+  QPointer<DocumentWindow> warningsShownOf;
+};
+
+}  // namespace chanplan

@@ -1,0 +1,135 @@
+// The main frame: what its menu items do. The toolbar runs the same.
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileInfo>
+#include <QUrl>
+
+#include "app/file_io.h"
+#include "app/frm_about.h"
+#include "app/frm_main.h"
+#include "app/messages.h"
+#include "core/sig_file.h"
+
+namespace chanplan {
+namespace {
+
+QString InProgramFolder(const QString& name) { return QCoreApplication::applicationDirPath() + "/" + name; }
+
+QString Latin(std::string_view ascii) {
+  return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
+}
+
+bool IsUntitled(const QString& caption) { return caption.startsWith("Untitled"); }
+bool IsReadOnly(const QString& caption) { return caption.contains(Latin(ReadOnlyMark)); }
+
+}  // namespace
+
+void frmMain::mnuFileNew_Click() { app.NewDocument(); }
+
+void frmMain::mnuFileOpen_Click() { PromptOpenFileName(*this); }
+
+void frmMain::mnuFileClose_Click() {
+  if (DocumentWindow* document = ActiveDocument()) document->close();
+}
+
+void frmMain::mnuFileSave_Click() {
+  DocumentWindow* document = ActiveDocument();
+  if (document == nullptr) return;
+  const QString caption = document->windowTitle();
+  if (IsReadOnly(caption) || IsUntitled(caption)) return mnuFileSaveAs_Click();
+  document->State().Changed = !document->SaveChanplans(caption);
+}
+
+void frmMain::mnuFileSaveAs_Click() {
+  const QPointer<DocumentWindow> document = ActiveDocument();
+  if (document == nullptr) return;
+  const QString caption = document->windowTitle();
+  const QString proposed = IsUntitled(caption) ? "Untitled.lst" : IsReadOnly(caption) ? "" : caption;
+  const QString path = PromptSaveFileName(proposed, ".sig");
+  if (path.isEmpty() || document == nullptr) return;
+  document->State().Changed = !document->SaveChanplans(path);
+  UpdateRecentFiles(*this, path);
+}
+
+void frmMain::mnuFileReport_Click() {}
+
+void frmMain::mnuFilePrint_Click() {}
+
+void frmMain::menuFileDefault_Click() {
+  const QString path = InProgramFolder(Latin(FactoryFileName));
+  if (QFileInfo(path).isFile()) OpenTableFile(*this, path);
+}
+
+void frmMain::mnuFileProperties_Click() {
+  if (DocumentWindow* document = ActiveDocument()) ShowMessage(*this, document->TableProperties(), "Table Properties");
+}
+
+void frmMain::mnuRecentFile_Click(int index) {
+  OpenTableFile(*this, RecentFiles().value(index - 1));
+  app.LoadRecentFiles();
+}
+
+void frmMain::mnuFileExit_Click() { close(); }
+
+void frmMain::mnuEditCut_Click() {
+  if (DocumentWindow* document = ActiveDocument()) document->CopyCut(true);
+}
+
+void frmMain::mnuEditCopy_Click() {
+  if (DocumentWindow* document = ActiveDocument()) document->CopyCut(false);
+}
+
+void frmMain::mnuEditPaste_Click() {
+  if (DocumentWindow* document = ActiveDocument()) document->Paste();
+}
+
+void frmMain::menuEditNewChanplan_Click() {
+  if (DocumentWindow* document = ActiveDocument()) document->InsertBlank();
+}
+
+void frmMain::mnuOptionToolbar_Click() { ToolBar->setVisible(ToolBar->isHidden()); }
+
+void frmMain::mnuOptionStatusBar_Click() { sbStatusBar->setVisible(sbStatusBar->isHidden()); }
+
+void frmMain::mnuViewWarnings_Click() { WarningHolder->setVisible(WarningHolder->isHidden()); }
+
+void frmMain::menuOptionsCom_Click(int index) { app.Link.CommPort = static_cast<std::int16_t>(index); }
+
+void frmMain::menuOptionsBaud_Click(int index) {
+  const QString caption = Action("menuOptionsBaud" + QString::number(index))->text();
+  app.Link.BaudRate = caption.section(' ', 0, 0).toStdString();
+}
+
+void frmMain::mnuToolsUpload_Click() {}
+
+void frmMain::mnuToolsQuery_Click() {}
+
+void frmMain::mnuWindowNewWindow_Click() { ShowMessage(*this, "New Window Code goes here!", ApplicationTitle()); }
+
+void frmMain::mnuWindowCascade_Click() { ArrangeWindows(*documents, Arrangement::Cascade); }
+
+void frmMain::mnuWindowTileHorizontal_Click() { ArrangeWindows(*documents, Arrangement::TileHorizontal); }
+
+void frmMain::mnuWindowTileVertical_Click() { ArrangeWindows(*documents, Arrangement::TileVertical); }
+
+void frmMain::mnuWindowArrangeIcons_Click() { ArrangeWindows(*documents, Arrangement::ArrangeIcons); }
+
+void frmMain::mnuHelpContents_Click() { ShowHelp(); }
+
+void frmMain::mnuHelpSearch_Click() { ShowHelp(); }
+
+void frmMain::mnuHelpAbout_Click() { frmAbout(this).exec(); }
+
+// The viewer has a search of its own, so contents and search open the same file.
+void frmMain::ShowHelp() {
+  if (HelpFile.isEmpty())
+    return ShowMessage(*this, "Unable to display Help Contents. There is no Help associated with this project.",
+                       ApplicationTitle(), QMessageBox::Information);
+  QFile file(InProgramFolder(HelpFile));
+  if (!file.open(QIODevice::ReadOnly)) return ShowMessage(*this, file.errorString(), ApplicationTitle());
+  if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.fileName())))
+    ShowMessage(*this, "No program is set up to show " + file.fileName(), ApplicationTitle());
+}
+
+}  // namespace chanplan

@@ -1,0 +1,226 @@
+// The main frame: its menus and toolbar buttons, as tables, and what happens when a menu drops down.
+#include <QMenuBar>
+#include <array>
+
+#include "app/frm_main.h"
+#include "app/icons.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int LastRecentFile = 5;
+constexpr int LastPort = 6;
+constexpr int LastBaudRate = 4;
+constexpr int IconSize = 24;
+
+struct Button {
+  const char* Key;
+  const char* ToolTip;
+  const char* MenuItem;  // whose command it runs, whether or not the item is enabled
+};
+
+constexpr Button Buttons[] = {
+    {"New", "New file", "mnuFileNew"},
+    {"Open", "Open", "mnuFileOpen"},
+    {"Save", "Save", "mnuFileSave"},
+    {"Print", "Print Signal Standard List", "mnuFilePrint"},
+    {"Cut", "Cut", "mnuEditCut"},
+    {"Copy", "Copy", "mnuEditCopy"},
+    {"Paste", "Paste", "mnuEditPaste"},
+    {"Add", "Add a new Signal Standard", "menuEditNewChanplan"},
+    {"Upload", "Upload current table to unit", "mnuToolsUpload"},
+    {"Query", "Down load Signal Standards from unit.", "mnuToolsQuery"},
+};
+
+}  // namespace
+
+void frmMain::BuildMenus() {
+  enum Kind { Menu, SubMenu, EndOfSubMenu, Item, DocumentItem, Checked, Unchecked, Hidden, Separator, HiddenSeparator };
+  struct Entry {
+    Kind EntryKind;
+    const char* Name;
+    const char* Caption = "";
+    void (frmMain::*Run)() = nullptr;  // when clicked; of a menu: before it drops down
+    int Key = 0;
+  };
+  constexpr auto control = [](Qt::Key key) { return (Qt::CTRL | key).toCombined(); };
+  static constexpr Entry entries[] = {
+      {Menu, "mnuFile", "&File", &frmMain::EnableDocumentItems},
+      {Item, "mnuFileNew", "&New", &frmMain::mnuFileNew_Click, control(Qt::Key_N)},
+      {Item, "mnuFileOpen", "&Open", &frmMain::mnuFileOpen_Click, control(Qt::Key_O)},
+      {DocumentItem, "mnuFileClose", "&Close", &frmMain::mnuFileClose_Click},
+      {Separator, "mnuFileBar1"},
+      {DocumentItem, "mnuFileSave", "&Save", &frmMain::mnuFileSave_Click, control(Qt::Key_S)},
+      {DocumentItem, "mnuFileSaveAs", "Save &As...", &frmMain::mnuFileSaveAs_Click},
+      {Separator, "mnuFileBar2"},
+      {Item, "mnuFileReport", "&Report ", &frmMain::mnuFileReport_Click},
+      {Item, "mnuFilePrint", "&Print ...", &frmMain::mnuFilePrint_Click},
+      {Separator, "mnuFileBar3"},
+      {Item, "menuFileDefault", "Load &Default Table", &frmMain::menuFileDefault_Click},
+      {Item, "mnuFileProperties", "Table Propert&ies", &frmMain::mnuFileProperties_Click},
+      {HiddenSeparator, "mnuRecentFile0"},
+      {Hidden, "mnuRecentFile1"},
+      {Hidden, "mnuRecentFile2"},
+      {Hidden, "mnuRecentFile3"},
+      {Hidden, "mnuRecentFile4"},
+      {Hidden, "mnuRecentFile5"},
+      {Separator, "mnuFileBar6"},
+      {Item, "mnuFileExit", "E&xit", &frmMain::mnuFileExit_Click},
+
+      {Menu, "mnuEdit", "&Edit", &frmMain::EnableDocumentItems},
+      {DocumentItem, "mnuEditCut", "Cu&t", &frmMain::mnuEditCut_Click, control(Qt::Key_X)},
+      {DocumentItem, "mnuEditCopy", "&Copy", &frmMain::mnuEditCopy_Click, control(Qt::Key_C)},
+      {DocumentItem, "mnuEditPaste", "&Paste", &frmMain::mnuEditPaste_Click, control(Qt::Key_V)},
+      {Separator, "mnuEditBar2"},
+      {DocumentItem, "menuEditNewChanplan", "&New Signal Standard", &frmMain::menuEditNewChanplan_Click,
+       control(Qt::Key_W)},
+
+      {Menu, "mnuView", "&View", &frmMain::mnuView_DropDown},
+      {Checked, "mnuOptionToolbar", "&Toolbar", &frmMain::mnuOptionToolbar_Click},
+      {Checked, "mnuOptionStatusBar", "Status &Bar", &frmMain::mnuOptionStatusBar_Click},
+      {Unchecked, "mnuViewWarnings", "&Warnings", &frmMain::mnuViewWarnings_Click},
+
+      {Menu, "menuOptions", "&Options", &frmMain::menuOptions_DropDown},
+      {SubMenu, "menuOptionsComPort", "COM Port"},
+      {Unchecked, "menuOptionsCom1", "COM 1"},
+      {Unchecked, "menuOptionsCom2", "COM 2"},
+      {Unchecked, "menuOptionsCom3", "COM 3"},
+      {Unchecked, "menuOptionsCom4", "COM 4 "},
+      {Unchecked, "menuOptionsCom5", "COM 5"},
+      {Unchecked, "menuOptionsCom6", "COM 6"},
+      {EndOfSubMenu, ""},
+      {Separator, "menuOptionsSep"},
+      {SubMenu, "menuOptionsBaudRate", "Baud Rate"},
+      {Unchecked, "menuOptionsBaud0", "9600 bps"},
+      {Unchecked, "menuOptionsBaud1", "19200 bps"},
+      {Unchecked, "menuOptionsBaud2", "38400 bps"},
+      {Unchecked, "menuOptionsBaud3", "57600 bps"},
+      {Unchecked, "menuOptionsBaud4", "115200 bps"},
+      {EndOfSubMenu, ""},
+
+      {Menu, "mnuTools", "&Tools", &frmMain::EnableDocumentItems},
+      {DocumentItem, "mnuToolsUpload", "&Upload Signal Standard Definitions", &frmMain::mnuToolsUpload_Click},
+      {Item, "mnuToolsQuery", "&Download Signal Standard Definitions", &frmMain::mnuToolsQuery_Click},
+
+      {Menu, "mnuWindow", "&Window", &frmMain::mnuWindow_DropDown},
+      {Item, "mnuWindowNewWindow", "&New Window", &frmMain::mnuWindowNewWindow_Click},
+      {Separator, "mnuWindowBar1"},
+      {Item, "mnuWindowCascade", "&Cascade", &frmMain::mnuWindowCascade_Click},
+      {Item, "mnuWindowTileHorizontal", "Tile &Horizontal", &frmMain::mnuWindowTileHorizontal_Click},
+      {Item, "mnuWindowTileVertical", "Tile &Vertical", &frmMain::mnuWindowTileVertical_Click},
+      {Item, "mnuWindowArrangeIcons", "&Arrange Icons", &frmMain::mnuWindowArrangeIcons_Click},
+
+      {Menu, "mnuHelp", "&Help"},
+      {Item, "mnuHelpContents", "&Contents", &frmMain::mnuHelpContents_Click},
+      {Item, "mnuHelpSearch", "&Search For Help On...", &frmMain::mnuHelpSearch_Click},
+      {Separator, "mnuHelpBar1"},
+      {Item, "mnuHelpAbout", "&About...", &frmMain::mnuHelpAbout_Click},
+  };
+
+  QMenu* menu = nullptr;
+  QMenu* open = nullptr;  // the menu or sub-menu that entries go into
+  for (const Entry& entry : entries) {
+    if (entry.EntryKind == EndOfSubMenu) {
+      open = menu;
+    } else if (entry.EntryKind == Menu || entry.EntryKind == SubMenu) {
+      open = entry.EntryKind == Menu ? menuBar()->addMenu(entry.Caption) : menu->addMenu(entry.Caption);
+      if (entry.EntryKind == Menu) menu = open;
+      open->setObjectName(entry.Name);
+      if (entry.Run != nullptr) connect(open, &QMenu::aboutToShow, this, entry.Run);
+    } else {
+      QAction* action = new QAction(entry.Caption, this);
+      action->setObjectName(entry.Name);
+      action->setSeparator(entry.EntryKind == Separator || entry.EntryKind == HiddenSeparator);
+      action->setVisible(entry.EntryKind != Hidden && entry.EntryKind != HiddenSeparator);
+      action->setCheckable(entry.EntryKind == Checked || entry.EntryKind == Unchecked);
+      action->setChecked(entry.EntryKind == Checked);
+      if (entry.EntryKind == DocumentItem) documentItems += action;
+      if (entry.Key != 0) action->setShortcut(QKeySequence(entry.Key));
+      if (entry.Run != nullptr) connect(action, &QAction::triggered, this, entry.Run);
+      open->addAction(action);
+    }
+  }
+  ConnectArray("mnuRecentFile", 1, LastRecentFile, &frmMain::mnuRecentFile_Click);
+  ConnectArray("menuOptionsCom", 1, LastPort, &frmMain::menuOptionsCom_Click);
+  ConnectArray("menuOptionsBaud", 0, LastBaudRate, &frmMain::menuOptionsBaud_Click);
+}
+
+void frmMain::ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index)) {
+  for (int index = first; index <= last; ++index)
+    connect(Action(name + QString::number(index)), &QAction::triggered, this,
+            [this, index, click] { (this->*click)(index); });
+}
+
+QAction* frmMain::Action(const QString& name) const { return findChild<QAction*>(name, Qt::FindDirectChildrenOnly); }
+
+void frmMain::BuildToolBar() {
+  ToolBar->setObjectName("ToolBar");
+  ToolBar->setMovable(false);
+  ToolBar->setIconSize(QSize(IconSize, IconSize));
+  for (const Button& button : Buttons) {
+    QAction* action = ToolBar->addAction(DrawnIcon(button.Key), button.ToolTip);
+    action->setObjectName(QString("ToolBar") + button.Key);
+    connect(action, &QAction::triggered, this, [this, &button] { ToolBar_ButtonClick(button.Key); });
+  }
+  addToolBar(ToolBar);
+}
+
+void frmMain::ToolBar_ButtonClick(const QString& key) {
+  for (const Button& button : Buttons)
+    if (key == button.Key) emit Action(button.MenuItem)->triggered();
+}
+
+void frmMain::EnableDocumentItems() {
+  for (QAction* item : documentItems) item->setEnabled(app.AnyDocumentOpen());
+}
+
+void frmMain::mnuView_DropDown() {
+  Action("mnuOptionToolbar")->setChecked(!ToolBar->isHidden());
+  Action("mnuOptionStatusBar")->setChecked(!sbStatusBar->isHidden());
+  Action("mnuViewWarnings")->setChecked(!WarningHolder->isHidden());
+}
+
+void frmMain::menuOptions_DropDown() {
+  for (int port = 1; port <= LastPort; ++port)
+    Action("menuOptionsCom" + QString::number(port))->setChecked(app.Link.CommPort == port);
+  for (int baud = 0; baud <= LastBaudRate; ++baud) {
+    QAction* item = Action("menuOptionsBaud" + QString::number(baud));
+    item->setChecked(item->text() == QString::fromStdString(app.Link.BaudRate) + " bps");
+  }
+}
+
+void frmMain::mnuWindow_DropDown() {
+  qDeleteAll(windowList);
+  windowList.clear();
+  QMenu* menu = menuBar()->findChild<QMenu*>("mnuWindow");
+  windowList += menu->addSeparator();
+  for (const QPointer<DocumentWindow>& document : app.Documents) {
+    if (document == nullptr || document->State().Released) continue;
+    const QString number = QString::number(windowList.size());
+    QAction* item = menu->addAction("&" + number + " " + document->windowTitle().replace('&', "&&"), document,
+                                    [this, shown = document.data()] { ShowDocument(*shown); });
+    item->setCheckable(true);
+    item->setChecked(document == ActiveDocument());
+    windowList += item;
+  }
+}
+
+void frmMain::ShowRecentFiles(const QStringList& files) {
+  Action("mnuRecentFile0")->setVisible(true);
+  for (int index = 1; index <= qMin(LastRecentFile, static_cast<int>(files.size())); ++index) {
+    QAction* item = Action("mnuRecentFile" + QString::number(index));
+    item->setData(files[index - 1]);
+    item->setText(QString(files[index - 1]).replace('&', "&&"));
+    item->setVisible(true);
+  }
+}
+
+QStringList frmMain::RecentFiles() const {
+  QStringList files;
+  for (int index = 1; index <= LastRecentFile; ++index)
+    if (const QAction* item = Action("mnuRecentFile" + QString::number(index)); item->isVisible())
+      files += item->data().toString();
+  return files;
+}
+
+}  // namespace chanplan

@@ -1,0 +1,20 @@
+#include <QApplication>
+#include <QFileInfo>
+
+#include "app/app_main.h"
+#include "app/frm_main.h"
+#include "editor/frm_document.h"
+#include "unit/qt_serial_port.h"
+
+int main(int argc, char* argv[]) {
+  using namespace chanplan;
+  const QApplication application(argc, argv);
+  QStringList paths;
+  for (const QString& argument : QApplication::arguments().mid(1)) paths += QFileInfo(argument).absoluteFilePath();
+  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(),
+              [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
+                return std::make_unique<frmDocument>(frame, state, shared);
+              });
+  app.Main(paths);
+  return QApplication::exec();
+}

@@ -1,0 +1,55 @@
+#include "app/placement.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <algorithm>
+#include <array>
+
+#include "editor/twips.h"
+
+namespace chanplan {
+namespace {
+
+constexpr int TitleBarHeight = 30;  // pixels, about
+
+// Indexed by the stored window state.
+constexpr std::array<Qt::WindowState, 3> WindowStates = {Qt::WindowNoState, Qt::WindowMinimized, Qt::WindowMaximized};
+
+}  // namespace
+
+void RestorePlacement(QWidget& frame, AppSettings& settings) {
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  const double screenWidth = PixelsToTwipsX(screen.width(), frame);
+  const double screenHeight = PixelsToTwipsY(screen.height(), frame);
+  const QRect stored(TwipsToPixelsX(settings.Number(MainLeftSetting, screenWidth / 20), frame),
+                     TwipsToPixelsY(settings.Number(MainTopSetting, screenHeight / 20), frame),
+                     TwipsToPixelsX(settings.Number(MainWidthSetting, screenWidth * 0.6), frame),
+                     TwipsToPixelsY(settings.Number(MainHeightSetting, screenHeight * 0.6), frame));
+  QList<QRect> screens;
+  for (const QScreen* shown : QGuiApplication::screens()) screens += shown->availableGeometry();
+  const QRect placement = BroughtIntoView(stored, screens);
+  frame.move(placement.topLeft());
+  frame.resize(placement.size());
+  frame.setWindowState(WindowStates.at(static_cast<std::size_t>(settings.Number(MainStateSetting, 0))));
+}
+
+void SavePlacement(const QWidget& frame, AppSettings& settings) {
+  if (frame.isMinimized()) return;
+  settings.SetNumber(MainLeftSetting, PixelsToTwipsX(frame.x(), frame));
+  settings.SetNumber(MainTopSetting, PixelsToTwipsY(frame.y(), frame));
+  settings.SetNumber(MainWidthSetting, PixelsToTwipsX(frame.width(), frame));
+  settings.SetNumber(MainHeightSetting, PixelsToTwipsY(frame.height(), frame));
+  settings.SetNumber(MainStateSetting, frame.isMaximized() ? 2 : 0);
+}
+
+QRect BroughtIntoView(QRect placement, const QList<QRect>& screens) {
+  const QRect upperEdge(placement.topLeft(), QSize(placement.width(), TitleBarHeight));
+  if (std::ranges::any_of(screens, [&](const QRect& screen) { return screen.intersects(upperEdge); })) return placement;
+  const QRect home = screens.front();
+  placement.setSize(placement.size().boundedTo(home.size()));
+  placement.moveLeft(qBound(home.left(), placement.left(), home.right() + 1 - placement.width()));
+  placement.moveTop(qBound(home.top(), placement.top(), home.bottom() + 1 - placement.height()));
+  return placement;
+}
+
+}  // namespace chanplan

@@ -1,0 +1,127 @@
+#include "app/warnings_pane.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QStyledItemDelegate>
+#include <QTextLayout>
+
+namespace chanplan {
+namespace {
+
+constexpr int TabStops[] = {40, 160};  // dialog units: quarters of an average letter's width
+
+// Draws lines whose fields stand at the tab stops.
+class TabbedLines : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QStyleOptionViewItem line = option;
+    initStyleOption(&line, index);
+    QTextLayout layout;
+    LayOut(layout, line);
+    line.text.clear();
+    const QStyle* style = line.widget->style();
+    style->drawControl(QStyle::CE_ItemViewItem, &line, painter, line.widget);
+    const auto group = (line.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+    const bool selected = (line.state & QStyle::State_Selected) != 0;
+    painter->setPen(line.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
+    layout.draw(painter, line.rect.topLeft() + QPointF(Margin(line), 0));
+  }
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QStyleOptionViewItem line = option;
+    initStyleOption(&line, index);
+    QTextLayout layout;
+    LayOut(layout, line);
+    return {qCeil(layout.maximumWidth()) + 2 * Margin(line), line.fontMetrics.height()};
+  }
+
+ private:
+  static int Margin(const QStyleOptionViewItem& line) {
+    return line.widget->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, &line, line.widget) + 1;
+  }
+
+  static void LayOut(QTextLayout& layout, const QStyleOptionViewItem& line) {
+    static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const double unit = line.fontMetrics.horizontalAdvance(letters) / (4.0 * static_cast<double>(letters.size()));
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    QList<QTextOption::Tab> tabs;
+    for (const int stop : TabStops) tabs += QTextOption::Tab(stop * unit, QTextOption::LeftTab);
+    option.setTabs(tabs);
+    layout.setFont(line.font);
+    layout.setTextOption(option);
+    layout.setText(line.text);
+    layout.beginLayout();
+    layout.createLine();
+    layout.endLayout();
+  }
+};
+
+// As the platform turns numbers into text: a blank stands where a minus would.
+QString NumberText(qsizetype number) { return " " + QString::number(number); }
+
+}  // namespace
+
+WarningsPane::WarningsPane(QWidget* parent) : QListWidget(parent) {
+  setItemDelegate(new TabbedLines(this));
+  setAccessibleName("Warnings");
+  setAccessibleDescription("What is doubtful in the table. Selecting a line selects its standard.");
+  connect(this, &QListWidget::itemSelectionChanged, this, &WarningsPane::Click);
+}
+
+void WarningsPane::Fill(const QString& WarningText, int SelIndex) {
+  if (filling) return;
+  const QScopedValueRollback guard(filling, true);
+  const int oldIndex = SelectedIndex();
+  text = WarningText;
+  clear();
+  const QStringList lines = WarningText.isEmpty() ? QStringList() : WarningText.split("\r\n");
+  addItems(lines);
+  for (int row = 0; row < count(); ++row)
+    item(row)->setData(Qt::AccessibleTextRole, item(row)->text().replace('\t', ' '));
+  emit CountChanged(NumberText(lines.size()) + " warnings.");
+  if (oldIndex < count() && SelIndex == -1)
+    Select(oldIndex);
+  else if (SelIndex < count())
+    Select(SelIndex);
+}
+
+int WarningsPane::SelectedIndex() const {
+  const QModelIndexList selected = selectedIndexes();
+  return selected.isEmpty() ? -1 : selected.front().row();
+}
+
+void WarningsPane::Select(int index) {
+  if (index >= 0)
+    setCurrentRow(index);
+  else
+    clearSelection();
+}
+
+void WarningsPane::Click() {
+  const int index = SelectedIndex();
+  if (filling || index < 0) return;
+  const QStringList fields = item(index)->text().split('\t');
+  ShowPosition();
+  if (fields.size() <= 1) return;
+  emit EntryClicked(fields[1]);
+  // Going there may have filled the list anew.
+  ShowPosition();
+}
+
+void WarningsPane::ShowPosition() {
+  if (const int index = SelectedIndex(); index >= 0)
+    emit CountChanged(NumberText(index + 1) + " of" + NumberText(count()) + " warnings.");
+}
+
+// A click on the line that is selected already is a click too.
+void WarningsPane::mousePressEvent(QMouseEvent* event) {
+  const int former = SelectedIndex();
+  QListWidget::mousePressEvent(event);
+  if (event->button() == Qt::LeftButton && former >= 0 && indexAt(event->position().toPoint()).row() == former) Click();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,40 @@
+// The list of warnings below the documents.
+#pragma once
+
+#include <QListWidget>
+
+namespace chanplan {
+
+/// One line a warning, of TAB-separated fields: "Warning:", the name of the standard, the message.
+class WarningsPane : public QListWidget {
+  Q_OBJECT
+
+ public:
+  explicit WarningsPane(QWidget* parent);
+
+  /// Shows the lines of `WarningText`, which are separated by CR LF; what follows the last CR LF is
+  /// a line too. Selects line `SelIndex` if there is one; -1 keeps the selected line's index.
+  void Fill(const QString& WarningText, int SelIndex);
+  /// The text that is shown.
+  const QString& Text() const { return text; }
+
+ signals:
+  /// " 3 warnings.", or " 1 of 3 warnings." once a line was clicked.
+  void CountChanged(const QString& count);
+  /// A line that names a standard was clicked.
+  void EntryClicked(const QString& name);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+
+ private:
+  int SelectedIndex() const;
+  void Select(int index);
+  void Click();
+  void ShowPosition();
+
+  QString text;
+  bool filling = false;
+};
+
+}  // namespace chanplan
