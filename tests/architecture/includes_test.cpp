@@ -25,6 +25,8 @@ const std::vector<Folder> Folders = {
     {"unit", {"core"}, {"qt_serial_port.h", "qt_serial_port.cpp"}},
     {"simulator", {"core", "unit"}, {}},
     {"console", {"core", "unit"}, {"main.cpp"}},
+    {"editor", {"core"}, {"*"}},
+    {"app", {"core", "unit", "editor"}, {"*"}},
 };
 
 struct Include {
