@@ -65,9 +65,9 @@ void QtSerialPort::DiscardReceived() {
   if (IsOpen()) port->clear(QSerialPort::Input);
 }
 
-void QtSerialPort::DiscardTransmitted() {
-  if (IsOpen()) port->clear(QSerialPort::Output);
-}
+// Bytes go out one by one past the transmit buffer, so nothing is ever left in it. Discarding what
+// the system has not put on the line yet would cut off the end of an upload.
+void QtSerialPort::DiscardTransmitted() {}
 
 std::string QtSerialPort::ReadInput() { return IsOpen() ? port->readAll().toStdString() : std::string(); }
 
