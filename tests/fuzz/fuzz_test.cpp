@@ -123,6 +123,11 @@ TEST(SigFileFuzz, StandsRandomBytes) {
   }
 }
 
+TEST(SigFileFuzz, StandsLinesAroundTheLongest) {
+  for (std::size_t length = MaxLineLength - 30; length <= MaxLineLength + 3; ++length)
+    Feed("\r\n\t2\t" + std::string(length - 10, 'x') + "\t\t\t\t\t\t\t\r\n" + std::string(9, '\t'));
+}
+
 TEST(SigFileFuzz, StandsTheSoundFileItself) {
   Feed(SoundFile);
   Feed("");

