@@ -33,7 +33,10 @@ void SignalStandardTable::Append(SignalStandardRecord record) {
 }
 
 bool SignalStandardTable::operator==(const SignalStandardTable& other) const {
-  return Count == other.Count && std::equal(Records.begin(), Records.begin() + Count, other.Records.begin());
+  if (Count != other.Count) return false;
+  for (int index = 0; index < Count; ++index)
+    if (Row(index) != other.Row(index)) return false;
+  return true;
 }
 
 int GroupEnd(const SignalStandardTable& table, int index) {

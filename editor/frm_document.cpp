@@ -1,6 +1,7 @@
 // The document window: set-up, layout, and filling the grids from the table.
 #include "editor/frm_document.h"
 
+#include <QAbstractItemView>
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QScopedValueRollback>
@@ -64,6 +65,13 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
+}
+
+// The controls still send events while they go; nothing may be stored then.
+frmDocument::~frmDocument() {
+  SuppressListEvents = true;
+  disconnect(this, &QMdiSubWindow::windowStateChanged, this, nullptr);
+  delete area;
 }
 
 void frmDocument::BuildGrids() {
@@ -146,6 +154,7 @@ void frmDocument::ConnectGrids() {
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
+    if (SuppressListEvents) return;
     reported = false;
     StoreGridsToTable();
     if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
@@ -163,9 +172,11 @@ void frmDocument::ConnectGrids() {
 
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
   if (watched == area && event->type() == QEvent::Resize) LayOut();
-  if ((watched == cmboSelected || watched == cmboModType) && event->type() == QEvent::FocusOut &&
-      FocusMovedOn(*static_cast<QFocusEvent*>(event)))
-    CloseChoice(*static_cast<QComboBox*>(watched));
+  if ((watched == cmboSelected || watched == cmboModType) && event->type() == QEvent::FocusOut) {
+    QComboBox& choice = *static_cast<QComboBox*>(watched);
+    // Its own list that drops down takes the focus without saying that it does.
+    if (FocusMovedOn(*static_cast<QFocusEvent*>(event)) && !choice.view()->isVisible()) CloseChoice(choice);
+  }
   return DocumentWindow::eventFilter(watched, event);
 }
 
@@ -200,7 +211,7 @@ void frmDocument::FillStandardList() {
   GridList->setUpdatesEnabled(false);
   const std::vector<int> standards = StandardIndices(table);
   const int formerRow = GridList->currentRow();
-  GridList->SetRows(static_cast<int>(standards.size()), txtEntry->height());
+  GridList->SetRows(static_cast<int>(standards.size()), GridDetails->rowHeight(0));
   for (int row = 0; row < GridList->rowCount(); ++row) {
     const int index = standards[static_cast<std::size_t>(row)];
     GridList->FillCell(row, 0, QString::number(row + 1));
@@ -242,7 +253,9 @@ void frmDocument::ShowDetails(const SignalStandardRecord& standard) {
 }
 
 void frmDocument::ShowBands(int index, int count) {
-  GridBands->SetRows(count, txtEntry->height());
+  // Rows that go may take the current cell with them, and nobody has left it then.
+  const QScopedValueRollback suppressed(SuppressListEvents, true);
+  GridBands->SetRows(count, GridDetails->rowHeight(0));
   for (int row = 0; row < count; ++row) {
     const QString band = "Band " + TextOf(std::string(1, SubbandLetter(row + 1)));
     GridBands->FillCell(row, 0, band);
@@ -279,6 +292,7 @@ void frmDocument::ListRowChanged() {
 }
 
 void frmDocument::FindSSEntry(const QString& name) {
+  CommitEdit();
   const std::string bytes = BytesOf(name);
   const std::vector<int> standards = StandardIndices(table);
   const auto select = [this](int row) {
@@ -293,7 +307,10 @@ void frmDocument::FindSSEntry(const QString& name) {
       if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
 }
 
-void frmDocument::GetTable() { chanplan::GetTable(table, shared.Transfer); }
+void frmDocument::GetTable() {
+  CommitEdit();
+  chanplan::GetTable(table, shared.Transfer);
+}
 
 void frmDocument::SetTable() {
   chanplan::SetTable(shared.Transfer, table);

@@ -25,6 +25,7 @@ class frmDocument : public DocumentWindow {
  public:
   frmDocument(FrameOperations& frameUsed, DocumentState& documentState, SharedTables& sharedTables,
               QWidget* parent = nullptr);
+  ~frmDocument() override;
 
   DocumentState& State() override { return state; }
   QString WarningsText() const override { return warningsText; }

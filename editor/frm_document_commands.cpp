@@ -38,7 +38,10 @@ void frmDocument::CopyCut(bool Cut) {
     const int row = ActiveGrid->currentRow();
     const int column = ActiveGrid->currentColumn();
     QGuiApplication::clipboard()->setText(ActiveGrid->CellText(row, column));
-    if (Cut) ActiveGrid->EditCell(row, column, "");
+    if (Cut) {
+      ActiveGrid->EditCell(row, column, "");
+      if (txtEntry->isVisible()) txtEntry->SetContent("");
+    }
   }
   if (Cut) MarkChanged();
 }

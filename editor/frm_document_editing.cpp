@@ -167,6 +167,9 @@ void frmDocument::CancelEntry() {
 }
 
 void frmDocument::CommitEdit() {
+  // An editor that hides with the focus would pass it on to whatever comes next.
+  for (const QWidget* editor : std::initializer_list<QWidget*>{txtEntry, cmboSelected, cmboModType})
+    if (editor->hasFocus()) ActiveGrid->setFocus();
   for (QComboBox* choice : {cmboSelected, cmboModType})
     if (choice->isVisible()) CloseChoice(*choice);
   if (txtEntry->isVisible()) CloseEntry();
@@ -190,12 +193,11 @@ void frmDocument::StoreGridsToTable() {
   const QScopedValueRollback busy(storing, true);
   const QString count = GridDetails->CellText(SubbandsRow, 1);
   const bool countEdited = GridDetails->CellEdited(SubbandsRow, 1);
+  const bool nameEdited = GridDetails->CellEdited(NameRow, 1);
   StoreDetails(table.Row(shownIndex));
   reported = !StoreBands(shownIndex);
-  if (countEdited) {
-    SetSubbandCount(static_cast<int>(LeadingNumber(BytesOf(count))));
-    FillStandardList();
-  }
+  if (countEdited) SetSubbandCount(static_cast<int>(LeadingNumber(BytesOf(count))));
+  if (countEdited || nameEdited) FillStandardList();
   // What was typed is shown as the table now has it, and is not looked at as an edit again.
   const int index = shownIndex;
   ShowDetails(table.Row(index));

@@ -51,8 +51,9 @@ bool frmDocument::LoadSigStandards(const QString& path) {
 bool frmDocument::SaveChanplans(const QString& path) {
   CommitEdit();
   const BusyPointer busy(*this);
-  const QString point = QLocale().decimalPoint();
-  if (const std::error_code error = SaveSigFile(PathOf(path), table, BytesOf(point).front())) {
+  // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
+  const char separator = QLocale().decimalPoint() == "," ? ',' : '.';
+  if (const std::error_code error = SaveSigFile(PathOf(path), table, separator)) {
     QMessageBox::critical(this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
     return false;
   }
@@ -87,6 +88,7 @@ void frmDocument::closeEvent(QCloseEvent* event) {
   const QScopedValueRollback asking(closing, true);
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
+  shownIndex = -1;  // a window that goes is left, but has nothing more to store or to warn of
   frame.Warnings("", -1);
   state.Released = true;
   DocumentWindow::closeEvent(event);

@@ -1,6 +1,9 @@
 # Sourced by ./run and ./test: installs what is missing on Debian 12 and configures the build.
 
-packages=(g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcli11-dev libgtest-dev libbenchmark-dev)
+packages=(
+  g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcli11-dev libgtest-dev libbenchmark-dev
+  xvfb xauth fonts-dejavu-core # a screen and letters where there are none
+)
 
 install_missing_packages() {
   local missing=() package
