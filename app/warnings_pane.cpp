@@ -67,6 +67,7 @@ QString NumberText(qsizetype number) { return " " + QString::number(number); }
 
 WarningsPane::WarningsPane(QWidget* parent) : QListWidget(parent) {
   setItemDelegate(new TabbedLines(this));
+  setUniformItemSizes(true);
   setAccessibleName("Warnings");
   setAccessibleDescription("What is doubtful in the table. Selecting a line selects its standard.");
   connect(this, &QListWidget::itemSelectionChanged, this, &WarningsPane::Click);
@@ -76,13 +77,14 @@ void WarningsPane::Fill(const QString& WarningText, int SelIndex) {
   if (filling) return;
   const QScopedValueRollback guard(filling, true);
   const int oldIndex = SelectedIndex();
-  text = WarningText;
-  clear();
-  const QStringList lines = WarningText.isEmpty() ? QStringList() : WarningText.split("\r\n");
-  addItems(lines);
-  for (int row = 0; row < count(); ++row)
-    item(row)->setData(Qt::AccessibleTextRole, item(row)->text().replace('\t', ' '));
-  emit CountChanged(NumberText(lines.size()) + " warnings.");
+  if (text != WarningText) {  // most edits change no warning, and there may be hundreds
+    text = WarningText;
+    clear();
+    addItems(WarningText.isEmpty() ? QStringList() : WarningText.split("\r\n"));
+    for (int row = 0; row < count(); ++row)
+      item(row)->setData(Qt::AccessibleTextRole, item(row)->text().replace('\t', ' '));
+  }
+  emit CountChanged(NumberText(count()) + " warnings.");
   if (oldIndex < count() && SelIndex == -1)
     Select(oldIndex);
   else if (SelIndex < count())

@@ -144,11 +144,14 @@ void BenchWork() {
 
   Grid& details = *document.findChild<Grid*>("GridDetails");
   QLineEdit& box = *document.findChild<QLineEdit*>("txtEntry");
+  app->Frame->activateWindow();
+  if (!QTest::qWaitForWindowActive(app->Frame.get())) qFatal("the frame cannot be activated");
   details.setFocus();
   details.setCurrentCell(4, 1);
   std::vector<double> editing;
   for (int round = 0; round < Rounds; ++round) {
     QTest::keyClick(&details, round % 2 == 0 ? Qt::Key_7 : Qt::Key_8);
+    if (!box.isVisible()) qFatal("the edit box did not open");
     const double begin = NowMs();
     QTest::keyClick(&box, Qt::Key_Return);
     QCoreApplication::processEvents();

@@ -326,6 +326,20 @@ TEST_F(CellEditing, TabClosesTheBox) {
   EXPECT_EQ(TableIn(document).Row(0).UplinkStartFreq, 901);
 }
 
+TEST_F(CellEditing, AnotherWindowOnTheScreenLeavesTheBoxOpen) {
+  const Document document = Open(Standards(1));
+  document.Overwrite(UplinkRow, "90");
+  {
+    QWidget program;
+    program.show();
+    program.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+    EXPECT_TRUE(document.Box->isVisible());
+  }
+  Type("1");
+  EXPECT_EQ(document.Detail(UplinkRow), "901");
+}
+
 TEST_F(CellEditing, BoxFollowsItsCellWhenTheGridIsScrolled) {
   const Document document = Open(Group("A", 40));
   document.Window->resize(900, 500);
@@ -576,6 +590,19 @@ TEST_P(Leaving, StoresAChoice) {
   Press(Qt::Key_Up);
   GetParam().Leave(document, other);
   EXPECT_TRUE(NothingOpen(document));
+  EXPECT_EQ(TableIn(document), expected);
+}
+
+TEST_P(Leaving, StoresACellThatWasCut) {
+  const Document other = Open(Group("X", 2), "other.sig");
+  const Document document = Open(LeavingRows);
+  SignalStandardTable expected = TableIn(document);
+  expected.Row(0).StopChannel = 0;
+  document.Click(document.Details, StopRow);
+  document.Window->CopyCut(true);
+  GetParam().Leave(document, other);
+  // The warnings are those of the table at the last commit.
+  EXPECT_EQ(document.Window->WarningsText(), "Warning:\tA\tStop channel is less than start channel.\r\n");
   EXPECT_EQ(TableIn(document), expected);
 }
 

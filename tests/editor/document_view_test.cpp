@@ -1,5 +1,6 @@
 // The three grids: what they show, how they follow the selection, and where they stand.
 #include <QAccessible>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QStyle>
 
@@ -447,6 +448,8 @@ TEST_F(DocumentLayout, NothingMovesInAMinimisedWindow) {
   document.Window->showMinimized();
   QCoreApplication::processEvents();
   document.Area().resize(10, 10);
+  QResizeEvent resized(QSize(10, 10), QSize(900, 600));
+  QApplication::sendEvent(&document.Area(), &resized);
   EXPECT_EQ(document.List->geometry(), list);
   EXPECT_EQ(document.Details->geometry(), details);
   EXPECT_EQ(document.Bands->geometry(), bands);

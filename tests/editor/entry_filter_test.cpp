@@ -182,6 +182,27 @@ TEST_F(EntryBoxTest, TextOfACellIsShownWhateverTheRules) {
   EXPECT_EQ(box->text(), "-1234");
 }
 
+struct FocusCase {
+  Qt::FocusReason Reason;
+  bool Lost;
+};
+
+TEST_F(EntryBoxTest, MenusListsAndOtherProgramsOnlyBorrowTheFocus) {
+  int losses = 0;
+  QObject::connect(box, &EntryBox::FocusLost, box, [&] { ++losses; });
+  for (const FocusCase& given : {FocusCase{Qt::PopupFocusReason, false},
+                                 {Qt::MenuBarFocusReason, false},
+                                 {Qt::ActiveWindowFocusReason, false},
+                                 {Qt::MouseFocusReason, true},
+                                 {Qt::TabFocusReason, true},
+                                 {Qt::OtherFocusReason, true}}) {
+    losses = 0;
+    QFocusEvent out(QEvent::FocusOut, given.Reason);
+    QApplication::sendEvent(box, &out);
+    EXPECT_EQ(losses, given.Lost ? 1 : 0) << given.Reason;
+  }
+}
+
 struct KeyCase {
   Qt::Key Key;
   const char* Signal;
