@@ -1,8 +1,10 @@
 #include "console/command.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "core/sig_file.h"
+#include "core/text_encoding.h"
 #include "core/validation.h"
 
 namespace chanplan {
@@ -22,6 +24,18 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
 }
 
 void Note(const std::string& text) { std::cerr << "chanplan: " << text << std::endl; }
+
+std::string PrintedText(std::string_view bytes) {
+  std::string text(bytes);
+  const auto isControl = [](char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    // The code page leaves five of the upper codes to control characters.
+    constexpr std::string_view unused = "\x81\x8D\x8F\x90\x9D";
+    return code < 32 || code == 127 || unused.find(byte) != std::string_view::npos;
+  };
+  std::ranges::replace_if(text, isControl, '?');
+  return Utf8FromWindows1252(text);
+}
 
 std::string WithLfLineEnds(std::string text) {
   for (std::size_t end = 0; (end = text.find("\r\n", end)) != std::string::npos;) text.erase(end, 1);

@@ -41,6 +41,10 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);
 
+/// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters: what a unit sends
+/// must not move the cursor.
+std::string PrintedText(std::string_view bytes);
+
 /// `text` with every CR LF as LF.
 std::string WithLfLineEnds(std::string text);
 

@@ -2,7 +2,6 @@
 
 #include "console/unit_session.h"
 #include "core/number_picture.h"
-#include "core/text_encoding.h"
 
 namespace chanplan {
 
@@ -13,7 +12,7 @@ void AddIdentifyCommand(CLI::App& app, int& /*exitCode*/) {
   command->callback([arguments] {
     UnitSession session(*arguments);
     const bool accepted = session.Identify();
-    std::cout << "Model:    " << Utf8FromWindows1252(session.Link().UnitModel) << '\n'
+    std::cout << "Model:    " << PrintedText(session.Link().UnitModel) << '\n'
               << "Firmware: " << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00") << '\n'
               << "Accepted: " << (accepted ? "yes" : "no") << '\n';
   });

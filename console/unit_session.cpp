@@ -47,7 +47,7 @@ bool UnitSession::Identify() {
 
 void UnitSession::Connect() {
   if (!Identify())
-    throw CommandFailure("the unit " + link.UnitModel + " with firmware " +
+    throw CommandFailure("the unit " + PrintedText(link.UnitModel) + " with firmware " +
                          FormatNumber(link.UnitFirmwareVersion, "#0.00") +
                          " is not compatible: it takes a model that ends in D, with firmware 3.00 or later");
 }

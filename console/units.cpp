@@ -2,7 +2,6 @@
 
 #include "console/command.h"
 #include "core/number_picture.h"
-#include "core/text_encoding.h"
 #include "unit/qt_serial_port.h"
 #include "unit/unit_connection.h"
 
@@ -18,7 +17,7 @@ bool PrintUnit(const std::string& device) {
   std::string reply;
   const bool answered = link.OpenCommPort(1) == 1 && link.ReadUnitIdentity(SearchTimeoutMs, reply) == LinkTrue;
   if (answered)
-    std::cout << device << '\t' << Utf8FromWindows1252(link.UnitModel) << '\t'
+    std::cout << device << '\t' << PrintedText(link.UnitModel) << '\t'
               << FormatNumber(link.UnitFirmwareVersion, "#0.00") << '\t'
               << (IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion) ? "accepted" : "not accepted")
               << std::endl;

@@ -31,7 +31,7 @@ void Upload(const UploadArguments& arguments) {
   UnitTable document{OpenTable(arguments.File)};
   UnitSession session(arguments.Port);
   // A table that does not fit is refused before anything is said to the unit.
-  if (!arguments.Append) EncodeTable(document.Table, document.UnitTableTag);
+  EncodeTable(document.Table, document.UnitTableTag);
   session.Connect();
   if (arguments.Append) {
     UnitTable unitDocument = session.Download();

@@ -15,9 +15,11 @@
 namespace chanplan {
 namespace {
 
-std::string PermissionProblem(const std::string& device, gid_t owner) {
-  const group* const owning = getgrgid(owner);
-  const std::string name = owning != nullptr ? owning->gr_name : std::to_string(owner);
+std::string PermissionProblem(const std::string& device, const struct stat& facts) {
+  if ((facts.st_mode & S_IRGRP) == 0 || (facts.st_mode & S_IWGRP) == 0)
+    return "no permission to use " + device + ", and no group grants it: only its owner or root may use it";
+  const group* const owning = getgrgid(facts.st_gid);
+  const std::string name = owning != nullptr ? owning->gr_name : std::to_string(facts.st_gid);
   return "no permission to use " + device + ": the group \"" + name +
          "\" grants it; have your user added (sudo usermod -aG " + name + " USER) and log in again";
 }
@@ -43,7 +45,7 @@ std::optional<std::string> PortProblem(const std::string& device) {
   if (stat(device.c_str(), &facts) != 0)
     return errno == EACCES ? "no permission to reach " + device
                            : "there is no port " + device + ": check the cable and the name";
-  if (faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) != 0) return PermissionProblem(device, facts.st_gid);
+  if (faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) != 0) return PermissionProblem(device, facts);
   if (!S_ISCHR(facts.st_mode)) return device + " is not a serial port";
   const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (opened < 0) {

@@ -295,8 +295,7 @@ TEST(Download, SaysWhenItsFileCannotBeWritten) {
   const Chanplan chanplan;
   const UnitWithTable unit(NumberedRows(1));
   for (const auto& [out, reason] :
-       {std::pair{"/dev/full", "No space left on device"}, std::pair{"missing/out.sig", "No such file or directory"},
-        std::pair{".", "Is a directory"}}) {
+       {std::pair{"missing/out.sig", "No such file or directory"}, std::pair{".", "Is a directory"}}) {
     const ProgramRun run = chanplan.Run({"download", unit.Link(), out});
     EXPECT_EQ(run.Errors, std::string("chanplan: Error Saving File ") + out + ": " + reason + "\n");
     EXPECT_EQ(run.ExitStatus, 2);
@@ -482,7 +481,8 @@ TEST(Upload, OfAValueThatDoesNotFitIsRefusedBeforeTheUnitHearsAnything) {
   // What the unit hears afterwards is the first that it hears.
   EXPECT_EQ(chanplan.Run({"identify", unit.Link()}).ExitStatus, 0);
   unit.Simulator().Stop();
-  EXPECT_EQ(unit.Simulator().Output(), "unit ready on " + unit.Simulator().Device() + "\n" + IdentifyTrace());
+  EXPECT_EQ(unit.Simulator().Output(),
+            "unit ready on " + unit.Simulator().Device() + "\n" + IdentifyTrace() + "hangs up\n");
 }
 
 TEST(Upload, OfAValueThatDoesNotFitIsRefusedWhenItIsToBeAppended) {
@@ -629,7 +629,7 @@ std::vector<std::string> TraceLines(const std::string& trace) {
   double last = 0;
   for (const std::string& line : Lines(trace)) {
     std::smatch match;
-    if (!std::regex_match(line, match, form) || match[1].length() != 8) {
+    if (!std::regex_match(line, match, form) || match[1].length() != 7) {
       lines.push_back("not a line of a trace: " + line);
       continue;
     }
@@ -743,6 +743,7 @@ TEST(ProgressBar, MovesWithTheBytes) {
   const RunningSimulator simulator({"--baud", "0"});
   const ProgramRun run = chanplan.Run({"upload", simulator.Link(), "table.sig"}, {.Terminal = TerminalAt::Errors});
   EXPECT_EQ(PercentagesIn(run.Errors, "Uploading Signal Standards...").size(), 101u);
+  EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
 }
 
 TEST(ProgressBar, IsDrawnOnNothingButATerminalAtStandardError) {

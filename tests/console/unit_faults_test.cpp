@@ -1,0 +1,198 @@
+// Units, cables and lines that fail: one clear line, no half-written file, a port that is free again.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <future>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "tests/console/program.h"
+#include "tests/console/sig_text.h"
+
+namespace chanplan::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Arguments = std::vector<std::string>;
+
+struct FaultCase {
+  std::string Fault;
+  Arguments Options;      // further ones of the unit
+  Arguments Words;        // of the command; PORT stands for the unit's port
+  std::string Error;      // PORT in it, too; a regular expression
+  bool UnitStays = true;  // at the other end of the line
+  int ExitStatus = 2;
+};
+
+constexpr const char* NoAnswer =
+    "chanplan: no unit answered on PORT within 10 s: check that it is switched on and that the cable sits\n";
+constexpr const char* SilentLater = "chanplan: Error establishing communication with Handheld Product!\n";
+constexpr const char* NotWhole =
+    "chanplan: the unit's table did not arrive whole within 30 s: check the cable and start again\n";
+constexpr const char* NotConfirmed =
+    "chanplan: the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
+    "again\n";
+constexpr const char* HungUp =
+    "chanplan: PORT stopped working \\([^()]+\\): was the cable pulled\\? Plug it in and start again\n";
+
+std::string WithPort(std::string text, const std::string& port) {
+  if (const std::size_t place = text.find("PORT"); place != std::string::npos) text.replace(place, 4, port);
+  return text;
+}
+
+// Whether a program may open the device. Root always may, so the mark of exclusive use is looked at.
+bool IsFree(const std::string& device) {
+  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  int exclusive = 0;
+  const bool free = opened >= 0 && ioctl(opened, TIOCGEXCL, &exclusive) == 0 && exclusive == 0;
+  close(opened);
+  return free;
+}
+
+class FaultyUnit {
+ public:
+  explicit FaultyUnit(const FaultCase& faultCase) : fault(faultCase) {
+    WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(2)));
+    WriteFile(chanplan.Folder / "out.sig", "former");
+    WriteFile(folder / "unit.sig", SigText(NumberedRows(2, 3)));
+    Arguments options = {"--baud",           "0", "--fault", fault.Fault, "--table", folder / "unit.sig", "--save",
+                         folder / "held.sig"};
+    options.insert(options.end(), fault.Options.begin(), fault.Options.end());
+    simulator.emplace(options, link);
+  }
+
+  ProgramRun Run() const {
+    Arguments words = fault.Words;
+    for (std::string& word : words) word = WithPort(word, link);
+    return chanplan.Run(words);
+  }
+
+  // What holds after every failure.
+  void ExpectCleanFailure(const ProgramRun& run) {
+    EXPECT_EQ(run.Output, "");
+    EXPECT_TRUE(std::regex_match(run.Errors, std::regex(WithPort(fault.Error, link)))) << run.Errors;
+    EXPECT_EQ(run.ExitStatus, fault.ExitStatus);
+    EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), "former");
+    EXPECT_EQ(NamesIn(chanplan.Folder.Path()), (std::set<std::string>{"out.sig", "table.sig"}));
+    EXPECT_FALSE(fs::exists(folder / "held.sig")) << "the unit keeps its table";
+    if (fault.UnitStays) {
+      EXPECT_TRUE(IsFree(simulator->Device()));
+    } else {
+      EXPECT_EQ(simulator->WaitForEnd(), 0);
+    }
+    simulator.reset();
+    const RunningSimulator sound({"--baud", "0"}, link);
+    const ProgramRun next = chanplan.Run({"identify", link});
+    EXPECT_EQ(next.ExitStatus, 0) << next.Errors;
+  }
+
+  const TempFolder& UnitFolder() const { return folder; }
+  const Chanplan& Command() const { return chanplan; }
+
+ private:
+  FaultCase fault;
+  Chanplan chanplan;
+  TempFolder folder;
+  std::string link = folder / "unit";
+  std::optional<RunningSimulator> simulator;
+};
+
+// All at the same time, each with a unit of its own: what takes long is waiting.
+template <typename Check>
+void ForEachAtOnce(const std::vector<FaultCase>& cases, const Check& check) {
+  std::vector<std::future<void>> running;
+  for (const FaultCase& fault : cases)
+    running.push_back(std::async(std::launch::async, [&check, fault] {
+      SCOPED_TRACE(fault.Fault + " " + ::testing::PrintToString(fault.Words));
+      FaultyUnit unit(fault);
+      check(unit, unit.Run());
+    }));
+  for (std::future<void>& each : running) each.get();
+}
+
+TEST(UnitFault, ThatLeavesTheUnitSilentEndsTheWaitAfterTenSeconds) {
+  const std::vector<FaultCase> cases = {
+      {"silent", {}, {"identify", "PORT"}, NoAnswer},
+      {"silent", {}, {"download", "PORT", "out.sig"}, NoAnswer},
+      {"silent", {}, {"upload", "PORT", "table.sig", "--append", "--verify"}, NoAnswer},
+      {"silent-after-identify", {}, {"download", "PORT", "out.sig"}, SilentLater},
+      {"silent-after-identify", {}, {"upload", "PORT", "table.sig"}, SilentLater},
+      {"drop-every-nth-byte", {"--nth", "1"}, {"download", "PORT", "out.sig"}, NoAnswer},
+      {"drop-every-nth-byte", {"--nth", "50"}, {"upload", "PORT", "table.sig"}, NotConfirmed},
+  };
+  ForEachAtOnce(cases, [](FaultyUnit& unit, const ProgramRun& run) {
+    EXPECT_GE(run.Elapsed, 10s);
+    EXPECT_LT(run.Elapsed, 25s);
+    unit.ExpectCleanFailure(run);
+  });
+}
+
+TEST(UnitFault, ThatSpoilsTheTableEndsTheDownloadAfterThirtySeconds) {
+  const Arguments download = {"download", "PORT", "out.sig"};
+  const std::vector<FaultCase> cases = {
+      {"truncate-reply", {}, download, NotWhole},
+      {"wrong-count", {}, download, NotWhole},
+      {"garbage", {}, download, NotWhole},
+      {"drop-every-nth-byte", {"--nth", "40"}, download, NotWhole},
+      {"truncate-reply", {}, {"upload", "PORT", "table.sig", "--append"}, NotWhole},
+  };
+  ForEachAtOnce(cases, [](FaultyUnit& unit, const ProgramRun& run) {
+    EXPECT_GE(run.Elapsed, 30s);
+    EXPECT_LT(run.Elapsed, 50s);
+    unit.ExpectCleanFailure(run);
+  });
+}
+
+TEST(UnitFault, ThatHangsUpEndsTheTransferAtOnce) {
+  const std::vector<FaultCase> cases = {
+      {"hang-up", {}, {"download", "PORT", "out.sig"}, HungUp, false},
+      {"hang-up", {}, {"upload", "PORT", "table.sig"}, HungUp, false},
+      {"hang-up", {}, {"upload", "PORT", "table.sig", "--append", "--verify"}, HungUp, false},
+  };
+  ForEachAtOnce(cases, [](FaultyUnit& unit, const ProgramRun& run) {
+    EXPECT_LT(run.Elapsed, 9s) << "no time-out is waited for";
+    unit.ExpectCleanFailure(run);
+  });
+}
+
+TEST(UnitFault, ThatLeavesTheEndOfAnUploadUnconfirmedFailsIt) {
+  // The table gets through, and noise comes where the sync byte's echo is due.
+  FaultyUnit unit({"garbage", {}, {"upload", "PORT", "table.sig"}, NotConfirmed});
+  const ProgramRun run = unit.Run();
+  EXPECT_EQ(run.Errors, NotConfirmed);
+  EXPECT_EQ(run.ExitStatus, 2);
+}
+
+TEST(UnitFault, ThatOnlyDelaysStillLeadsToTheEnd) {
+  const std::vector<FaultCase> cases = {
+      {"slow", {}, {"download", "PORT", "out.sig"}, ""},
+      {"slow", {}, {"upload", "PORT", "table.sig"}, ""},
+  };
+  ForEachAtOnce(cases, [](FaultyUnit& unit, const ProgramRun& run) {
+    EXPECT_GE(run.Elapsed, 4s) << "the unit identifies itself twice, each time 2 s late";
+    EXPECT_EQ(run.Errors, "");
+    EXPECT_EQ(run.ExitStatus, 0);
+    if (fs::exists(unit.UnitFolder() / "held.sig")) {
+      EXPECT_EQ(ReadFile(unit.UnitFolder() / "held.sig"), SigText(NumberedRows(2)));
+    } else {
+      EXPECT_EQ(ReadFile(unit.Command().Folder / "out.sig"), SigText(NumberedRows(2, 3)));
+    }
+  });
+}
+
+TEST(UnitFault, ThatFollowsTheIdentificationLetsTheUnitBeIdentified) {
+  for (const char* const fault :
+       {"silent-after-identify", "truncate-reply", "wrong-count", "garbage", "hang-up", "drop-every-nth-byte"}) {
+    const FaultyUnit unit({fault, {}, {"identify", "PORT"}, ""});
+    const ProgramRun run = unit.Run();
+    EXPECT_EQ(run.Output, "Model:    QX4471C\nFirmware: 3.00\nAccepted: yes\n") << fault;
+    EXPECT_EQ(run.ExitStatus, 0);
+  }
+}
+
+}  // namespace
+}  // namespace chanplan::testing
