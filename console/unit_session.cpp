@@ -72,7 +72,7 @@ void UnitSession::Upload(UnitTable& document) {
   const LinkResult sync = FinishTransfer(link, outcome);
   progress.Finish();
   if (!outcome.Message.empty()) Fail(outcome.Message);
-  if (outcome.Result != LinkTrue || sync == LinkTimeout)
+  if (outcome.Result != LinkTrue || sync != LinkAck)
     Fail(
         "the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
         "again");
