@@ -11,12 +11,15 @@
 namespace chanplan {
 
 AppMain::AppMain(std::unique_ptr<PortObject> serialPort, LinkTiming timing, DocumentFactory factory)
-    : MSComm1(std::move(serialPort)), Link(*MSComm1, std::move(timing)), createDocument(std::move(factory)) {}
+    : ProgramFolder(QCoreApplication::applicationDirPath()),
+      MSComm1(std::move(serialPort)),
+      Link(*MSComm1, std::move(timing)),
+      createDocument(std::move(factory)) {}
 
 AppMain::~AppMain() = default;
 
 void AppMain::Main(const QStringList& paths) {
-  QDir::setCurrent(QCoreApplication::applicationDirPath());
+  QDir::setCurrent(ProgramFolder);
   QCoreApplication::setApplicationName(ApplicationName);
   Frame = std::make_unique<frmMain>(*this);
   Link.CommPort = static_cast<std::int16_t>(Settings.Number(CommPortSetting, 1));

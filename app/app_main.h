@@ -49,6 +49,7 @@ class AppMain {
   void LoadRecentFiles();
   void AddRecentFile(const QString& path) { Settings.AddRecentFile(path); }
 
+  QString ProgramFolder;  ///< where the program looks for its factory table and its help
   AppSettings Settings;
   SharedTables Shared;
   std::unique_ptr<PortObject> MSComm1;  ///< the frame's serial port, the link's `CommControl`

@@ -14,6 +14,10 @@ enum class Arrangement { Cascade = 0, TileHorizontal = 1, TileVertical = 2, Arra
 /// Minimised windows keep their place, but for `ArrangeIcons`, which moves nothing else.
 void ArrangeWindows(QMdiArea& area, Arrangement arrangement);
 
+/// `count` places of three quarters of `area`, each `step` further down and to the right; after the
+/// last one that fits it starts again in the corner.
+QList<QRect> Steps(const QRect& area, int count, int step);
+
 /// `count` tiles that fill `area` without a gap.
 QList<QRect> Tiles(const QRect& area, int count, Arrangement arrangement);
 

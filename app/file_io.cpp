@@ -14,9 +14,10 @@
 namespace chanplan {
 namespace {
 
-constexpr char AllFiles[] = "All Files (*.*)";
-constexpr char TableFiles[] = "Signal Standard Files(*.sig)";
-constexpr char ReportFiles[] = "Report Files(*.htm)";
+// The last parenthesis counts and is not shown: all files are those without a "." too.
+constexpr char AllFiles[] = "All Files (*.*)(*)";
+constexpr char TableFiles[] = "Signal Standard Files(*.sig)(*.sig)";
+constexpr char ReportFiles[] = "Report Files(*.htm)(*.htm)";
 constexpr int RecentFilesCompared = 4;  // opening the fifth moves it to the top
 
 class WaitCursor {
@@ -29,11 +30,12 @@ QString ChosenFile(QFileDialog& dialog) {
   return dialog.exec() == QDialog::Accepted ? QDir::toNativeSeparators(dialog.selectedFiles().value(0)) : QString();
 }
 
-// Where the newest recent file is; the program's folder, the current one, is no place for tables.
+// Where the newest recent file is, else the user's documents: the current folder is the program's.
 QString FirstFolder(const frmMain& frame) {
   const QStringList recent = frame.RecentFiles();
-  return recent.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
-                          : QFileInfo(recent.front()).path();
+  if (!recent.isEmpty()) return QFileInfo(recent.front()).path();
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
 void SetUp(QFileDialog& dialog, const frmMain& frame, QFileDialog::AcceptMode mode, const char* filesShown) {
@@ -41,6 +43,7 @@ void SetUp(QFileDialog& dialog, const frmMain& frame, QFileDialog::AcceptMode mo
   dialog.setDirectory(FirstFolder(frame));
   dialog.setAcceptMode(mode);
   dialog.setFileMode(QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setNameFilters({AllFiles, filesShown});
   dialog.selectNameFilter(filesShown);
 }

@@ -28,7 +28,7 @@ QString VersionLine(int major, int minor) {
 frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
   setObjectName("frmAbout");
   setWindowTitle("About ");
-  QGridLayout* grid = new QGridLayout(this);
+  auto* grid = new QGridLayout(this);
   grid->setSizeConstraint(QLayout::SetFixedSize);
   grid->setSpacing(Spacing);
   grid->setContentsMargins(2 * Spacing, 2 * Spacing, 2 * Spacing, Spacing);
@@ -42,16 +42,16 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
   };
   int row = 0;
   for (const Line& line : lines) {
-    QLabel* label = new QLabel(line.Text, this);
+    auto* label = new QLabel(line.Text, this);
     label->setObjectName(line.Name);
     grid->addWidget(label, row++, 1);
   }
-  QLabel* logo = new QLabel(this);
+  auto* logo = new QLabel(this);
   logo->setObjectName("Image1");
   logo->setPixmap(DrawnIcon("Program").pixmap(QSize(LogoSize, LogoSize), devicePixelRatio()));
   grid->addWidget(logo, 0, 0, row, 1, Qt::AlignTop);
 
-  QPushButton* ok = new QPushButton("OK", this);
+  auto* ok = new QPushButton("OK", this);
   ok->setObjectName("bttnOK");
   ok->setAutoDefault(false);  // Esc is the one key that closes the box
   connect(ok, &QPushButton::clicked, this, &QDialog::accept);

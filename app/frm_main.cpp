@@ -2,7 +2,6 @@
 #include "app/frm_main.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QMenuBar>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -45,8 +44,8 @@ frmMain::frmMain(AppMain& application)
     Action("menuOptionsCom" + QString::number(port))->setVisible(app.Link.ProbeCommPort(port));
 }
 
-// Documents talk to the frame until their very end.
-frmMain::~frmMain() { qDeleteAll(documents->subWindowList()); }
+// Documents talk to the frame until their very end, closed ones too.
+frmMain::~frmMain() { qDeleteAll(documents->findChildren<DocumentWindow*>()); }
 
 void frmMain::BuildStatusBar() {
   sbStatusBar->setObjectName("sbStatusBar");
@@ -95,7 +94,7 @@ void frmMain::BuildClientArea() {
   });
 
   QWidget* client = new QWidget;
-  QVBoxLayout* column = new QVBoxLayout(client);
+  auto* column = new QVBoxLayout(client);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addWidget(documents, 1);
@@ -118,7 +117,7 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   for (QAction* action : document->systemMenu()->actions())
     if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) action->setShortcut(Qt::CTRL | Qt::Key_F4);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
-  document->setWindowIcon(windowIcon());
+  document->setWindowIcon(DrawnIcon("New"));
   documents->addSubWindow(document.release());
 }
 
@@ -200,7 +199,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
   app.Settings.Write();
   ResizeTimer->stop();
   QMainWindow::closeEvent(event);
-  QCoreApplication::exit();
+  emit Ended();
 }
 
 }  // namespace chanplan

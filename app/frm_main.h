@@ -59,6 +59,10 @@ class frmMain : public QMainWindow, public FrameOperations {
   /// The help file, in the program's folder; empty when the program has none.
   QString HelpFile = "Chanplan.hlp";
 
+ signals:
+  /// The frame has closed and its settings are stored: the program is over.
+  void Ended();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
@@ -127,9 +131,9 @@ class frmMain : public QMainWindow, public FrameOperations {
   SplitterBar* lblSplitter;
   WarningsPane* lstWarnings;
   QTimer* ResizeTimer;
-  QList<QAction*> documentItems;  // enabled while a document is open
-  QList<QAction*> windowList;     // the Window menu's list of documents
-  QPointer<DocumentWindow> warningsShownOf;
+  QList<QAction*> documentItems;      // enabled while a document is open
+  QList<QAction*> windowList;         // the Window menu's list of documents
+  QPointer<QObject> warningsShownOf;  // a document
 };
 
 }  // namespace chanplan

@@ -1,5 +1,4 @@
 // The main frame: what its menu items do. The toolbar runs the same.
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFile>
 #include <QFileInfo>
@@ -13,8 +12,6 @@
 
 namespace chanplan {
 namespace {
-
-QString InProgramFolder(const QString& name) { return QCoreApplication::applicationDirPath() + "/" + name; }
 
 QString Latin(std::string_view ascii) {
   return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
@@ -57,7 +54,7 @@ void frmMain::mnuFileReport_Click() {}
 void frmMain::mnuFilePrint_Click() {}
 
 void frmMain::menuFileDefault_Click() {
-  const QString path = InProgramFolder(Latin(FactoryFileName));
+  const QString path = app.ProgramFolder + "/" + Latin(FactoryFileName);
   if (QFileInfo(path).isFile()) OpenTableFile(*this, path);
 }
 
@@ -126,7 +123,7 @@ void frmMain::ShowHelp() {
   if (HelpFile.isEmpty())
     return ShowMessage(*this, "Unable to display Help Contents. There is no Help associated with this project.",
                        ApplicationTitle(), QMessageBox::Information);
-  QFile file(InProgramFolder(HelpFile));
+  QFile file(app.ProgramFolder + "/" + HelpFile);
   if (!file.open(QIODevice::ReadOnly)) return ShowMessage(*this, file.errorString(), ApplicationTitle());
   if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.fileName())))
     ShowMessage(*this, "No program is set up to show " + file.fileName(), ApplicationTitle());

@@ -128,7 +128,7 @@ void frmMain::BuildMenus() {
       open->setObjectName(entry.Name);
       if (entry.Run != nullptr) connect(open, &QMenu::aboutToShow, this, entry.Run);
     } else {
-      QAction* action = new QAction(entry.Caption, this);
+      auto* action = new QAction(entry.Caption, this);
       action->setObjectName(entry.Name);
       action->setSeparator(entry.EntryKind == Separator || entry.EntryKind == HiddenSeparator);
       action->setVisible(entry.EntryKind != Hidden && entry.EntryKind != HiddenSeparator);

@@ -16,5 +16,6 @@ int main(int argc, char* argv[]) {
                 return std::make_unique<frmDocument>(frame, state, shared);
               });
   app.Main(paths);
+  QObject::connect(app.Frame.get(), &frmMain::Ended, &application, [] { QApplication::exit(); });
   return QApplication::exec();
 }

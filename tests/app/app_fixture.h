@@ -1,0 +1,244 @@
+// The application as a user has it before them: a frame on a screen, with mouse and keys.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QSettings>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <string>
+
+#include "app/app_main.h"
+#include "app/frm_main.h"
+#include "editor/frm_document.h"
+#include "tests/app/stand_in_document.h"
+#include "tests/core/temp_folder.h"
+#include "tests/unit/hand_driven_link.h"
+#include "unit/qt_serial_port.h"
+
+inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+
+namespace chanplan::testing {
+
+/// A machine that has not all of the ports 1 to 6.
+class MachinePort : public FakePort {
+ public:
+  MachinePort(const HandDrivenClock& portClock, std::set<int> absentPorts)
+      : FakePort(portClock), absent(std::move(absentPorts)) {}
+  void SetPortNumber(int number) override {
+    FakePort::SetPortNumber(number);
+    if (absent.contains(number)) throw PortError("no such port");
+  }
+
+ private:
+  std::set<int> absent;
+};
+
+/// What a modal window said.
+struct Message {
+  QString Title;
+  QString Text;
+  QMessageBox::Icon Icon = QMessageBox::NoIcon;
+  bool operator==(const Message&) const = default;
+};
+inline void PrintTo(const Message& message, std::ostream* out) {
+  *out << '[' << message.Title.toStdString() << "] " << message.Text.toStdString() << " (icon " << message.Icon << ')';
+}
+
+class AppTest : public ::testing::Test {
+ protected:
+  AppTest() {
+    qputenv("XDG_CONFIG_HOME", folder.Path().string().c_str());
+    answering.setInterval(1);
+    answering.setSingleShot(true);
+    QObject::connect(&answering, &QTimer::timeout, [this] { AnswerModal(); });
+    answering.start();
+  }
+  ~AppTest() override {
+    EXPECT_TRUE(answers.empty()) << "a dialog that was waited for did not come";
+    answering.stop();
+    app.reset();
+  }
+
+  // The application.
+  void Start(const QStringList& paths = {}) {
+    Make();
+    app->Main(paths);
+    Activate();
+  }
+  /// With documents that write down what they are asked to do.
+  void StartWithStandIns() {
+    Make([](FrameOperations& frame, DocumentState& state, SharedTables&) {
+      return std::make_unique<StandInDocument>(frame, state);
+    });
+    app->Main();
+    Activate();
+  }
+  /// Closes the frame as the user does, and forgets the application.
+  void Exit() {
+    Choose("mnuFileExit");
+    EXPECT_TRUE(Frame().isHidden());
+    app.reset();
+  }
+  frmMain& Frame() { return *app->Frame; }
+  QSettings Store() { return {QString::fromStdString(SettingsFile()), QSettings::IniFormat}; }
+  void SetStored(const QString& key, const QString& value) {
+    QSettings store = Store();
+    store.setValue(key, value);
+    store.sync();
+  }
+  QString Stored(const QString& key) { return Store().value(key).toString(); }
+
+  // What is on the frame, by its name.
+  template <typename Control>
+  Control& Get(const QString& name) {
+    Control* control = Frame().findChild<Control*>(name);
+    if (control == nullptr) throw std::runtime_error("there is no " + name.toStdString());
+    return *control;
+  }
+  QAction& Item(const QString& name) { return Get<QAction>(name); }
+  QString StatusPanel2() { return Get<QLabel>("sbStatusBarPanel2").text(); }
+  QStringList VisibleItems(const QMenu& menu) {
+    QStringList captions;
+    for (const QAction* action : menu.actions())
+      if (action->isVisible() && !action->isSeparator()) captions += action->text();
+    return captions;
+  }
+  QStringList Captions() {
+    QStringList captions;
+    for (const auto& document : app->Documents)
+      if (document != nullptr && !document->State().Released) captions += document->windowTitle();
+    return captions;
+  }
+  StandInDocument& StandIn() { return dynamic_cast<StandInDocument&>(*Frame().ActiveDocument()); }
+
+  // What the user does.
+  QMenu& DropDown(const QString& name) {
+    QMenu& menu = Get<QMenu>(name);
+    QTest::mouseClick(Frame().menuBar(), Qt::LeftButton, {},
+                      Frame().menuBar()->actionGeometry(menu.menuAction()).center());
+    EXPECT_TRUE(menu.isVisible());
+    return menu;
+  }
+  void PullUp() {
+    while (QWidget* menu = QApplication::activePopupWidget()) menu->close();
+  }
+  /// Clicks an item in its menu, which drops down for it. A greyed item does nothing.
+  void Choose(const QString& name) {
+    for (QObject* owner : Item(name).associatedObjects()) {
+      QMenu* menu = qobject_cast<QMenu*>(owner);
+      if (menu == nullptr) continue;
+      QMenu* top = menu;
+      while (QMenu* parent = qobject_cast<QMenu*>(top->parentWidget())) top = parent;
+      DropDown(top->objectName());
+      if (menu != top) {
+        top->setActiveAction(menu->menuAction());
+        QTest::keyClick(top, Qt::Key_Right);
+      }
+      QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(&Item(name)).center());
+      PullUp();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+      return;
+    }
+    FAIL() << name.toStdString() << " is in no menu";
+  }
+  void Press(const QString& buttonKey) {
+    QWidget* button = Get<QToolBar>("ToolBar").widgetForAction(&Item("ToolBar" + buttonKey));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QWidget* focus = QApplication::focusWidget();
+    QTest::keyClick(focus != nullptr ? focus : &Frame(), key, modifiers);
+  }
+
+  // Dialogs: each one that comes up takes the next of these answers. One without an answer fails the test.
+  void Answer(std::function<void(QWidget&)> answer) { answers.push_back(std::move(answer)); }
+  void AnswerMessage(QMessageBox::StandardButton button = QMessageBox::Ok) {
+    Answer([this, button](QWidget& window) {
+      QMessageBox& box = dynamic_cast<QMessageBox&>(window);
+      messages.push_back({box.windowTitle(), box.text(), box.icon()});
+      QTest::mouseClick(box.button(button), Qt::LeftButton);
+    });
+  }
+  /// Types `name` into the file dialog and presses Enter.
+  void AnswerFileDialog(const QString& name) {
+    Answer([name](QWidget& window) {
+      QLineEdit* edit = window.findChild<QLineEdit*>("fileNameEdit");
+      edit->selectAll();
+      QTest::keyClicks(edit, name);
+      QTest::keyClick(edit, Qt::Key_Return);
+    });
+  }
+  void CancelFileDialog() {
+    Answer([](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
+  }
+
+  QString InFolder(const char* name) { return QString::fromStdString((folder / name).string()); }
+  /// Writes a table of standards with these names that gives no warnings.
+  QString Table(const char* name, const QStringList& standards = {"DCS"}) {
+    std::string text = "header\r\n";
+    for (const QString& standard : standards)
+      text += "2\t1\t" + standard.toStdString() + "\t1710.2\t1805.2\t512\t885\t0.2\t0.2\t1\r\n" +
+              "0\t0\t\t1710.2\t1805.2\t512\t885\t0.2\t0.2\t1\r\n";
+    WriteFile(folder / name, text);
+    return InFolder(name);
+  }
+
+  TempFolder folder;
+  std::set<int> absentPorts;
+  HandDrivenClock clock;
+  std::unique_ptr<AppMain> app;
+  std::deque<Message> messages;
+
+ private:
+  void Make(DocumentFactory factory = [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
+    return std::make_unique<frmDocument>(frame, state, shared);
+  }) {
+    app = std::make_unique<AppMain>(std::make_unique<MachinePort>(clock, absentPorts), clock.Timing(),
+                                    std::move(factory));
+    app->ProgramFolder = QString::fromStdString(folder.Path().string());
+  }
+  void Activate() {
+    if (Frame().isMinimized()) return;
+    Frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
+  }
+  void AnswerModal() {
+    answering.start();  // once more, as an answer may bring up another dialog
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal == beingAnswered || !modal->isActiveWindow()) return;
+    const QScopedValueRollback guard(beingAnswered, modal);
+    const QPointer<QWidget> dialog = modal;
+    if (answers.empty()) {
+      const QMessageBox* box = qobject_cast<QMessageBox*>(modal);
+      ADD_FAILURE() << "nobody expects " << (box != nullptr ? box->text() : modal->windowTitle()).toStdString();
+    } else {
+      const auto answer = std::move(answers.front());
+      answers.pop_front();
+      answer(*modal);
+      EXPECT_TRUE(dialog == nullptr || dialog->isHidden()) << "the answer did not close the dialog";
+    }
+    if (dialog != nullptr) dialog->close();
+  }
+
+  QTimer answering;
+  QWidget* beingAnswered = nullptr;
+  std::deque<std::function<void(QWidget&)>> answers;
+};
+
+}  // namespace chanplan::testing

@@ -1,0 +1,280 @@
+// New, Open, Save, Save As, Close, recent files and the factory table.
+#include <QComboBox>
+#include <QListView>
+#include <QTreeView>
+
+#include "tests/app/app_fixture.h"
+
+using namespace chanplan;
+using namespace chanplan::testing;
+
+namespace {
+
+QComboBox& Types(const QFileDialog& dialog) { return *dialog.findChild<QComboBox*>("fileTypeCombo"); }
+
+class Files : public AppTest {
+ protected:
+  void OpenByDialog(const QString& path) {
+    AnswerFileDialog(path);
+    Choose("mnuFileOpen");
+  }
+  // Looks at the dialog, then cancels it.
+  void LookAtFileDialog(std::function<void(QFileDialog&)> look) {
+    Answer([look = std::move(look)](QWidget& window) {
+      EXPECT_EQ(window.objectName(), "CMDialog1");
+      look(dynamic_cast<QFileDialog&>(window));
+      QTest::keyClick(&window, Qt::Key_Escape);
+    });
+  }
+  void ExpectProposal(const QString& name) {
+    LookAtFileDialog([name](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), name);
+      EXPECT_EQ(Types(dialog).currentText(), "Signal Standard Files(*.sig)");
+      EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+    });
+  }
+  QString FactoryTable() { return Table("Matrivim.dgc", {"Factory"}); }
+};
+
+}  // namespace
+
+TEST_F(Files, OpenUsesTheUntouchedFirstDocument) {
+  Start();
+  const QPointer<DocumentWindow> first = app->Document(1);
+  OpenByDialog(Table("a.sig"));
+  EXPECT_EQ(Captions(), QStringList({InFolder("a.sig")}));
+  EXPECT_EQ(Frame().ActiveDocument(), first);
+  OpenByDialog(Table("b.sig"));
+  EXPECT_EQ(Captions(), QStringList({InFolder("a.sig"), InFolder("b.sig")}));
+  EXPECT_FALSE(app->DocumentStates[1].Changed);
+}
+
+TEST_F(Files, OpenDialogOffersTablesFirst) {
+  Start();
+  LookAtFileDialog([](QFileDialog& dialog) {
+    EXPECT_EQ(Types(dialog).itemText(0), "All Files (*.*)");
+    EXPECT_EQ(Types(dialog).currentIndex(), 1);
+    EXPECT_EQ(Types(dialog).currentText(), "Signal Standard Files(*.sig)");
+    EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), "");
+  });
+  Press("Open");
+}
+
+TEST_F(Files, DialogsStartWhereTheNewestRecentFileIs) {
+  Start();
+  LookAtFileDialog([](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir::home()); });
+  Choose("mnuFileOpen");
+  app->AddRecentFile(InFolder("a.sig"));
+  app->LoadRecentFiles();
+  LookAtFileDialog([this](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir(InFolder(""))); });
+  Choose("mnuFileSaveAs");
+}
+
+TEST_F(Files, AllFilesAreThoseWithoutATypeToo) {
+  WriteFile(folder / "table", "header\r\n");
+  SetStored("Recent Files/RecentFile1", InFolder("table"));  // so the dialog starts in this folder
+  Start();
+  LookAtFileDialog([](QFileDialog& dialog) {
+    QTest::keyClick(&Types(dialog), Qt::Key_Up);
+    const QTreeView* list = dialog.findChild<QTreeView*>("treeView");
+    const auto shown = [list] {
+      for (int row = 0; row < list->model()->rowCount(list->rootIndex()); ++row)
+        if (list->model()->index(row, 0, list->rootIndex()).data() == "table") return true;
+      return false;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(shown, 3000));
+  });
+  Choose("mnuFileOpen");
+}
+
+TEST_F(Files, CancellingTheOpenDialogChangesNothing) {
+  SetStored("Recent Files/RecentFile1", "/a.sig");
+  Start();
+  CancelFileDialog();
+  Choose("mnuFileOpen");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/a.sig"}));
+  EXPECT_EQ(Stored("Recent Files/RecentFile2"), "");
+}
+
+TEST_F(Files, FileThatCannotBeOpenedMakesNoDocument) {
+  Start();
+  AnswerFileDialog(InFolder("missing.sig"));
+  AnswerMessage();
+  Choose("mnuFileOpen");
+  EXPECT_EQ(messages.back(), (Message{"", "Can't open file: " + InFolder("missing.sig"), QMessageBox::NoIcon}));
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+}
+
+TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
+  WriteFile(folder / "bad.sig", "header\r\nnot a row\r\n");
+  Start();
+  Choose("mnuFileNew");
+  AnswerFileDialog(InFolder("bad.sig"));
+  AnswerMessage();
+  Choose("mnuFileOpen");
+  EXPECT_EQ(messages.back(), (Message{"Chanplans", "Error loading " + InFolder("bad.sig"), QMessageBox::Critical}));
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2"}));
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(Files, OpenedFilesBecomeRecentFiles) {
+  Start();
+  OpenByDialog(Table("a.sig"));
+  OpenByDialog(Table("b.sig"));
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("b.sig"), InFolder("a.sig")}));
+  EXPECT_EQ(Stored("Recent Files/RecentFile1"), InFolder("b.sig"));
+}
+
+TEST_F(Files, FirstFourRecentFilesKeepTheirPlaceAndTheFifthMovesToTheTop) {
+  QStringList paths;
+  for (const char* name : {"a.sig", "b.sig", "c.sig", "d.sig", "e.sig"}) paths += Table(name);
+  for (int number = 1; number <= 5; ++number)
+    SetStored("Recent Files/RecentFile" + QString::number(number), paths[number - 1]);
+  Start();
+  for (int number = 1; number <= 4; ++number) {
+    OpenByDialog(paths[number - 1]);
+    EXPECT_EQ(Frame().RecentFiles(), paths) << number;
+  }
+  OpenByDialog(paths[4]);
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({paths[4], paths[0], paths[1], paths[2], paths[3]}));
+}
+
+TEST_F(Files, RecentFileIsOpenedFromTheMenu) {
+  SetStored("Recent Files/RecentFile1", Table("R&D.sig"));
+  SetStored("Recent Files/RecentFile2", InFolder("gone.sig"));
+  Start();
+  Choose("mnuRecentFile1");
+  EXPECT_EQ(Captions(), QStringList({InFolder("R&D.sig")}));
+  AnswerMessage();
+  Choose("mnuRecentFile2");
+  EXPECT_EQ(messages.back().Text, "Can't open file: " + InFolder("gone.sig"));
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("R&D.sig"), InFolder("gone.sig")}));
+}
+
+TEST_F(Files, SaveWritesToTheFileOfTheCaption) {
+  StartWithStandIns();
+  StandIn().setWindowTitle("/a.sig");
+  StandIn().State().Changed = true;
+  Choose("mnuFileSave");
+  EXPECT_EQ(StandIn().Calls, QStringList({"SaveChanplans /a.sig"}));
+  EXPECT_FALSE(StandIn().State().Changed);
+}
+
+TEST_F(Files, DocumentStaysChangedWhenSavingFails) {
+  StartWithStandIns();
+  StandIn().setWindowTitle("/a.sig");
+  StandIn().Saves = false;
+  Press("Save");
+  EXPECT_TRUE(StandIn().State().Changed);
+}
+
+TEST_F(Files, SaveAsksForANameWhereThereIsNone) {
+  const struct {
+    const char* Caption;
+    QString Proposed;
+  } cases[] = {
+      {"Untitled 1", "Untitled.lst"},
+      {"Untitled(Query) 1", "Untitled.lst"},
+      {"Factory Default (Read-Only)", ""},
+  };
+  for (const auto& test : cases)
+    for (const char* command : {"mnuFileSave", "mnuFileSaveAs"}) {
+      StartWithStandIns();
+      StandIn().setWindowTitle(test.Caption);
+      ExpectProposal(test.Proposed);
+      Choose(command);
+      EXPECT_EQ(StandIn().Calls, QStringList()) << test.Caption;
+      EXPECT_EQ(StandIn().windowTitle(), test.Caption);
+      app.reset();
+    }
+}
+
+TEST_F(Files, SaveAsProposesTheFileOfTheCaption) {
+  const QString path = Table("a.sig");
+  Start({path});
+  LookAtFileDialog([path](QFileDialog& dialog) { EXPECT_EQ(dialog.selectedFiles(), QStringList({path})); });
+  Choose("mnuFileSaveAs");
+}
+
+TEST_F(Files, SavedUnderANewNameItIsARecentFile) {
+  Start();
+  app->DocumentStates[0].Changed = true;
+  AnswerFileDialog(InFolder("new"));
+  Choose("mnuFileSaveAs");
+  EXPECT_EQ(Captions(), QStringList({InFolder("new.sig")})) << "a name without a type is one of a table";
+  EXPECT_TRUE(std::filesystem::exists(folder / "new.sig"));
+  EXPECT_FALSE(app->DocumentStates[0].Changed);
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("new.sig")}));
+}
+
+TEST_F(Files, OverwritingIsAskedFor) {
+  const QString path = Table("a.sig");
+  const std::string former = ReadFile(folder / "a.sig");
+  Start();
+  Answer([this, path](QWidget& window) {
+    AnswerMessage(QMessageBox::No);
+    QLineEdit* edit = window.findChild<QLineEdit*>("fileNameEdit");
+    edit->selectAll();
+    QTest::keyClicks(edit, path);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_TRUE(window.isVisible());
+    QTest::keyClick(&window, Qt::Key_Escape);
+  });
+  Choose("mnuFileSaveAs");
+  EXPECT_EQ(messages.size(), 1U);
+  EXPECT_EQ(ReadFile(folder / "a.sig"), former);
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+}
+
+TEST_F(Files, ReportsAreOfferedForOtherTypes) {
+  Start();
+  LookAtFileDialog([](QFileDialog& dialog) {
+    EXPECT_EQ(Types(dialog).itemText(0), "All Files (*.*)");
+    EXPECT_EQ(Types(dialog).currentText(), "Report Files(*.htm)");
+  });
+  EXPECT_EQ(Frame().PromptSaveFileName("a.htm", ".htm"), "");
+}
+
+TEST_F(Files, CloseClosesTheActiveDocument) {
+  Start();
+  Choose("mnuFileNew");
+  Frame().ShowDocument(*app->Document(1));
+  Choose("mnuFileClose");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 2"}));
+  EXPECT_EQ(app->Document(1), nullptr);
+}
+
+TEST_F(Files, FactoryTableIsReadOnly) {
+  FactoryTable();
+  Start();
+  Choose("menuFileDefault");
+  EXPECT_EQ(Captions(), QStringList({"Factory Default (Read-Only)"}));
+}
+
+TEST_F(Files, WithoutAFactoryTableTheCommandDoesNothing) {
+  Start();
+  Choose("menuFileDefault");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+}
+
+TEST_F(Files, FactoryTableIsNeverOverwrittenBySave) {
+  FactoryTable();
+  const std::string former = ReadFile(folder / "Matrivim.dgc");
+  Start();
+  Choose("menuFileDefault");
+  Choose("menuEditNewChanplan");
+  AnswerFileDialog(InFolder("mine.sig"));
+  Choose("mnuFileSave");
+  EXPECT_EQ(ReadFile(folder / "Matrivim.dgc"), former);
+  EXPECT_EQ(Captions(), QStringList({InFolder("mine.sig")}));
+
+  Choose("menuEditNewChanplan");
+  Choose("mnuFileSave");  // an ordinary table from now on: nothing is asked
+  EXPECT_FALSE(app->DocumentStates[0].Changed);
+}
+
+TEST_F(Files, CopiesOfTheFactoryTableAreReadOnlyByTheirName) {
+  Start({Table("my MATRIVIM.DGC.bak"), Table("other.sig")});
+  EXPECT_EQ(Captions(), QStringList({"Factory Default (Read-Only)", InFolder("other.sig")}));
+}

@@ -1,0 +1,412 @@
+// The main frame: menus, toolbar, the pane's height, help, and commands passed to the active document.
+#include <QDesktopServices>
+#include <QTableWidget>
+
+#include "app/icons.h"
+#include "tests/app/app_fixture.h"
+
+using namespace chanplan;
+using namespace chanplan::testing;
+
+namespace {
+
+using Menus = AppTest;
+using Commands = AppTest;
+using Help = AppTest;
+
+class Splitter : public AppTest {
+ protected:
+  QWidget& Pane() { return Get<QWidget>("WarningHolder"); }
+  QWidget& Bar() { return Get<QWidget>("lblSplitter"); }
+  int LowestHeight() { return 2 * Get<QStatusBar>("sbStatusBar").height(); }
+  // Press, move and release, the end given in the frame's coordinates.
+  void DragTo(QPoint end) {
+    const QPoint start(Bar().mapFrom(&Pane(), QPoint(50, 1)));
+    QTest::mousePress(&Bar(), Qt::LeftButton, {}, start);
+    QTest::mouseMove(&Bar(), Bar().mapFrom(&Frame(), end));
+    QTest::mouseRelease(&Bar(), Qt::LeftButton, {}, Bar().mapFrom(&Frame(), end));
+    QTest::qWait(1);
+  }
+};
+
+// A picture of the frame, to see whether something is drawn.
+class PaintCounter : public QObject {
+ public:
+  int Paints = 0;
+  bool eventFilter(QObject*, QEvent* event) override {
+    Paints += event->type() == QEvent::Paint;
+    return false;
+  }
+};
+
+class Browser : public QObject {
+  Q_OBJECT
+
+ public:
+  QList<QUrl> Opened;
+ public slots:
+  void Open(const QUrl& url) { Opened += url; }
+};
+
+}  // namespace
+
+TEST_F(Menus, HaveTheseCaptionsAndKeys) {
+  const struct {
+    const char* Name;
+    QStringList Items;
+  } menus[] = {
+      {"mnuFile",
+       {"mnuFileNew|&New|Ctrl+N",
+        "mnuFileOpen|&Open|Ctrl+O",
+        "mnuFileClose|&Close|",
+        "mnuFileBar1",
+        "mnuFileSave|&Save|Ctrl+S",
+        "mnuFileSaveAs|Save &As...|",
+        "mnuFileBar2",
+        "mnuFileReport|&Report |",
+        "mnuFilePrint|&Print ...|",
+        "mnuFileBar3",
+        "menuFileDefault|Load &Default Table|",
+        "mnuFileProperties|Table Propert&ies|",
+        "mnuRecentFile0",
+        "mnuRecentFile1||",
+        "mnuRecentFile2||",
+        "mnuRecentFile3||",
+        "mnuRecentFile4||",
+        "mnuRecentFile5||",
+        "mnuFileBar6",
+        "mnuFileExit|E&xit|"}},
+      {"mnuEdit",
+       {"mnuEditCut|Cu&t|Ctrl+X", "mnuEditCopy|&Copy|Ctrl+C", "mnuEditPaste|&Paste|Ctrl+V", "mnuEditBar2",
+        "menuEditNewChanplan|&New Signal Standard|Ctrl+W"}},
+      {"mnuView", {"mnuOptionToolbar|&Toolbar|", "mnuOptionStatusBar|Status &Bar|", "mnuViewWarnings|&Warnings|"}},
+      {"menuOptionsComPort",
+       {"menuOptionsCom1|COM 1|", "menuOptionsCom2|COM 2|", "menuOptionsCom3|COM 3|", "menuOptionsCom4|COM 4 |",
+        "menuOptionsCom5|COM 5|", "menuOptionsCom6|COM 6|"}},
+      {"menuOptionsBaudRate",
+       {"menuOptionsBaud0|9600 bps|", "menuOptionsBaud1|19200 bps|", "menuOptionsBaud2|38400 bps|",
+        "menuOptionsBaud3|57600 bps|", "menuOptionsBaud4|115200 bps|"}},
+      {"mnuTools",
+       {"mnuToolsUpload|&Upload Signal Standard Definitions|", "mnuToolsQuery|&Download Signal Standard Definitions|"}},
+      {"mnuWindow",
+       {"mnuWindowNewWindow|&New Window|", "mnuWindowBar1", "mnuWindowCascade|&Cascade|",
+        "mnuWindowTileHorizontal|Tile &Horizontal|", "mnuWindowTileVertical|Tile &Vertical|",
+        "mnuWindowArrangeIcons|&Arrange Icons|"}},
+      {"mnuHelp",
+       {"mnuHelpContents|&Contents|", "mnuHelpSearch|&Search For Help On...|", "mnuHelpBar1",
+        "mnuHelpAbout|&About...|"}},
+  };
+  Start();
+  QStringList captions;
+  for (const QAction* action : Frame().menuBar()->actions()) captions += action->text();
+  EXPECT_EQ(captions, QStringList({"&File", "&Edit", "&View", "&Options", "&Tools", "&Window", "&Help"}));
+  for (const auto& menu : menus) {
+    QStringList items;
+    for (const QAction* action : Get<QMenu>(menu.Name).actions())
+      items += action->isSeparator() ? action->objectName()
+                                     : action->objectName() + "|" + action->text() + "|" +
+                                           action->shortcut().toString(QKeySequence::PortableText);
+    EXPECT_EQ(items, menu.Items) << menu.Name;
+  }
+  EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptions")), QStringList({"COM Port", "Baud Rate"}));
+}
+
+TEST_F(Menus, WithoutADocumentItsCommandsAreGreyed) {
+  Start();
+  const QStringList ofADocument = {"mnuFileClose", "mnuFileSave",  "mnuFileSaveAs",       "mnuEditCut",
+                                   "mnuEditCopy",  "mnuEditPaste", "menuEditNewChanplan", "mnuToolsUpload"};
+  const QStringList always = {"mnuFileReport",     "mnuFilePrint",  "menuFileDefault",
+                              "mnuFileProperties", "mnuToolsQuery", "mnuFileNew"};
+  for (const bool open : {true, false}) {
+    if (!open) Choose("mnuFileClose");
+    for (const char* menu : {"mnuFile", "mnuEdit", "mnuTools"}) {
+      DropDown(menu);
+      PullUp();
+    }
+    for (const QString& item : ofADocument) EXPECT_EQ(Item(item).isEnabled(), open) << item.toStdString();
+    for (const QString& item : always) EXPECT_TRUE(Item(item).isEnabled()) << item.toStdString();
+  }
+}
+
+TEST_F(Menus, ShortcutsWorkAsSoonAsADocumentIsOpen) {
+  StartWithStandIns();
+  Choose("mnuFileClose");
+  Key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  Key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(StandIn().Calls, QStringList({"Paste"}));
+}
+
+TEST_F(Menus, MnemonicsReachEveryCommand) {
+  StartWithStandIns();
+  Key(Qt::Key_E, Qt::AltModifier);
+  ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+  QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T);
+  EXPECT_EQ(StandIn().Calls, QStringList({"CopyCut true"}));
+}
+
+TEST_F(Menus, ListOnlyThePortsOfThisMachine) {
+  absentPorts = {2, 5};
+  Start();
+  EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptionsComPort")), QStringList({"COM 1", "COM 3", "COM 4 ", "COM 6"}));
+}
+
+TEST_F(Menus, CheckTheChosenPortAndSpeed) {
+  Start();
+  Choose("menuOptionsCom3");
+  Choose("menuOptionsBaud2");
+  EXPECT_EQ(app->Link.CommPort, 3);
+  EXPECT_EQ(app->Link.BaudRate, "38400");
+  DropDown("menuOptions");
+  for (int port = 1; port <= 6; ++port)
+    EXPECT_EQ(Item("menuOptionsCom" + QString::number(port)).isChecked(), port == 3) << port;
+  for (int baud = 0; baud <= 4; ++baud)
+    EXPECT_EQ(Item("menuOptionsBaud" + QString::number(baud)).isChecked(), baud == 2) << baud;
+  PullUp();
+  Choose("menuOptionsCom3");
+  EXPECT_EQ(app->Link.CommPort, 3) << "choosing it again does not take it away";
+}
+
+TEST_F(Menus, ViewShowsAndHides) {
+  const struct {
+    const char* Item;
+    const char* Control;
+  } parts[] = {
+      {"mnuOptionToolbar", "ToolBar"}, {"mnuOptionStatusBar", "sbStatusBar"}, {"mnuViewWarnings", "WarningHolder"}};
+  Start();
+  EXPECT_TRUE(Item("mnuOptionToolbar").isChecked());
+  EXPECT_TRUE(Item("mnuOptionStatusBar").isChecked());
+  EXPECT_FALSE(Item("mnuViewWarnings").isChecked()) << "until the menu drops down";
+  for (const auto& part : parts)
+    for (const bool visible : {false, true}) {
+      Choose(part.Item);
+      EXPECT_EQ(Get<QWidget>(part.Control).isVisible(), visible) << part.Control;
+      DropDown("mnuView");
+      EXPECT_EQ(Item(part.Item).isChecked(), visible) << part.Item;
+      PullUp();
+    }
+}
+
+TEST_F(Commands, ToolbarRunsThem) {
+  StartWithStandIns();
+  const struct {
+    const char* Key;
+    const char* ToolTip;
+    QStringList Calls;
+  } buttons[] = {
+      {"New", "New file", {}},
+      {"Open", "Open", {}},
+      {"Save", "Save", {"SaveChanplans /a.sig"}},
+      {"Print", "Print Signal Standard List", {}},
+      {"Cut", "Cut", {"CopyCut true"}},
+      {"Copy", "Copy", {"CopyCut false"}},
+      {"Paste", "Paste", {"Paste"}},
+      {"Add", "Add a new Signal Standard", {"InsertBlank"}},
+      {"Upload", "Upload current table to unit", {}},
+      {"Query", "Down load Signal Standards from unit.", {}},
+  };
+  const QList<QAction*> actions = Get<QToolBar>("ToolBar").actions();
+  ASSERT_EQ(actions.size(), 10);
+  qsizetype position = 0;
+  for (const auto& button : buttons) {
+    const QAction* action = actions[position++];
+    EXPECT_EQ(action->objectName(), QString("ToolBar") + button.Key);
+    EXPECT_EQ(action->toolTip(), button.ToolTip);
+    EXPECT_FALSE(action->icon().isNull()) << button.Key;
+    if (button.Calls.isEmpty()) continue;
+    StandIn().Calls.clear();
+    StandIn().setWindowTitle("/a.sig");
+    Press(button.Key);
+    EXPECT_EQ(StandIn().Calls, button.Calls) << button.Key;
+  }
+  Press("New");
+  EXPECT_EQ(Captions(), QStringList({"/a.sig", "Untitled 2"}));
+}
+
+TEST_F(Commands, UnknownButtonDoesNothing) {
+  StartWithStandIns();
+  Frame().ToolBar_ButtonClick("Calculator");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  EXPECT_EQ(StandIn().Calls, QStringList());
+}
+
+TEST_F(Commands, GoToTheActiveDocument) {
+  StartWithStandIns();
+  Choose("mnuFileNew");
+  Frame().ShowDocument(*app->Document(1));
+  Key(Qt::Key_X, Qt::ControlModifier);
+  Key(Qt::Key_C, Qt::ControlModifier);
+  Key(Qt::Key_V, Qt::ControlModifier);
+  Key(Qt::Key_W, Qt::ControlModifier);
+  EXPECT_EQ(StandIn().Calls, QStringList({"CopyCut true", "CopyCut false", "Paste", "InsertBlank"}));
+  EXPECT_EQ(dynamic_cast<StandInDocument&>(*app->Document(2)).Calls, QStringList());
+}
+
+TEST_F(Commands, NewStandardKeyIsTheFramesInAMaximisedDocumentToo) {
+  StartWithStandIns();
+  StandIn().showMaximized();
+  Key(Qt::Key_W, Qt::ControlModifier);
+  EXPECT_EQ(StandIn().Calls, QStringList({"InsertBlank"}));
+  Key(Qt::Key_F4, Qt::ControlModifier);
+  EXPECT_FALSE(app->AnyDocumentOpen());
+}
+
+TEST_F(Commands, WithoutADocumentTheyDoNothing) {
+  Start();
+  Choose("mnuFileClose");
+  for (const char* key : {"Save", "Print", "Cut", "Copy", "Paste", "Add", "Upload"}) Press(key);
+  Choose("mnuFileReport");
+  Choose("mnuFileProperties");
+  EXPECT_FALSE(app->AnyDocumentOpen());
+}
+
+TEST_F(Commands, PropertiesAreShown) {
+  StartWithStandIns();
+  AnswerMessage();
+  Choose("mnuFileProperties");
+  EXPECT_EQ(messages.back(),
+            (Message{"Table Properties", "Record count:     \t8 of 200\nSignal Standards: \t3", QMessageBox::NoIcon}));
+}
+
+TEST_F(Commands, StatusTextGoesToTheFirstPanel) {
+  Start();
+  Frame().ShowStatus("<b>Done</b>");
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "<b>Done</b>");
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").textFormat(), Qt::PlainText);
+}
+
+TEST_F(Splitter, DroppedHighUpGivesAThirdOfTheFrame) {
+  Start();
+  const int borders = Frame().frameGeometry().height() - Frame().height();
+  Frame().resize(600, 540 - borders);
+  QTest::qWait(1);
+  DragTo({50, 100});
+  EXPECT_EQ(Pane().height(), qRound(Frame().frameGeometry().height() / 3.0));
+}
+
+TEST_F(Splitter, DroppedBelowTheBottomGivesTwiceTheStatusBar) {
+  Start();
+  DragTo({50, Frame().height() + 40});
+  EXPECT_EQ(Pane().height(), LowestHeight());
+}
+
+TEST_F(Splitter, FollowsTheMouseOverDocumentsAndList) {
+  Start();
+  const QRect pane = Pane().geometry();
+  const int top = Pane().mapTo(&Frame(), QPoint(0, 0)).y();
+  for (const int distance : {-20, 30}) {
+    const int former = Pane().height();
+    const int formerTop = Pane().mapTo(&Frame(), QPoint(0, 0)).y();
+    DragTo({50, formerTop + distance});
+    // Over the list, heights count from its upper edge, which is a splitter's height lower.
+    EXPECT_EQ(Pane().height(), former - distance + (distance > 0 ? Bar().height() : 0)) << distance;
+  }
+  EXPECT_NE(Pane().geometry(), pane);
+  EXPECT_LT(top, Frame().height());
+}
+
+TEST_F(Splitter, ToolbarCountsOnlyWhileItIsShown) {
+  Start();
+  Choose("mnuOptionToolbar");
+  QTest::qWait(1);
+  const int former = Pane().height();
+  DragTo({50, Pane().mapTo(&Frame(), QPoint(0, 0)).y() - 20});
+  EXPECT_EQ(Pane().height(), former + 20);
+}
+
+TEST_F(Splitter, ReleasedOnItselfOrWithoutADragChangesNothing) {
+  Start();
+  const int former = Pane().height();
+  DragTo(Bar().mapTo(&Frame(), Bar().mapFrom(&Pane(), QPoint(90, 2))));
+  EXPECT_EQ(Pane().height(), former);
+}
+
+TEST_F(Splitter, OtherSourcesChangeNothing) {
+  Start();
+  const int former = Pane().height();
+  for (const char* source : {"lstWarnings", "", "LBLSPLITTER"}) {
+    Frame().DropOnFrame(source, 0);
+    Frame().DropOnWarnings(source, -30);
+    EXPECT_EQ(Pane().height(), former) << source;
+  }
+  Frame().DropOnWarnings("lblSplitter", -30);
+  EXPECT_EQ(Pane().height(), former + 30);
+}
+
+TEST_F(Splitter, IsMovedByKeysToo) {
+  Start();
+  const int former = Pane().height();
+  Bar().setFocus();
+  Key(Qt::Key_Up);
+  EXPECT_GT(Pane().height(), former);
+  Key(Qt::Key_Down);
+  EXPECT_EQ(Pane().height(), former);
+}
+
+TEST_F(Splitter, SpansThePaneAboveTheList) {
+  Start();
+  QTest::qWait(1);
+  EXPECT_EQ(Bar().geometry(), QRect(-Frame().width(), 0, 3 * Frame().width(), 3));
+  EXPECT_EQ(Get<QWidget>("lstWarnings").geometry(), QRect(0, 3, Pane().width(), Pane().height() - 3));
+}
+
+TEST_F(Splitter, LayoutIsRepeatedAndRepairsThePaneButPaintsNothingInVain) {
+  Start();
+  QTest::qWait(50);
+  QWidget& list = Get<QWidget>("lstWarnings");
+  list.resize(10, 10);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return list.width() == Pane().width(); }, 1000));
+  QTest::qWait(100);
+  PaintCounter counter;
+  for (QWidget* widget : Frame().findChildren<QWidget*>()) widget->installEventFilter(&counter);
+  QTest::qWait(700);
+  EXPECT_TRUE(Get<QTimer>("ResizeTimer").isActive());
+  EXPECT_EQ(Get<QTimer>("ResizeTimer").interval(), 200);
+  EXPECT_EQ(counter.Paints, 0);
+}
+
+TEST_F(Help, MissingFileIsReportedInTheSystemsWords) {
+  Start();
+  for (const char* command : {"mnuHelpContents", "mnuHelpSearch"}) {
+    AnswerMessage();
+    Choose(command);
+    EXPECT_EQ(messages.back(), (Message{"Chanplans", "No such file or directory", QMessageBox::NoIcon}));
+  }
+}
+
+TEST_F(Help, WithoutAFileNameThereIsNone) {
+  Start();
+  Frame().HelpFile.clear();
+  for (const char* command : {"mnuHelpContents", "mnuHelpSearch"}) {
+    AnswerMessage();
+    Choose(command);
+    EXPECT_EQ(messages.back(),
+              (Message{"Chanplans", "Unable to display Help Contents. There is no Help associated with this project.",
+                       QMessageBox::Information}));
+  }
+}
+
+TEST_F(Help, FileIsOpenedWithTheDesktopsViewer) {
+  WriteFile(folder / "Chanplan.hlp", "help");
+  Browser browser;
+  QDesktopServices::setUrlHandler("file", &browser, "Open");
+  Start();
+  Choose("mnuHelpContents");
+  QDesktopServices::unsetUrlHandler("file");
+  EXPECT_EQ(browser.Opened, QList<QUrl>({QUrl::fromLocalFile(InFolder("Chanplan.hlp"))}));
+}
+
+TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
+  std::set<std::string> pictures;
+  const QStringList keys = {"New",   "Open", "Save",   "Print", "Cut",    "Copy",
+                            "Paste", "Add",  "Upload", "Query", "Program"};
+  for (const QString& key : keys) {
+    const QImage image = DrawnIcon(key).pixmap(24, 24).toImage().convertToFormat(QImage::Format_ARGB32);
+    pictures.insert(
+        std::string(reinterpret_cast<const char*>(image.constBits()), static_cast<std::size_t>(image.sizeInBytes())));
+  }
+  EXPECT_EQ(pictures.size(), static_cast<std::size_t>(keys.size()));
+  EXPECT_TRUE(DrawnIcon("Calculator").isNull());
+}
+
+#include "main_frame_test.moc"

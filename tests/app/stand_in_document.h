@@ -1,0 +1,61 @@
+// A document that does nothing but write down what it is asked to do.
+#pragma once
+
+#include <QCloseEvent>
+#include <QStringList>
+#include <functional>
+
+#include "editor/document_window.h"
+#include "editor/frame_operations.h"
+
+namespace chanplan::testing {
+
+class StandInDocument : public DocumentWindow {
+ public:
+  StandInDocument(FrameOperations& frameUsed, DocumentState& documentState) : frame(frameUsed), state(documentState) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWidget(new QWidget);
+  }
+
+  QStringList Calls;
+  QString Text;                                        ///< of its warnings
+  std::function<bool()> Closes = [] { return true; };  ///< whether it lets itself be closed
+  bool Saves = true;                                   ///< whether saving succeeds
+
+  DocumentState& State() override { return state; }
+  QString WarningsText() const override { return Text; }
+  bool LoadSigStandards(const QString& path) override {
+    Calls += "LoadSigStandards " + path;
+    setWindowTitle(path);
+    return true;
+  }
+  bool SaveChanplans(const QString& path) override {
+    Calls += "SaveChanplans " + path;
+    if (Saves) setWindowTitle(path);
+    return Saves;
+  }
+  QString TableProperties() override {
+    Calls += "TableProperties";
+    return "Record count:     \t8 of 200\r\nSignal Standards: \t3";
+  }
+  void CopyCut(bool Cut) override { Calls += Cut ? "CopyCut true" : "CopyCut false"; }
+  void Paste() override { Calls += "Paste"; }
+  void InsertBlank() override { Calls += "InsertBlank"; }
+  void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  void GetTable() override { Calls += "GetTable"; }
+  void SetTable() override { Calls += "SetTable"; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    if (!Closes()) return event->ignore();
+    frame.Warnings("", -1);
+    state.Released = true;
+    DocumentWindow::closeEvent(event);
+  }
+
+ private:
+  FrameOperations& frame;
+  DocumentState& state;
+};
+
+}  // namespace chanplan::testing

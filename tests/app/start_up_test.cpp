@@ -1,0 +1,262 @@
+// Start-up, settings, recent files, and the numbers of documents.
+#include <QScreen>
+#include <QSignalSpy>
+
+#include "app/placement.h"
+#include "tests/app/app_fixture.h"
+
+using namespace chanplan;
+using namespace chanplan::testing;
+
+namespace {
+
+QString RecentFileKey(int number) { return "Recent Files/RecentFile" + QString::number(number); }
+
+class StartUp : public AppTest {
+ protected:
+  QStringList StoredRecentFiles() {
+    QStringList files;
+    for (int number = 1; number <= 6; ++number) files += Stored(RecentFileKey(number));
+    return files;
+  }
+};
+
+using RecentFiles = StartUp;
+using DocumentNumbers = StartUp;
+using Closing = StartUp;
+
+}  // namespace
+
+TEST_F(StartUp, FirstStartUsesTheDefaults) {
+  Start();
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  EXPECT_EQ(app->Link.CommPort, 1);
+  EXPECT_EQ(app->Link.BaudRate, "9600");
+  EXPECT_EQ(Frame().pos(), QPoint(screen.width() / 20, screen.height() / 20));
+  EXPECT_EQ(Frame().size(), screen * 0.6);
+  EXPECT_FALSE(Frame().isMaximized());
+  EXPECT_EQ(Frame().windowTitle(), "Handheld Chanplan Editor");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  for (int index = 0; index <= 5; ++index) EXPECT_FALSE(Item("mnuRecentFile" + QString::number(index)).isVisible());
+}
+
+TEST_F(StartUp, ProgramFolderBecomesTheCurrentOne) {
+  Start();
+  EXPECT_EQ(QDir::current(), QDir(app->ProgramFolder));
+}
+
+TEST_F(StartUp, OpensTheTablesItIsGiven) {
+  const QString a = Table("a.sig");
+  const QString b = Table("b.sig");
+  AnswerMessage();
+  Start({a, InFolder("missing.sig"), b});
+  EXPECT_EQ(Captions(), QStringList({a, b}));
+  EXPECT_EQ(messages.front().Text, "Can't open file: " + InFolder("missing.sig"));
+}
+
+TEST_F(StartUp, PlacementPortAndSpeedComeBack) {
+  Start();
+  Frame().move(100, 120);
+  Frame().resize(500, 460);
+  Choose("menuOptionsCom4");
+  Choose("menuOptionsBaud4");
+  Exit();
+  EXPECT_EQ(Stored("Settings/MainLeft"), "1500");  // twips, 15 a pixel at 96 dots per inch
+  EXPECT_EQ(Stored("Settings/MainTop"), "1800");
+  EXPECT_EQ(Stored("Settings/MainWidth"), "7500");
+  EXPECT_EQ(Stored("Settings/MainHeight"), "6900");
+  EXPECT_EQ(Stored("Settings/MainState"), "0");
+  EXPECT_EQ(Stored("Settings/CommPort"), "4");
+  EXPECT_EQ(Stored("Settings/BaudRate"), "115200");
+
+  Start();
+  EXPECT_EQ(Frame().pos(), QPoint(100, 120));
+  EXPECT_EQ(Frame().size(), QSize(500, 460));
+  EXPECT_EQ(app->Link.CommPort, 4);
+  EXPECT_EQ(app->Link.BaudRate, "115200");
+}
+
+TEST_F(StartUp, LinkRunsAt9600WhateverSpeedIsStored) {
+  SetStored("Settings/BaudRate", "57600");
+  Start();
+  EXPECT_EQ(app->Link.BaudRate, "57600");
+  EXPECT_EQ(app->Link.OpenCommPort(1), 1);
+  EXPECT_EQ(app->Link.BaudRate, "9600");
+}
+
+TEST_F(StartUp, MaximisedFrameComesBackMaximised) {
+  Start();
+  Frame().showMaximized();
+  Exit();
+  EXPECT_EQ(Stored("Settings/MainState"), "2");
+  Start();
+  EXPECT_TRUE(Frame().isMaximized());
+}
+
+TEST_F(StartUp, ClosedWhileMinimisedKeepsTheFormerPlacement) {
+  SetStored("Settings/MainLeft", "1500");
+  Start();
+  Frame().setGeometry(30, 30, 500, 460);
+  app->Link.CommPort = 3;
+  app->Link.BaudRate = "19200";
+  Frame().showMinimized();
+  QSignalSpy ended(&Frame(), &frmMain::Ended);
+  EXPECT_TRUE(Frame().close());
+  EXPECT_EQ(ended.size(), 1);
+  EXPECT_EQ(Stored("Settings/MainLeft"), "1500");
+  EXPECT_EQ(Stored("Settings/MainTop"), "");
+  EXPECT_EQ(Stored("Settings/MainState"), "");
+  EXPECT_EQ(Stored("Settings/CommPort"), "3");
+  EXPECT_EQ(Stored("Settings/BaudRate"), "19200");
+}
+
+TEST_F(StartUp, UnreadableSettingsAreNamedOnceAndTheirDefaultsUsed) {
+  SetStored("Settings/CommPort", "COM2");
+  SetStored("Settings/MainLeft", "left");
+  SetStored("Settings/MainState", "7");
+  AnswerMessage();
+  Start();
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(
+      messages.front().Text,
+      "In section \"Settings\" of your settings, \"MainLeft\" is \"left\", which is not a number from -1000000 to "
+      "1000000. Its default, 600, is used.\n\n"
+      "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
+      "Its default, 0, is used.\n\n"
+      "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
+      "32767. Its default, 1, is used.");
+  EXPECT_EQ(app->Link.CommPort, 1);
+  EXPECT_EQ(Frame().x(), 40);
+  EXPECT_FALSE(Frame().isMaximized());
+}
+
+TEST_F(StartUp, PlacementOutsideTheScreenIsBroughtBack) {
+  SetStored("Settings/MainLeft", "900000");
+  SetStored("Settings/MainTop", "-900000");
+  Start();
+  EXPECT_EQ(Frame().pos(), QPoint(QGuiApplication::primaryScreen()->size().width() - Frame().width(), 0));
+}
+
+TEST(BroughtIntoView, LeavesAloneWhatAScreenShows) {
+  const QList<QRect> screens = {{0, 0, 1000, 800}, {1000, 0, 1000, 800}};
+  const struct {
+    QRect Placement;
+    QRect Result;
+  } cases[] = {
+      {{100, 100, 600, 400}, {100, 100, 600, 400}},    // inside
+      {{1900, 700, 600, 400}, {1900, 700, 600, 400}},  // a corner on the second screen
+      {{2100, 100, 600, 400}, {400, 100, 600, 400}},   // to the right of both
+      {{-700, 100, 600, 400}, {0, 100, 600, 400}},     // to the left
+      {{100, -500, 600, 900}, {100, 0, 600, 800}},     // its title bar above the screen, and too high
+      {{100, 900, 2000, 400}, {0, 400, 1000, 400}},    // below, and too wide
+  };
+  for (const auto& test : cases) EXPECT_EQ(BroughtIntoView(test.Placement, screens), test.Result);
+}
+
+TEST_F(RecentFiles, SamePathMayBeThereTwice) {
+  Start();
+  for (const char* path : {"A", "B", "A"}) app->AddRecentFile(path);
+  EXPECT_EQ(StoredRecentFiles(), QStringList({"A", "B", "A", "", "", ""}));
+}
+
+TEST_F(RecentFiles, SixthDropsTheOldest) {
+  Start();
+  for (const char* path : {"A", "B", "C", "D", "E", "F"}) app->AddRecentFile(path);
+  EXPECT_EQ(StoredRecentFiles(), QStringList({"F", "E", "D", "C", "B", ""}));
+}
+
+TEST_F(RecentFiles, KeyAboveAnEmptyOneKeepsItsValue) {
+  SetStored(RecentFileKey(1), "A");
+  SetStored(RecentFileKey(3), "C");
+  Start();
+  app->AddRecentFile("N");
+  EXPECT_EQ(StoredRecentFiles(), QStringList({"N", "A", "C", "C", "", ""}));
+}
+
+TEST_F(RecentFiles, AreShownInTheMenuFromTheStart) {
+  SetStored(RecentFileKey(1), "/R&D, new/a.sig");
+  SetStored(RecentFileKey(2), "/b.sig");
+  Start();
+  EXPECT_TRUE(Item("mnuRecentFile0").isVisible());
+  EXPECT_EQ(Item("mnuRecentFile1").text(), "/R&&D, new/a.sig");  // a mnemonic's mark is doubled
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/R&D, new/a.sig", "/b.sig"}));
+  EXPECT_FALSE(Item("mnuRecentFile3").isVisible());
+}
+
+TEST_F(RecentFiles, NoneAreShownWithoutANewestOne) {
+  SetStored(RecentFileKey(2), "/b.sig");
+  Start();
+  EXPECT_EQ(Frame().RecentFiles(), QStringList());
+  EXPECT_FALSE(Item("mnuRecentFile0").isVisible());
+}
+
+TEST_F(DocumentNumbers, ReleasedNumberIsGivenAwayAgain) {
+  Start();
+  Choose("mnuFileNew");
+  Choose("mnuFileNew");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2", "Untitled 3"}));
+  EXPECT_TRUE(app->Document(2)->close());
+  EXPECT_TRUE(app->DocumentStates[1].Released);
+  Choose("mnuFileNew");
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2", "Untitled 3"}));
+  EXPECT_EQ(app->Documents.size(), 3U);
+  EXPECT_EQ(app->Documents.size(), app->DocumentStates.size());
+}
+
+TEST_F(DocumentNumbers, AreFreeAtOnceWhenTheirDocumentCloses) {
+  Start();
+  app->Document(1)->close();  // its window goes only when events are handled
+  app->NewDocument();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  EXPECT_TRUE(app->AnyDocumentOpen());
+}
+
+TEST_F(DocumentNumbers, UntouchedFirstDocumentIsUsedAgainUnlessANewOneIsAskedFor) {
+  Start();
+  EXPECT_EQ(app->GetFreeDocumentSlot(false), 1);
+  EXPECT_EQ(app->Documents.size(), 1U);
+  app->DocumentStates[0].Changed = true;
+  EXPECT_EQ(app->GetFreeDocumentSlot(false), 2);
+}
+
+TEST_F(DocumentNumbers, NewDocumentLeavesTheUntouchedFirstOne) {
+  Start();
+  EXPECT_EQ(app->GetFreeDocumentSlot(true), 2);
+}
+
+TEST_F(DocumentNumbers, FirstDocumentWithAFileIsNotUsedAgain) {
+  Start();
+  app->Document(1)->setWindowTitle("/a.sig");
+  EXPECT_EQ(app->GetFreeDocumentSlot(false), 2);
+}
+
+TEST_F(DocumentNumbers, AnyDocumentOpenUntilTheLastOneCloses) {
+  Start();
+  EXPECT_TRUE(app->AnyDocumentOpen());
+  app->Document(1)->close();
+  EXPECT_FALSE(app->AnyDocumentOpen());
+}
+
+TEST_F(Closing, DocumentThatRefusesKeepsTheFrame) {
+  StartWithStandIns();
+  Choose("mnuFileNew");
+  dynamic_cast<StandInDocument&>(*app->Document(2)).Closes = [] { return false; };
+  Choose("mnuFileExit");
+  EXPECT_TRUE(Frame().isVisible());
+  EXPECT_EQ(Captions(), QStringList({"Untitled 2"}));
+  EXPECT_EQ(Stored("Settings/CommPort"), "");
+}
+
+TEST_F(Closing, ChangedDocumentAsksBeforeTheProgramEnds) {
+  Start();
+  Choose("mnuFileNew");
+  app->DocumentStates[0].Changed = true;
+  AnswerMessage(QMessageBox::Cancel);
+  Choose("mnuFileExit");
+  EXPECT_TRUE(Frame().isVisible());
+  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  AnswerMessage(QMessageBox::No);
+  Exit();
+  EXPECT_EQ(messages.back().Text, "The contents in [Untitled 1] has changed.\nDo you want to save the changes?");
+}

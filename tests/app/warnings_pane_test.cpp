@@ -1,0 +1,182 @@
+// The warnings pane.
+#include "app/warnings_pane.h"
+
+#include <QListWidget>
+
+#include "tests/app/app_fixture.h"
+
+using namespace chanplan;
+using namespace chanplan::testing;
+
+namespace {
+
+class Pane : public AppTest {
+ protected:
+  QListWidget& List() { return Get<QListWidget>("lstWarnings"); }
+  QStringList Lines() {
+    QStringList lines;
+    for (int row = 0; row < List().count(); ++row) lines += List().item(row)->text();
+    return lines;
+  }
+  int Selected() { return List().selectedItems().isEmpty() ? -1 : List().row(List().selectedItems().front()); }
+  void ClickLine(int row) {
+    QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, List().visualItemRect(List().item(row)).center());
+  }
+};
+
+// Warnings of `count` standards, the last of them without its CR LF.
+QString Five() {
+  QStringList lines;
+  for (const char* name : {"A", "B", "C", "D", "E"}) lines += QString("Warning:\t") + name + "\tDoubtful.";
+  return lines.join("\r\n");
+}
+
+}  // namespace
+
+TEST_F(Pane, EmptyTextEmptiesIt) {
+  StartWithStandIns();
+  Frame().Warnings(Five(), -1);
+  Frame().Warnings("", -1);
+  EXPECT_EQ(Lines(), QStringList());
+  EXPECT_EQ(StatusPanel2(), " 0 warnings.");
+}
+
+TEST_F(Pane, LastLineEndMakesAnEmptyLine) {
+  StartWithStandIns();
+  Frame().Warnings("a\r\nb\r\n", -1);
+  EXPECT_EQ(Lines(), QStringList({"a", "b", ""}));
+  EXPECT_EQ(StatusPanel2(), " 3 warnings.");
+}
+
+TEST_F(Pane, OnlyWholeLineEndsSeparateLines) {
+  StartWithStandIns();
+  Frame().Warnings("a\nb\rc\r\n\r\nd", -1);
+  EXPECT_EQ(Lines(), QStringList({"a\nb\rc", "", "d"}));
+}
+
+TEST_F(Pane, SelectionAfterRefilling) {
+  const struct {
+    int Former;
+    const char* Text;
+    int SelIndex;
+    int Selected;
+  } cases[] = {
+      {2, "a\r\nb\r\nc\r\nd\r\ne", -1, 2},  // the same number of lines
+      {4, "a\r\nb", -1, -1},                // fewer lines than the old index
+      {1, "a\r\nb", -1, 1},                 // fewer lines, the old index among them
+      {2, "", -1, -1},
+      {-1, "a\r\nb", -1, -1},
+      {2, "a\r\nb\r\nc", 1, 1},   // an index to select wins
+      {2, "a\r\nb\r\nc", 3, -1},  // there is no such line
+  };
+  StartWithStandIns();
+  for (const auto& test : cases) {
+    Frame().Warnings("", -1);
+    Frame().Warnings(Five(), static_cast<qint16>(test.Former));
+    ASSERT_EQ(Selected(), test.Former);
+    Frame().Warnings(test.Text, static_cast<qint16>(test.SelIndex));
+    EXPECT_EQ(Selected(), test.Selected) << test.Former << ' ' << test.Text << ' ' << test.SelIndex;
+  }
+  EXPECT_EQ(StandIn().Calls, QStringList()) << "selecting while filling is no click";
+}
+
+TEST_F(Pane, ClickShowsThePositionAndGoesToTheStandard) {
+  StartWithStandIns();
+  Frame().Warnings(Five(), -1);
+  ClickLine(0);
+  EXPECT_EQ(StatusPanel2(), " 1 of 5 warnings.");
+  ClickLine(2);
+  EXPECT_EQ(StatusPanel2(), " 3 of 5 warnings.");
+  EXPECT_EQ(StandIn().Calls, QStringList({"FindSSEntry A", "FindSSEntry C"}));
+  ClickLine(2);
+  EXPECT_EQ(StandIn().Calls.size(), 3) << "a second click on the same line goes there again";
+}
+
+TEST_F(Pane, KeysSelectLinesToo) {
+  StartWithStandIns();
+  Frame().Warnings(Five(), 0);
+  Key(Qt::Key_F6);
+  EXPECT_EQ(QApplication::focusWidget(), &List());
+  Key(Qt::Key_Down);
+  EXPECT_EQ(StatusPanel2(), " 2 of 5 warnings.");
+  EXPECT_EQ(StandIn().Calls, QStringList({"FindSSEntry B"}));
+  Key(Qt::Key_F6);
+  EXPECT_TRUE(Frame().ActiveDocument()->isAncestorOf(QApplication::focusWidget()) ||
+              QApplication::focusWidget() == Frame().ActiveDocument());
+}
+
+TEST_F(Pane, LineWithoutATabOnlyShowsThePosition) {
+  StartWithStandIns();
+  Frame().Warnings("a\r\nb", -1);
+  ClickLine(1);
+  EXPECT_EQ(StatusPanel2(), " 2 of 2 warnings.");
+  EXPECT_EQ(StandIn().Calls, QStringList());
+}
+
+TEST_F(Pane, ClickWithoutADocumentDoesNoHarm) {
+  Start();
+  app->Document(1)->close();
+  Frame().Warnings(Five(), -1);
+  ClickLine(0);
+  EXPECT_EQ(StatusPanel2(), " 1 of 5 warnings.");
+}
+
+TEST_F(Pane, TableWithWarningsShowsOneLineMoreThanItHas) {
+  WriteFile(folder / "a.sig",
+            "header\r\n2\t1\tDCS\t9850\t1805.2\t885\t512\t0.2\t0.2\t1\r\n0\t0\t\t1710\t1805\t512\t885\t0.2\t0.2\t1\r\n"
+            "2\t0\tPCS\t1850\t1930\t-5\t885\t0.2\t0.2\t1\r\n");
+  Start({InFolder("a.sig")});
+  EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.",
+                                  "Warning:\tDCS\tStop channel is less than start channel.",
+                                  "Warning:\tPCS\tStart channel is less than zero.", ""}));
+  EXPECT_EQ(StatusPanel2(), " 4 warnings.");
+
+  ClickLine(2);
+  EXPECT_EQ(StatusPanel2(), " 3 of 4 warnings.") << "although going there validated the table again";
+  const QTableWidget* list = Frame().ActiveDocument()->findChild<QTableWidget*>("GridList");
+  EXPECT_EQ(list->item(list->currentRow(), 1)->text(), "PCS");
+}
+
+TEST_F(Pane, ShowsTheActiveDocumentsWarnings) {
+  StartWithStandIns();
+  Choose("mnuFileNew");
+  dynamic_cast<StandInDocument&>(*app->Document(1)).Text = "one";
+  dynamic_cast<StandInDocument&>(*app->Document(2)).Text = "two\r\n";
+  Frame().ShowDocument(*app->Document(1));
+  EXPECT_EQ(Lines(), QStringList({"one"}));
+  Frame().ShowDocument(*app->Document(2));
+  EXPECT_EQ(Lines(), QStringList({"two", ""}));
+  ClickLine(0);
+  Frame().ShowDocument(*app->Document(2));
+  EXPECT_EQ(StatusPanel2(), " 1 of 2 warnings.") << "activating the same document again changes nothing";
+
+  Choose("mnuFileClose");
+  EXPECT_EQ(Lines(), QStringList({"one"}));
+  Choose("mnuFileClose");
+  EXPECT_EQ(Lines(), QStringList());
+  EXPECT_EQ(StatusPanel2(), " 0 warnings.");
+}
+
+TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
+  StartWithStandIns();
+  Choose("mnuFileNew");
+  StandIn().Text = "two";
+  Frame().Warnings("two", -1);
+  app->Document(1)->close();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(Lines(), QStringList({"two"}));
+}
+
+TEST_F(Pane, FieldsStandAtTheTabStops) {
+  StartWithStandIns();
+  const auto width = [this](const QString& line) {
+    Frame().Warnings(line, -1);
+    return List().sizeHintForColumn(0);
+  };
+  const int none = width("\r\n");
+  const double unit =
+      List().fontMetrics().horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 208.0;
+  EXPECT_NEAR(width("a\t") - none, 40 * unit, 1.5);
+  EXPECT_NEAR(width("a\tb\t") - none, 160 * unit, 1.5);
+  EXPECT_EQ(width("a\tb\tc"), width("Warning:\tPCS 1900\tc"));
+}
