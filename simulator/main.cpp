@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto QuietLine = 1s;   // an upload that pauses for so long has ended
+constexpr auto QuietLine = 3s;   // an upload that pauses for so long has ended; a busy machine may stall for less
 constexpr auto SlowAnswer = 2s;  // how late a slow unit answers
 constexpr int BitsPerByte = 10;  // with start and stop bit
 
