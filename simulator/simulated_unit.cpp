@@ -9,8 +9,6 @@
 namespace chanplan {
 namespace {
 
-constexpr char IdentifyCommand = 0x45;
-constexpr char SyncByte = '\xFF';
 constexpr std::uint16_t FirstTag = 100;
 constexpr std::size_t ModelSize = 7;
 constexpr std::size_t FirmwareSize = 4;

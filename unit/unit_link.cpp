@@ -4,14 +4,13 @@
 #include <utility>
 
 #include "core/lenient_number.h"
+#include "unit/wire_encoding.h"
 
 namespace chanplan {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char IdentifyCommand = 0x45;
-constexpr char SyncByte = '\xFF';
 constexpr std::size_t BufferSize = 10000;
 constexpr std::size_t IdentitySize = 13;
 constexpr int CloseSyncTimeoutMs = 500;

@@ -15,8 +15,10 @@
 
 namespace chanplan {
 
+inline constexpr char IdentifyCommand = 0x45;
 inline constexpr char SendTableCommand = 0x4F;
 inline constexpr char ReceiveTableCommand = 0x4E;
+inline constexpr char SyncByte = '\xFF';  ///< ends an exchange; the unit echoes it
 inline constexpr std::size_t WireHeaderSize = 4;
 inline constexpr std::size_t WireRecordSize = 48;
 inline constexpr std::size_t WireNameSize = 24;
