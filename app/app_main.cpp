@@ -41,9 +41,7 @@ bool AppMain::AnyDocumentOpen() const {
 
 int AppMain::GetFreeDocumentSlot(bool newSlotRequested) {
   const bool onlyFirst = Documents.size() == 1 && Documents[0] != nullptr && !DocumentStates[0].Released;
-  if (onlyFirst && !newSlotRequested && Documents[0]->windowTitle().startsWith("Untitled") &&
-      !DocumentStates[0].Changed)
-    return 1;
+  if (onlyFirst && !newSlotRequested && Documents[0]->IsUntitled() && !DocumentStates[0].Changed) return 1;
   std::size_t index = 0;
   while (index < DocumentStates.size() && !DocumentStates[index].Released) ++index;
   if (index == DocumentStates.size()) {

@@ -17,9 +17,6 @@ QString Latin(std::string_view ascii) {
   return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
 }
 
-bool IsUntitled(const QString& caption) { return caption.startsWith("Untitled"); }
-bool IsReadOnly(const QString& caption) { return caption.contains(Latin(ReadOnlyMark)); }
-
 }  // namespace
 
 void frmMain::mnuFileNew_Click() { app.NewDocument(); }
@@ -34,7 +31,7 @@ void frmMain::mnuFileSave_Click() {
   DocumentWindow* document = ActiveDocument();
   if (document == nullptr) return;
   const QString caption = document->windowTitle();
-  if (IsReadOnly(caption) || IsUntitled(caption)) return mnuFileSaveAs_Click();
+  if (document->IsReadOnly() || document->IsUntitled()) return mnuFileSaveAs_Click();
   document->State().Changed = !document->SaveChanplans(caption);
 }
 
@@ -42,7 +39,7 @@ void frmMain::mnuFileSaveAs_Click() {
   const QPointer<DocumentWindow> document = ActiveDocument();
   if (document == nullptr) return;
   const QString caption = document->windowTitle();
-  const QString proposed = IsUntitled(caption) ? "Untitled.lst" : IsReadOnly(caption) ? "" : caption;
+  const QString proposed = document->IsUntitled() ? "Untitled.lst" : document->IsReadOnly() ? "" : caption;
   const QString path = PromptSaveFileName(proposed, ".sig");
   if (path.isEmpty() || document == nullptr) return;
   document->State().Changed = !document->SaveChanplans(path);

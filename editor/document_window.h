@@ -4,6 +4,8 @@
 #include <QMdiSubWindow>
 #include <QString>
 
+#include "core/sig_file.h"
+
 namespace chanplan {
 
 /// A document's entry in `DocumentStates`.
@@ -21,6 +23,12 @@ class DocumentWindow : public QMdiSubWindow {
 
  public:
   using QMdiSubWindow::QMdiSubWindow;
+
+  /// What the caption says: the table was never saved, or is not to be written where it came from.
+  bool IsUntitled() const { return windowTitle().startsWith("Untitled"); }
+  bool IsReadOnly() const {
+    return windowTitle().contains(QLatin1String(ReadOnlyMark.data(), static_cast<qsizetype>(ReadOnlyMark.size())));
+  }
 
   virtual DocumentState& State() = 0;
   /// The warnings of the last validation, a line each, ended by CR LF.

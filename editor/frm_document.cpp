@@ -231,10 +231,14 @@ void frmDocument::ShowSelectedStandard() {
       GridDetails->FillCell(row, 1, "", DetailRows[static_cast<std::size_t>(row)].Title);
     ShowBands(0, 0);
   } else {
-    ShowDetails(table.Row(shownIndex));
-    ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
+    ShowStandard();
   }
   GridBands->setUpdatesEnabled(true);
+}
+
+void frmDocument::ShowStandard() {
+  ShowDetails(table.Row(shownIndex));
+  ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
 }
 
 void frmDocument::ShowDetails(const SignalStandardRecord& standard) {

@@ -55,6 +55,7 @@ class frmDocument : public DocumentWindow {
   // The view
   void FillStandardList();
   void ShowSelectedStandard();
+  void ShowStandard();
   void ShowDetails(const SignalStandardRecord& standard);
   void ShowBands(int index, int count);
   void HighlightListRow();

@@ -118,8 +118,7 @@ void frmDocument::UpDown_Change(int value) {
   MarkChanged();
   if (storing) return;  // a typed count is shown once, when all its steps are done
   FillStandardList();
-  ShowDetails(table.Row(shownIndex));
-  ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
+  ShowStandard();
 }
 
 }  // namespace chanplan

@@ -199,9 +199,7 @@ void frmDocument::StoreGridsToTable() {
   if (countEdited) SetSubbandCount(static_cast<int>(LeadingNumber(BytesOf(count))));
   if (countEdited || nameEdited) FillStandardList();
   // What was typed is shown as the table now has it, and is not looked at as an edit again.
-  const int index = shownIndex;
-  ShowDetails(table.Row(index));
-  ShowBands(index, GroupEnd(table, index) - index - 1);
+  ShowStandard();
   ValidateTable();
 }
 

@@ -76,9 +76,9 @@ bool frmDocument::AskToSave() {
   if (answer == QMessageBox::No) return true;
   if (answer != QMessageBox::Yes) return false;
   QString path = caption;
-  if (caption.startsWith("Untitled"))
+  if (IsUntitled())
     path = frame.PromptSaveFileName("untitled.lst", ".sig");
-  else if (caption.contains(ToText(ReadOnlyMark)))
+  else if (IsReadOnly())
     path = frame.PromptSaveFileName("", ".sig");
   return !path.isEmpty() && SaveChanplans(path);
 }
