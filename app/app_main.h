@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "app/app_settings.h"
+#include "app/transfers.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
 #include "editor/shared_tables.h"
@@ -52,6 +53,7 @@ class AppMain {
   QString ProgramFolder;  ///< where the program looks for its factory table and its help
   AppSettings Settings;
   SharedTables Shared;
+  TransferState Transfers;
   std::unique_ptr<PortObject> MSComm1;  ///< the frame's serial port, the link's `CommControl`
   UnitLink Link;
   std::deque<QPointer<DocumentWindow>> Documents;

@@ -118,6 +118,7 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
     if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) action->setShortcut(Qt::CTRL | Qt::Key_F4);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
   document->setWindowIcon(DrawnIcon("New"));
+  document->installEventFilter(this);
   documents->addSubWindow(document.release());
 }
 
@@ -154,6 +155,11 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
+  if (event->type() == QEvent::Close && app.Transfers.Holds(watched)) {
+    AbortTransfer();
+    event->ignore();
+    return true;
+  }
   return QMainWindow::eventFilter(watched, event);
 }
 
@@ -185,6 +191,8 @@ void frmMain::SetPaneHeight(int proposed) {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
+  AbortTransfer();
+  if (app.Transfers.Running) return event->ignore();
   const auto opened = app.Documents;
   for (const QPointer<DocumentWindow>& document : opened) {
     if (document == nullptr || document->State().Released) continue;

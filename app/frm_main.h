@@ -19,6 +19,8 @@
 
 namespace chanplan {
 
+class frmInProgress;
+
 /// Holds the documents, turns commands into calls on the active one, and lists its warnings. It has
 /// no table data of its own. Menu items and controls are found by their object names.
 class frmMain : public QMainWindow, public FrameOperations {
@@ -55,6 +57,12 @@ class frmMain : public QMainWindow, public FrameOperations {
 
   /// Runs the command of the toolbar button `key`.
   void ToolBar_ButtonClick(const QString& key);
+
+  /// Moves the table of `document` from or to the unit, shows how far it is and how it ended. False
+  /// only when the unit did not answer.
+  bool Proc_Query(DocumentWindow& document, bool Download);
+  /// Merges the table of `source` into that of `base`.
+  void MergeTables(DocumentWindow& base, DocumentWindow& source);
 
   /// The help file, in the program's folder; empty when the program has none.
   QString HelpFile = "Chanplan.hlp";
@@ -121,6 +129,13 @@ class frmMain : public QMainWindow, public FrameOperations {
   void mnuHelpAbout_Click();
   void ShowHelp();
 
+  // Transfers (frm_main_transfers.cpp)
+  class TransferCommand;
+  bool Connect();
+  bool Download(bool toAppend);
+  bool ConfirmLosses(DocumentWindow& document);
+  void AbortTransfer();
+
   AppMain& app;
   QMdiArea* documents;
   QToolBar* ToolBar;
@@ -134,6 +149,7 @@ class frmMain : public QMainWindow, public FrameOperations {
   QList<QAction*> documentItems;      // enabled while a document is open
   QList<QAction*> windowList;         // the Window menu's list of documents
   QPointer<QObject> warningsShownOf;  // a document
+  frmInProgress* progress = nullptr;  // made when first needed
 };
 
 }  // namespace chanplan

@@ -95,10 +95,6 @@ void frmMain::menuOptionsBaud_Click(int index) {
   app.Link.BaudRate = caption.section(' ', 0, 0).toStdString();
 }
 
-void frmMain::mnuToolsUpload_Click() {}
-
-void frmMain::mnuToolsQuery_Click() {}
-
 void frmMain::mnuWindowNewWindow_Click() { ShowMessage(*this, "New Window Code goes here!", ApplicationTitle()); }
 
 void frmMain::mnuWindowCascade_Click() { ArrangeWindows(*documents, Arrangement::Cascade); }

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "core/sig_file.h"
+#include "core/signal_standard_table.h"
 
 namespace chanplan {
 
@@ -30,6 +31,9 @@ class DocumentWindow : public QMdiSubWindow {
     return windowTitle().contains(QLatin1String(ReadOnlyMark.data(), static_cast<qsizetype>(ReadOnlyMark.size())));
   }
 
+  /// A word that came with the table from a unit and goes back with it; 0 = it came from elsewhere.
+  std::uint16_t UnitTableTag = 0;
+
   virtual DocumentState& State() = 0;
   /// The warnings of the last validation, a line each, ended by CR LF.
   virtual QString WarningsText() const = 0;
@@ -48,6 +52,10 @@ class DocumentWindow : public QMdiSubWindow {
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
 
+  /// The table, open edits in it.
+  virtual SignalStandardTable Table() = 0;
+  /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.
+  virtual void ShowUnitTable(const SignalStandardTable& received) = 0;
   /// Whole tables, through the shared transfer table.
   virtual void GetTable() = 0;
   virtual void SetTable() = 0;

@@ -311,6 +311,20 @@ void frmDocument::FindSSEntry(const QString& name) {
       if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
 }
 
+SignalStandardTable frmDocument::Table() {
+  CommitEdit();
+  return table;
+}
+
+void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
+  shownIndex = -1;  // an edit that is open belongs to the former table
+  CommitEdit();
+  table = received;
+  RefillAfterEdit();
+  ValidateTable();
+  if (table.Count > 0) MarkChanged();
+}
+
 void frmDocument::GetTable() {
   CommitEdit();
   chanplan::GetTable(table, shared.Transfer);

@@ -37,6 +37,8 @@ class frmDocument : public DocumentWindow {
   void Paste() override;
   void InsertBlank() override;
   void FindSSEntry(const QString& name) override;
+  SignalStandardTable Table() override;
+  void ShowUnitTable(const SignalStandardTable& received) override;
   void GetTable() override;
   void SetTable() override;
 

@@ -32,6 +32,7 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   shownIndex = -1;
   ReadOutcome outcome = LoadSigFile(PathOf(path));
   table = std::move(outcome.Table);
+  UnitTableTag = 0;
   if (!outcome.Ok()) {
     FillStandardList();
     ShowSelectedStandard();

@@ -9,6 +9,7 @@ namespace {
 constexpr int DownloadTimeoutMs = 30000;
 constexpr int SyncTimeoutMs = 10000;
 constexpr std::uint16_t FirstTableTag = 100;
+constexpr std::chrono::seconds LongestPause(2);  // between two bytes of an upload
 
 // Fills `document` from a complete reply. False when it holds more records than a table can.
 bool DecodeReply(std::string_view reply, UnitTable& document) {
@@ -63,8 +64,9 @@ LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress
   link.SendCommString(link.CommHandle, {&ReceiveTableCommand, 1});
   progress.SetRange(0, static_cast<int>(message.size()));
   for (std::size_t sent = 0; sent < message.size(); ++sent) {
+    const auto start = link.Now();
     link.SendCommString(link.CommHandle, {&message[sent], 1});
-    if (link.PortFailure()) return LinkFalse;
+    if (link.PortFailure() || link.Now() - start > LongestPause) return LinkFalse;
     progress.SetValue(static_cast<int>(sent + 1));
   }
   progress.SetCaption(std::to_string(message.size()));
@@ -86,6 +88,7 @@ TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTab
     try {
       EncodeTable(document.Table, document.UnitTableTag);
     } catch (const WireMisfit& misfit) {
+      outcome.Misfit = true;
       outcome.Message = misfit.what();
       return outcome;
     }
@@ -100,6 +103,10 @@ TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTab
     progress.SetLabel(TransferTitle(direction));
     outcome.Result = direction == TransferDirection::Download ? Query_Chanplans(link, document, progress)
                                                               : UploadChanplans(link, document, progress);
+    if (const auto failure = link.PortFailure())
+      outcome.Message = failure->what();
+    else if (direction == TransferDirection::Upload && outcome.Result != LinkTrue)
+      outcome.Message = "The upload was held up, so that the unit may have given it up: upload the table again";
   }
   return outcome;
 }

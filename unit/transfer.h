@@ -34,7 +34,8 @@ struct UnitTable {
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& document, TransferProgress& progress);
 
 /// Writes the table of `document` into the unit, one byte a millisecond. LinkTrue when all bytes
-/// were sent; LinkFalse when the port broke on the way. A tag of 0 becomes 100 and stays so.
+/// were sent; LinkFalse when the port broke on the way, or when the program was held up between two
+/// bytes for so long that the unit may take the rest for commands. A tag of 0 becomes 100 and stays so.
 /// Throws WireMisfit, with nothing sent, when a value does not fit.
 LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress& progress);
 
@@ -44,9 +45,12 @@ std::string_view TransferTitle(TransferDirection direction);
 
 struct TransferOutcome {
   bool UnitAnswered = false;      ///< the unit identified itself
+  bool Misfit = false;            ///< a value does not fit, so the unit was not asked
   bool Aborted = false;           ///< the user had asked to stop before the table was moved
   LinkResult Result = LinkFalse;  ///< of moving the table
-  std::string Message;            ///< why nothing was moved: no answer, or a value that does not fit; otherwise empty
+  /// What to tell the user: no answer, a value that does not fit, a port that broke, an upload that
+  /// was held up. Otherwise empty, also when the unit's table did not arrive in time.
+  std::string Message;
 };
 
 /// Opens the port, identifies the unit and moves the table, unless `abortRequested` says by then

@@ -103,6 +103,10 @@ class AppTest : public ::testing::Test {
   }
   QString Stored(const QString& key) { return Store().value(key).toString(); }
 
+  /// What the application's link works with.
+  virtual std::unique_ptr<PortObject> MakePort() { return std::make_unique<MachinePort>(clock, absentPorts); }
+  virtual LinkTiming MakeTiming() { return clock.Timing(); }
+
   // What is on the frame, by its name.
   template <typename Control>
   Control& Get(const QString& name) {
@@ -209,8 +213,7 @@ class AppTest : public ::testing::Test {
   void Make(DocumentFactory factory = [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
     return std::make_unique<frmDocument>(frame, state, shared);
   }) {
-    app = std::make_unique<AppMain>(std::make_unique<MachinePort>(clock, absentPorts), clock.Timing(),
-                                    std::move(factory));
+    app = std::make_unique<AppMain>(MakePort(), MakeTiming(), std::move(factory));
     app->ProgramFolder = QString::fromStdString(folder.Path().string());
   }
   void Activate() {

@@ -21,6 +21,7 @@ class StandInDocument : public DocumentWindow {
   QString Text;                                        ///< of its warnings
   std::function<bool()> Closes = [] { return true; };  ///< whether it lets itself be closed
   bool Saves = true;                                   ///< whether saving succeeds
+  SignalStandardTable Rows;
 
   DocumentState& State() override { return state; }
   QString WarningsText() const override { return Text; }
@@ -42,6 +43,11 @@ class StandInDocument : public DocumentWindow {
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  SignalStandardTable Table() override { return Rows; }
+  void ShowUnitTable(const SignalStandardTable& received) override {
+    Calls += "ShowUnitTable";
+    Rows = received;
+  }
   void GetTable() override { Calls += "GetTable"; }
   void SetTable() override { Calls += "SetTable"; }
 

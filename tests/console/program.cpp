@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -224,6 +225,15 @@ int RunningSimulator::Stop() {
     if (WaitForEnd()) break;
   }
   return exitStatus.value_or(-SIGKILL);
+}
+
+// Root always may open it, so the mark of exclusive use is looked at.
+bool IsFree(const std::string& device) {
+  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  int exclusive = 0;
+  const bool free = opened >= 0 && ioctl(opened, TIOCGEXCL, &exclusive) == 0 && exclusive == 0;
+  close(opened);
+  return free;
 }
 
 }  // namespace chanplan::testing

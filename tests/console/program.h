@@ -99,4 +99,7 @@ class RunningSimulator {
   std::optional<int> exitStatus;
 };
 
+/// Whether a program may open the device, that is whether no other one has kept it for itself.
+bool IsFree(const std::string& device);
+
 }  // namespace chanplan::testing

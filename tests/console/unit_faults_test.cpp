@@ -1,8 +1,5 @@
 // Units, cables and lines that fail: one clear line, no half-written file, a port that is free again.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <future>
 #include <regex>
@@ -42,15 +39,6 @@ constexpr const char* HungUp =
 std::string WithPort(std::string text, const std::string& port) {
   if (const std::size_t place = text.find("PORT"); place != std::string::npos) text.replace(place, 4, port);
   return text;
-}
-
-// Whether a program may open the device. Root always may, so the mark of exclusive use is looked at.
-bool IsFree(const std::string& device) {
-  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  int exclusive = 0;
-  const bool free = opened >= 0 && ioctl(opened, TIOCGEXCL, &exclusive) == 0 && exclusive == 0;
-  close(opened);
-  return free;
 }
 
 class FaultyUnit {

@@ -1,0 +1,66 @@
+#include "app/frm_upload_optns.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace chanplan {
+
+frmUploadOptns::frmUploadOptns(QWidget* parent, TransferState& transferState)
+    : QDialog(parent),
+      transfers(transferState),
+      optnAppend(new QRadioButton("&Append to it")),
+      optnReplace(new QRadioButton("&Overwrite it")),
+      chkReplace(new QCheckBox("Replace matching signal standards")) {
+  setObjectName("frmUploadOptns");
+  setWindowTitle("Upload Signal Standards");
+  auto* prompt = new QLabel("What do you want to do with the existing Signal Standard Table?");
+  prompt->setObjectName("lblPrompt");
+  optnAppend->setObjectName("optnAppend");
+  optnReplace->setObjectName("optnReplace");
+  chkReplace->setObjectName("chkReplace");
+  auto* upload = new QPushButton("&Upload");
+  upload->setObjectName("bttnUpload");
+  upload->setDefault(true);
+  auto* cancel = new QPushButton("&Cancel");
+  cancel->setObjectName("bttnCancel");
+
+  auto* column = new QVBoxLayout(this);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  auto* indented = new QHBoxLayout;
+  indented->addSpacing(style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) +
+                       style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing));
+  indented->addWidget(chkReplace);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(upload);
+  buttons->addWidget(cancel);
+  column->addWidget(prompt);
+  column->addWidget(optnAppend);
+  column->addLayout(indented);
+  column->addWidget(optnReplace);
+  column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+  column->addLayout(buttons);
+
+  connect(optnAppend, &QRadioButton::toggled, chkReplace, &QCheckBox::setEnabled);
+  connect(upload, &QPushButton::clicked, this, &QDialog::accept);
+  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+  optnAppend->setChecked(true);  // the choice that keeps what the unit has
+  optnAppend->setFocus();
+}
+
+void frmUploadOptns::accept() {
+  transfers.AbortRequested = false;
+  transfers.UploadAppend = optnAppend->isChecked();
+  transfers.UploadReplaceMatching = chkReplace->isChecked();
+  QDialog::accept();
+}
+
+void frmUploadOptns::reject() {
+  transfers.AbortRequested = true;
+  QDialog::reject();
+}
+
+}  // namespace chanplan

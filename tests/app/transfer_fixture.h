@@ -1,0 +1,150 @@
+// The application with a simulated unit, a process of its own, at the other end of its port.
+#pragma once
+
+#include <optional>
+
+#include "app/frm_in_progress.h"
+#include "core/sig_file.h"
+#include "tests/app/app_fixture.h"
+#include "tests/console/program.h"
+#include "tests/console/sig_text.h"
+#include "tests/core/table_of.h"
+
+namespace chanplan::testing {
+
+/// A serial port that knows when the last byte moved.
+class WatchedPort : public QtSerialPort {
+ public:
+  using QtSerialPort::QtSerialPort;
+
+  std::chrono::steady_clock::time_point LastByte = std::chrono::steady_clock::now();
+
+  void TransmitCommChar(std::intptr_t handle, char byte) override {
+    LastByte = std::chrono::steady_clock::now();
+    QtSerialPort::TransmitCommChar(handle, byte);
+  }
+  std::string ReadInput() override {
+    std::string input = QtSerialPort::ReadInput();
+    if (!input.empty()) LastByte = std::chrono::steady_clock::now();
+    return input;
+  }
+};
+
+class TransferTest : public AppTest {
+ protected:
+  ~TransferTest() override { during.stop(); }
+
+  // The unit.
+  void StartUnit(const std::vector<std::string>& rows = {}, std::vector<std::string> options = {}) {
+    WriteFile(unitFolder / "unit.sig", SigText(rows));
+    if (std::ranges::find(options, "--baud") == options.end()) options.insert(options.end(), {"--baud", "0"});
+    options.insert(options.end(), {"--table", unitFolder / "unit.sig", "--save", unitFolder / "held.sig", "--trace"});
+    unit.emplace(options, unitFolder / "link");
+  }
+  /// Its table as it was at the start, and as the last upload left it, if there was one.
+  bool UnitGotATable() const { return std::filesystem::exists(unitFolder / "held.sig"); }
+  SignalStandardTable UnitsTable() {
+    unit->Stop();  // everything it got is dealt with then
+    return LoadSigFile(unitFolder / (UnitGotATable() ? "held.sig" : "unit.sig")).Table;
+  }
+  QStringList UnitsNames() { return NamesOf(UnitsTable()); }
+
+  // The application.
+  std::unique_ptr<PortObject> MakePort() override {
+    auto made = std::make_unique<WatchedPort>(unitFolder / "link");
+    port = made.get();
+    return made;
+  }
+  /// A clock that does not wait in vain: where no byte has moved for `patience`, it runs faster.
+  LinkTiming MakeTiming() override {
+    const LinkTiming real = SystemTiming();
+    return {[this, real] { return real.Now() + skipped; },
+            [this, real](std::chrono::nanoseconds longest) {
+              real.LetEventsRun(longest);
+              if (longest.count() > 0 && std::chrono::steady_clock::now() - port->LastByte > patience) skipped += 100ms;
+            }};
+  }
+  void ExpectPortFree() {
+    EXPECT_FALSE(port->IsOpen());
+    if (unit->WaitForEnd(0ms)) return;
+    EXPECT_TRUE(IsFree(unit->Device()));
+  }
+  void ExpectAnotherProgramReachesTheUnit() {
+    ExpectPortFree();
+    const ProgramRun run = Chanplan().Run({"identify", unit->Link()});
+    EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
+  }
+
+  // What the user sees and does.
+  frmInProgress* Progress() { return Frame().findChild<frmInProgress*>("frmInProgress"); }
+  QString Label() { return Progress()->findChild<QLabel*>("LblPrompt")->text(); }
+  int BarValue() { return Progress()->findChild<QProgressBar*>("ProgressBar1")->value(); }
+  QString Status() { return Get<QLabel>("sbStatusBarPanel1").text(); }
+  QString ActiveCaption() { return Frame().ActiveDocument()->windowTitle(); }
+  QStringList ActiveNames() { return NamesOf(Frame().ActiveDocument()->Table()); }
+  static QStringList NamesOf(const SignalStandardTable& table) {
+    QStringList names;
+    for (const std::string& name : RowNames(table)) names += QString::fromStdString(name);
+    return names;
+  }
+  QString TableFile(const char* name, const std::vector<std::string>& rows) {
+    WriteFile(folder / name, SigText(rows));
+    return InFolder(name);
+  }
+
+  enum class Choice { Overwrite, Append, AppendAndReplace, Cancel };
+  void AnswerOptions(Choice choice) {
+    Answer([choice](QWidget& dialog) {
+      EXPECT_EQ(dialog.objectName(), "frmUploadOptns");
+      const auto click = [&dialog](const char* name) {
+        auto* button = dialog.findChild<QAbstractButton*>(name);
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
+      };
+      click(choice == Choice::Overwrite ? "optnReplace" : "optnAppend");
+      if (choice == Choice::AppendAndReplace) click("chkReplace");
+      click(choice == Choice::Cancel ? "bttnCancel" : "bttnUpload");
+    });
+  }
+  void Download() { Choose("mnuToolsQuery"); }
+  void Upload(Choice choice) {
+    AnswerOptions(choice);
+    Choose("mnuToolsUpload");
+  }
+
+  /// Runs `action` once, in the middle of the transfer, as soon as `when` holds.
+  void During(std::function<bool()> when, std::function<void()> action) {
+    during.disconnect();
+    QObject::connect(&during, &QTimer::timeout, [this, when = std::move(when), action = std::move(action)] {
+      if (Progress() == nullptr || !Progress()->isVisible() || !when()) return;
+      during.stop();
+      ++interruptions;
+      action();
+    });
+    during.start(1);
+  }
+  bool IsConnecting() { return Label() == "Connecting to Handheld Product..."; }
+  bool IsDownloading() { return Label() == "Downloading Signal Standards..." && BarValue() > 0; }
+  bool IsUploading() { return Label() == "Uploading Signal Standards..." && BarValue() > 0; }
+  void PressAbort() {
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(Progress()));
+    Progress()->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Progress()));
+    QTest::mouseClick(Progress()->findChild<QPushButton*>("CmdAbort"), Qt::LeftButton);
+  }
+  QMessageBox* Question() { return Progress()->findChild<QMessageBox*>(); }
+
+  TempFolder unitFolder;
+  std::optional<RunningSimulator> unit;
+  WatchedPort* port = nullptr;
+  std::chrono::milliseconds patience = 1s;
+  std::chrono::nanoseconds skipped{};
+  QTimer during;
+  int interruptions = 0;
+};
+
+inline const QString CanceledText = "Process canceled by user.";
+inline QString CompletedText(int records) {
+  return "Process complete.  Transfered " + QString::number(records) + " signal standards (including sub-bands).";
+}
+
+}  // namespace chanplan::testing
