@@ -224,7 +224,8 @@ class AppTest : public ::testing::Test {
   void AnswerModal() {
     answering.start();  // once more, as an answer may bring up another dialog
     QWidget* modal = QApplication::activeModalWidget();
-    if (modal == nullptr || modal == beingAnswered || !modal->isActiveWindow()) return;
+    if (modal == nullptr || modal == beingAnswered || !modal->isVisible()) return;
+    if (!modal->isActiveWindow()) return modal->activateWindow();
     const QScopedValueRollback guard(beingAnswered, modal);
     const QPointer<QWidget> dialog = modal;
     if (answers.empty()) {

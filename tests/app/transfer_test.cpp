@@ -45,14 +45,15 @@ TEST_F(Downloading, TakesANewDocumentWhenTheFirstIsInUse) {
   Download();
   EXPECT_EQ(Captions(), QStringList({file, "Untitled(Query) 2"}));
   EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
-  Choose("mnuFileClose");
+  app->DocumentStates[1].Changed = false;
 }
 
 TEST_F(Downloading, ListsTheWarningsOfTheTable) {
-  StartUnit({"2|0|Far|9500|935|1|124|0.2|0.2|1"});
+  StartUnit({"2|1|Far|890|935|124|1|0.2|0.2|1", "0|0|Far|890|935|1|124|0.2|0.2|1"});
   Start();
   Download();
-  EXPECT_EQ(Get<QListWidget>("lstWarnings").item(0)->text(), "Warning:\tFar\tStart frequency appears out of range.");
+  EXPECT_EQ(Get<QListWidget>("lstWarnings").item(0)->text(), "Warning:\tFar\tStop channel is less than start channel.");
+  app->DocumentStates[0].Changed = false;
 }
 
 // It is in no file, so closing it would lose it.
