@@ -172,6 +172,8 @@ class AppTest : public ::testing::Test {
 
   // Dialogs: each one that comes up takes the next of these answers. One without an answer fails the test.
   void Answer(std::function<void(QWidget&)> answer) { answers.push_back(std::move(answer)); }
+  /// From now on dialogs are left to the test.
+  void AnswerNothing() { answering.disconnect(); }
   void AnswerMessage(QMessageBox::StandardButton button = QMessageBox::Ok) {
     Answer([this, button](QWidget& window) {
       QMessageBox& box = dynamic_cast<QMessageBox&>(window);
