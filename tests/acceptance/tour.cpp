@@ -11,8 +11,11 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 #include <cstdio>
@@ -20,7 +23,9 @@
 #include <stdexcept>
 
 #include "app/app_main.h"
+#include "app/frm_in_progress.h"
 #include "app/frm_main.h"
+#include "app/frm_upload_optns.h"
 #include "core/sig_file.h"
 #include "core/table_difference.h"
 #include "editor/frm_document.h"
@@ -42,6 +47,9 @@ class Tour {
     CopyAStandardToAnotherDocument();
     SaveIt();
     ReopenAndCompare();
+    UploadItToTheUnit();
+    AppendAnotherTable();
+    DownloadAndCompare();
     CloseEverything();
   }
 
@@ -121,6 +129,32 @@ class Tour {
     Done("Reopen it and compare");
   }
 
+  void UploadItToTheUnit() {
+    Upload("optnReplace", "upload-options");
+    Must(Panel1() == "Process complete.  Transfered 5 signal standards (including sub-bands).", "all rows were sent");
+    Done("Upload it to the unit");
+  }
+
+  void AppendAnotherTable() {
+    frame.ShowDocument(*frame.App().Document(1));
+    Must(Document().windowTitle() == "Factory Default (Read-Only)", "the factory table is active");
+    Upload("optnAppend", "");
+    Must(Document().windowTitle().startsWith("Untitled(Query) "), "the merged table has a document of its own");
+    Must(List().CellText(0, 1) == "Tour" && List().rowCount() > 20, "it holds both tables");
+    Done("Append another table to the unit's");
+  }
+
+  void DownloadAndCompare() {
+    const SignalStandardTable merged = Document().Table();
+    Menu("mnuTools", "mnuToolsQuery");
+    const SignalStandardTable downloaded = Document().Table();
+    Must(merged.Count > 40 && TableDifferences(merged, downloaded).empty(), "the unit has the merged table");
+    Done("Download the unit's table and compare");
+    for (const auto& document : frame.App().Documents)
+      if (document != nullptr && document->windowTitle().startsWith("Untitled(Query) "))
+        document->State().Changed = false;  // seen; the question comes up once, below
+  }
+
   void CloseEverything() {
     InDialog<QMessageBox>(
         [this](QMessageBox& box) {
@@ -133,6 +167,26 @@ class Tour {
     std::puts("Close everything: done");
   }
 
+  void Upload(const char* option, const QString& picture) {
+    bool progressSeen = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+      const auto* progress = frame.findChild<frmInProgress*>("frmInProgress");
+      if (progressSeen || progress == nullptr || !progress->isVisible()) return;
+      progressSeen = true;
+      QTimer::singleShot(150, &frame, [this] { TakePicture("progress"); });
+    });
+    watch.start(20);
+    InDialog<frmUploadOptns>(
+        [&](frmUploadOptns& options) {
+          options.findChild<QRadioButton*>(option)->setChecked(true);
+          if (!picture.isEmpty()) Picture(picture);
+          QTest::mouseClick(options.findChild<QPushButton*>("bttnUpload"), Qt::LeftButton);
+        },
+        [this] { Menu("mnuTools", "mnuToolsUpload"); });
+    Must(progressSeen, "the progress is shown");
+  }
+
   // What the user sees and does
 
   DocumentWindow& Document() { return *frame.ActiveDocument(); }
@@ -141,6 +195,7 @@ class Tour {
   Grid& Details() { return Grid_("GridDetails"); }
   QLineEdit& Box() { return *Document().findChild<QLineEdit*>("txtEntry"); }
   QListWidget& Warnings() { return *frame.findChild<QListWidget*>("lstWarnings"); }
+  QString Panel1() { return frame.findChild<QLabel*>("sbStatusBarPanel1")->text(); }
   QString Panel2() { return frame.findChild<QLabel*>("sbStatusBarPanel2")->text(); }
   QString SavedFile() const { return folder + "/tour.sig"; }
 
@@ -217,6 +272,10 @@ class Tour {
 
   void Picture(const QString& name) {
     QTest::qWait(100);  // for what the step has painted
+    TakePicture(name);
+  }
+
+  void TakePicture(const QString& name) {
     const QString file = QString("%1/%2-%3.png").arg(folder).arg(++pictures, 2, 10, QChar('0')).arg(name);
     const bool virtualScreen = QGuiApplication::platformName() == "xcb";
     const QPixmap picture = virtualScreen ? frame.screen()->grabWindow(0) : frame.grab();
@@ -241,6 +300,16 @@ int main(int argc, char* argv[]) {
   const QString folder = QDir(argv[1]).absolutePath();
   QDir().mkpath(folder);
   QFile::remove(folder + "/tour.sig");
+  // A profile of its own, in which the simulated unit is COM 1.
+  const QString unitLink = folder + "/unit";
+  qputenv("XDG_CONFIG_HOME", (folder + "/profile").toUtf8());
+  QSettings(QString::fromStdString(SettingsFile()), QSettings::IniFormat).setValue("Settings/CommDevice1", unitLink);
+  QProcess unit;
+  unit.start(QCoreApplication::applicationDirPath() + "/handheld-simulator", {"--link", unitLink, "--baud", "9600"});
+  if (!unit.waitForReadyRead()) {
+    std::fputs("chanplan-tour: the simulated unit does not start\n", stderr);
+    return 1;
+  }
   AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(),
               [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
                 return std::make_unique<frmDocument>(frame, state, shared);
@@ -248,11 +317,14 @@ int main(int argc, char* argv[]) {
   app.Main();
   app.Frame->activateWindow();
   if (!QTest::qWaitForWindowActive(app.Frame.get())) std::fputs("the frame was not activated\n", stderr);
+  int exitCode = 0;
   try {
     Tour(*app.Frame, folder).Run();
-    return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "chanplan-tour: %s\n", failure.what());
-    return 1;
+    exitCode = 1;
   }
+  unit.terminate();
+  unit.waitForFinished();
+  return exitCode;
 }
