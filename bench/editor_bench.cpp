@@ -1,23 +1,19 @@
-// The editor against an empty window: time to the first painted window and resident memory, each in
-// processes started in turn. Then, in one process, opening a full table and committing one edit.
-#include <unistd.h>
-
+// The editor against an empty window and against bare controls: time to the first painted window and
+// resident memory, each in processes started in turn. Then, in one process, opening a full table and
+// committing one edit.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <vector>
 
 #include "app/app_main.h"
 #include "app/frm_main.h"
+#include "bench/first_paint.h"
 #include "core/sig_file.h"
 #include "editor/frm_document.h"
 #include "unit/qt_serial_port.h"
@@ -25,40 +21,13 @@
 namespace chanplan {
 namespace {
 
-constexpr int Starts = 15;
+constexpr int Starts = 31;
 constexpr int Rounds = 200;
-
-double NowMs() {
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-double ResidentKiB() {
-  std::ifstream status("/proc/self/statm");
-  long pages = 0;
-  long resident = 0;
-  status >> pages >> resident;
-  return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 double Quantile(std::vector<double> values, double part) {
   std::ranges::sort(values);
   return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
 }
-
-// Tells when a window was painted first, and how much memory that took.
-class FirstPaint : public QObject {
- public:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() != QEvent::Paint || !static_cast<QWidget*>(watched)->isWindow()) return false;
-    watched->removeEventFilter(this);
-    QTimer::singleShot(0, [] {
-      std::printf("%.3f %.0f\n", NowMs(), ResidentKiB());
-      std::fflush(stdout);
-      _exit(0);
-    });
-    return false;
-  }
-};
 
 std::unique_ptr<AppMain> StartEditor() {
   auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(),
@@ -69,16 +38,10 @@ std::unique_ptr<AppMain> StartEditor() {
   return app;
 }
 
-int RunChild(bool editor) {
+int ShowEditor() {
   FirstPaint firstPaint;
-  if (editor) {
-    const auto app = StartEditor();
-    app->Frame->installEventFilter(&firstPaint);
-    return QApplication::exec();
-  }
-  QMainWindow window;
-  window.installEventFilter(&firstPaint);
-  window.show();
+  const auto app = StartEditor();
+  app->Frame->installEventFilter(&firstPaint);
   return QApplication::exec();
 }
 
@@ -87,29 +50,46 @@ struct Start {
   double KiB;
 };
 
-Start MeasureStart(const char* kind) {
+Start MeasureStart(const QString& program, const char* window) {
   QProcess child;
   const double begin = NowMs();
-  child.start(QCoreApplication::applicationFilePath(), {kind});
+  child.start(QCoreApplication::applicationDirPath() + "/" + program, {window});
   child.waitForFinished();
   const QList<QByteArray> fields = child.readAllStandardOutput().trimmed().split(' ');
-  return {fields.value(0).toDouble() - begin, fields.value(1).toDouble()};
+  if (fields.size() != 2) qFatal("no window was shown");
+  return {fields[0].toDouble() - begin, fields[1].toDouble()};
 }
 
 void BenchStarts() {
-  std::vector<double> timeRatios;
-  std::vector<double> memoryRatios;
+  struct Ratios {
+    std::vector<double> Time;
+    std::vector<double> Memory;
+    void Add(const Start& start, const Start& floor) {
+      Time.push_back(start.Milliseconds / floor.Milliseconds);
+      Memory.push_back(start.KiB / floor.KiB);
+    }
+  };
   std::vector<double> times;
-  for (int start = 0; start < Starts; ++start) {
-    const Start empty = MeasureStart("--empty");
-    const Start editor = MeasureStart("--editor");
+  Ratios toEmpty;
+  Ratios toBare;
+  Ratios bareToEmpty;
+  for (int round = 0; round < Starts; ++round) {
+    const Start empty = MeasureStart("window_floor", "--empty");
+    const Start bare = MeasureStart("window_floor", "--bare");
+    const Start editor = MeasureStart("editor_bench", "--editor");
     times.push_back(editor.Milliseconds);
-    timeRatios.push_back(editor.Milliseconds / empty.Milliseconds);
-    memoryRatios.push_back(editor.KiB / empty.KiB);
+    toEmpty.Add(editor, empty);
+    toBare.Add(editor, bare);
+    bareToEmpty.Add(bare, empty);
   }
-  std::printf("start to first window: %.0f ms, times an empty window: %.2f\n", Quantile(times, 0.5),
-              Quantile(timeRatios, 0.5));
-  std::printf("resident memory, times an empty window: %.2f\n", Quantile(memoryRatios, 0.5));
+  std::printf("start to first window: median %.0f ms\n", Quantile(times, 0.5));
+  const auto report = [](const char* what, const Ratios& ratios) {
+    std::printf("%s: time %.2f, resident memory %.2f\n", what, Quantile(ratios.Time, 0.5),
+                Quantile(ratios.Memory, 0.5));
+  };
+  report("times an empty window", toEmpty);
+  report("times bare controls", toBare);
+  report("bare controls, times an empty window", bareToEmpty);
 }
 
 SignalStandardTable FullTable() {
@@ -169,7 +149,7 @@ int main(int argc, char* argv[]) {
   const QTemporaryDir settings;
   if (argc < 2) qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
   const QApplication application(argc, argv);
-  if (argc > 1) return RunChild(argv[1] == std::string("--editor"));
+  if (argc > 1) return ShowEditor();
   BenchStarts();
   BenchWork();
 }
