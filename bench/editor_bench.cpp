@@ -11,12 +11,9 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/app_main.h"
-#include "app/frm_main.h"
 #include "bench/first_paint.h"
+#include "bench/start_editor.h"
 #include "core/sig_file.h"
-#include "editor/frm_document.h"
-#include "unit/qt_serial_port.h"
 
 namespace chanplan {
 namespace {
@@ -29,31 +26,15 @@ double Quantile(std::vector<double> values, double part) {
   return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
 }
 
-std::unique_ptr<AppMain> StartEditor() {
-  auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(),
-                                       [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-                                         return std::make_unique<frmDocument>(frame, state, shared);
-                                       });
-  app->Main();
-  return app;
-}
-
-int ShowEditor() {
-  FirstPaint firstPaint;
-  const auto app = StartEditor();
-  app->Frame->installEventFilter(&firstPaint);
-  return QApplication::exec();
-}
-
 struct Start {
   double Milliseconds;
   double KiB;
 };
 
-Start MeasureStart(const QString& program, const char* window) {
+Start MeasureStart(const QString& program, const QStringList& arguments = {}) {
   QProcess child;
   const double begin = NowMs();
-  child.start(QCoreApplication::applicationDirPath() + "/" + program, {window});
+  child.start(QCoreApplication::applicationDirPath() + "/" + program, arguments);
   child.waitForFinished();
   const QList<QByteArray> fields = child.readAllStandardOutput().trimmed().split(' ');
   if (fields.size() != 2) qFatal("no window was shown");
@@ -74,9 +55,9 @@ void BenchStarts() {
   Ratios toBare;
   Ratios bareToEmpty;
   for (int round = 0; round < Starts; ++round) {
-    const Start empty = MeasureStart("window_floor", "--empty");
-    const Start bare = MeasureStart("window_floor", "--bare");
-    const Start editor = MeasureStart("editor_bench", "--editor");
+    const Start empty = MeasureStart("window_floor", {"--empty"});
+    const Start bare = MeasureStart("window_floor", {"--bare"});
+    const Start editor = MeasureStart("editor_start");
     times.push_back(editor.Milliseconds);
     toEmpty.Add(editor, empty);
     toBare.Add(editor, bare);
@@ -147,9 +128,8 @@ void BenchWork() {
 int main(int argc, char* argv[]) {
   using namespace chanplan;
   const QTemporaryDir settings;
-  if (argc < 2) qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+  qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
   const QApplication application(argc, argv);
-  if (argc > 1) return ShowEditor();
   BenchStarts();
   BenchWork();
 }
