@@ -1,14 +1,16 @@
-// The editor against an empty window and against bare controls: time to the first painted window and
-// resident memory, each in processes started in turn. Then, in one process, opening a full table and
-// committing one edit.
+// The editor against windows with less in them: time to the first painted window and resident memory,
+// each in processes started in turn. Then, in one process, the processor time of an editor that nobody
+// uses, opening a full table and committing one edit.
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QLineEdit>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 #include "bench/first_paint.h"
@@ -19,6 +21,7 @@ namespace chanplan {
 namespace {
 
 constexpr int Starts = 31;
+constexpr int IdleSeconds = 20;
 constexpr int Rounds = 200;
 
 double Quantile(std::vector<double> values, double part) {
@@ -42,35 +45,34 @@ Start MeasureStart(const QString& program, const QStringList& arguments = {}) {
 }
 
 void BenchStarts() {
-  struct Ratios {
-    std::vector<double> Time;
-    std::vector<double> Memory;
-    void Add(const Start& start, const Start& floor) {
-      Time.push_back(start.Milliseconds / floor.Milliseconds);
-      Memory.push_back(start.KiB / floor.KiB);
-    }
+  struct Kind {
+    const char* Name;
+    const char* Program;
+    QStringList Arguments;
+    std::vector<Start> Measured;
   };
-  std::vector<double> times;
-  Ratios toEmpty;
-  Ratios toBare;
-  Ratios bareToEmpty;
-  for (int round = 0; round < Starts; ++round) {
-    const Start empty = MeasureStart("window_floor", {"--empty"});
-    const Start bare = MeasureStart("window_floor", {"--bare"});
-    const Start editor = MeasureStart("editor_start");
-    times.push_back(editor.Milliseconds);
-    toEmpty.Add(editor, empty);
-    toBare.Add(editor, bare);
-    bareToEmpty.Add(bare, empty);
-  }
-  std::printf("start to first window: median %.0f ms\n", Quantile(times, 0.5));
-  const auto report = [](const char* what, const Ratios& ratios) {
-    std::printf("%s: time %.2f, resident memory %.2f\n", what, Quantile(ratios.Time, 0.5),
-                Quantile(ratios.Memory, 0.5));
+  Kind kinds[] = {{"an empty window", "window_floor", {"--empty"}, {}},
+                  {"one line of text", "window_floor", {"--text"}, {}},
+                  {"bare controls", "window_floor", {"--bare"}, {}},
+                  {"the editor", "editor_start", {}, {}}};
+  for (int round = 0; round < Starts; ++round)
+    for (Kind& kind : kinds) kind.Measured.push_back(MeasureStart(kind.Program, kind.Arguments));
+
+  const auto median = [](const Kind& kind, const Kind& floor, double Start::*figure) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < Starts; ++round)
+      ratios.push_back(kind.Measured[round].*figure / floor.Measured[round].*figure);
+    return Quantile(ratios, 0.5);
   };
-  report("times an empty window", toEmpty);
-  report("times bare controls", toBare);
-  report("bare controls, times an empty window", bareToEmpty);
+  const auto report = [&](const Kind& kind, const Kind& floor) {
+    std::printf("%s, times %s: time to the first window %.2f, resident memory %.2f\n", kind.Name, floor.Name,
+                median(kind, floor, &Start::Milliseconds), median(kind, floor, &Start::KiB));
+  };
+  const auto& [empty, text, bare, editor] = kinds;
+  report(text, empty);
+  report(bare, empty);
+  report(editor, empty);
+  report(editor, bare);
 }
 
 SignalStandardTable FullTable() {
@@ -83,6 +85,19 @@ SignalStandardTable FullTable() {
 void Report(const char* what, const std::vector<double>& milliseconds) {
   std::printf("%s: median %.2f ms, 99th percentile %.2f ms\n", what, Quantile(milliseconds, 0.5),
               Quantile(milliseconds, 0.99));
+}
+
+double ProcessorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+void BenchIdle() {
+  const auto app = StartEditor();
+  QTest::qWait(1000);
+  const double begin = ProcessorSeconds();
+  QEventLoop idle;
+  QTimer::singleShot(IdleSeconds * 1000, &idle, &QEventLoop::quit);
+  idle.exec();
+  std::printf("processor time of %d idle seconds: %.3f %% of a core\n", IdleSeconds,
+              100 * (ProcessorSeconds() - begin) / IdleSeconds);
 }
 
 void BenchWork() {
@@ -131,5 +146,6 @@ int main(int argc, char* argv[]) {
   qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
   const QApplication application(argc, argv);
   BenchStarts();
+  BenchIdle();
   BenchWork();
 }

@@ -1,6 +1,7 @@
-// What the editor's start is measured against: `--empty` shows a window with nothing in it, `--bare`
-// one with the editor's visible controls and nothing behind them.
+// What the editor's start is measured against: `--empty` shows a window with nothing in it, `--text`
+// one with a line of text, `--bare` one with the editor's visible controls and nothing behind them.
 #include <QApplication>
+#include <QLabel>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -62,7 +63,9 @@ int main(int argc, char* argv[]) {
   chanplan::FirstPaint firstPaint;
   QMainWindow window;
   window.installEventFilter(&firstPaint);
-  if (argc > 1 && argv[1] == std::string("--bare")) AddControls(window);
+  const std::string content = argc > 1 ? argv[1] : "--empty";
+  if (content == "--text") window.setCentralWidget(new QLabel("Untitled 1"));
+  if (content == "--bare") AddControls(window);
   window.show();
   return QApplication::exec();
 }
