@@ -1,85 +1,32 @@
-// The editor against an empty window: time to the first painted window and resident memory, each in
-// processes started in turn. Then, in one process, opening a full table and committing one edit.
-#include <unistd.h>
-
+// The editor against windows with less in them: time to the first painted window and resident memory,
+// each in processes started in turn. Then, in one process, the processor time of an editor that nobody
+// uses, opening a full table and committing one edit.
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <fstream>
+#include <ctime>
 #include <vector>
 
-#include "app/app_main.h"
-#include "app/frm_main.h"
+#include "bench/first_paint.h"
+#include "bench/start_editor.h"
 #include "core/sig_file.h"
-#include "editor/frm_document.h"
-#include "unit/qt_serial_port.h"
 
 namespace chanplan {
 namespace {
 
-constexpr int Starts = 15;
+constexpr int Starts = 31;
+constexpr int IdleSeconds = 20;
 constexpr int Rounds = 200;
-
-double NowMs() {
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-double ResidentKiB() {
-  std::ifstream status("/proc/self/statm");
-  long pages = 0;
-  long resident = 0;
-  status >> pages >> resident;
-  return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 double Quantile(std::vector<double> values, double part) {
   std::ranges::sort(values);
   return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
-}
-
-// Tells when a window was painted first, and how much memory that took.
-class FirstPaint : public QObject {
- public:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() != QEvent::Paint || !static_cast<QWidget*>(watched)->isWindow()) return false;
-    watched->removeEventFilter(this);
-    QTimer::singleShot(0, [] {
-      std::printf("%.3f %.0f\n", NowMs(), ResidentKiB());
-      std::fflush(stdout);
-      _exit(0);
-    });
-    return false;
-  }
-};
-
-std::unique_ptr<AppMain> StartEditor() {
-  auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(),
-                                       [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-                                         return std::make_unique<frmDocument>(frame, state, shared);
-                                       });
-  app->Main();
-  return app;
-}
-
-int RunChild(bool editor) {
-  FirstPaint firstPaint;
-  if (editor) {
-    const auto app = StartEditor();
-    app->Frame->installEventFilter(&firstPaint);
-    return QApplication::exec();
-  }
-  QMainWindow window;
-  window.installEventFilter(&firstPaint);
-  window.show();
-  return QApplication::exec();
 }
 
 struct Start {
@@ -87,29 +34,45 @@ struct Start {
   double KiB;
 };
 
-Start MeasureStart(const char* kind) {
+Start MeasureStart(const QString& program, const QStringList& arguments = {}) {
   QProcess child;
   const double begin = NowMs();
-  child.start(QCoreApplication::applicationFilePath(), {kind});
+  child.start(QCoreApplication::applicationDirPath() + "/" + program, arguments);
   child.waitForFinished();
   const QList<QByteArray> fields = child.readAllStandardOutput().trimmed().split(' ');
-  return {fields.value(0).toDouble() - begin, fields.value(1).toDouble()};
+  if (fields.size() != 2) qFatal("no window was shown");
+  return {fields[0].toDouble() - begin, fields[1].toDouble()};
 }
 
 void BenchStarts() {
-  std::vector<double> timeRatios;
-  std::vector<double> memoryRatios;
-  std::vector<double> times;
-  for (int start = 0; start < Starts; ++start) {
-    const Start empty = MeasureStart("--empty");
-    const Start editor = MeasureStart("--editor");
-    times.push_back(editor.Milliseconds);
-    timeRatios.push_back(editor.Milliseconds / empty.Milliseconds);
-    memoryRatios.push_back(editor.KiB / empty.KiB);
-  }
-  std::printf("start to first window: %.0f ms, times an empty window: %.2f\n", Quantile(times, 0.5),
-              Quantile(timeRatios, 0.5));
-  std::printf("resident memory, times an empty window: %.2f\n", Quantile(memoryRatios, 0.5));
+  struct Kind {
+    const char* Name;
+    const char* Program;
+    QStringList Arguments;
+    std::vector<Start> Measured;
+  };
+  Kind kinds[] = {{"an empty window", "window_floor", {"--empty"}, {}},
+                  {"one line of text", "window_floor", {"--text"}, {}},
+                  {"bare controls", "window_floor", {"--bare"}, {}},
+                  {"the editor", "editor_start", {}, {}}};
+  for (int round = 0; round < Starts; ++round)
+    for (Kind& kind : kinds) kind.Measured.push_back(MeasureStart(kind.Program, kind.Arguments));
+
+  const auto median = [](const Kind& kind, const Kind& floor, double Start::*figure) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < Starts; ++round)
+      ratios.push_back(kind.Measured[round].*figure / floor.Measured[round].*figure);
+    return Quantile(ratios, 0.5);
+  };
+  const auto report = [&](const Kind& kind, const Kind& floor) {
+    std::printf("%s, times %s: time to the first window %.2f, resident memory %.2f\n", kind.Name, floor.Name,
+                median(kind, floor, &Start::Milliseconds), median(kind, floor, &Start::KiB));
+  };
+  const auto& [empty, text, bare, editor] = kinds;
+  report(text, empty);
+  report(bare, empty);
+  report(editor, empty);
+  report(editor, bare);
 }
 
 SignalStandardTable FullTable() {
@@ -122,6 +85,19 @@ SignalStandardTable FullTable() {
 void Report(const char* what, const std::vector<double>& milliseconds) {
   std::printf("%s: median %.2f ms, 99th percentile %.2f ms\n", what, Quantile(milliseconds, 0.5),
               Quantile(milliseconds, 0.99));
+}
+
+double ProcessorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+void BenchIdle() {
+  const auto app = StartEditor();
+  QTest::qWait(1000);
+  const double begin = ProcessorSeconds();
+  QEventLoop idle;
+  QTimer::singleShot(IdleSeconds * 1000, &idle, &QEventLoop::quit);
+  idle.exec();
+  std::printf("processor time of %d idle seconds: %.3f %% of a core\n", IdleSeconds,
+              100 * (ProcessorSeconds() - begin) / IdleSeconds);
 }
 
 void BenchWork() {
@@ -167,9 +143,9 @@ void BenchWork() {
 int main(int argc, char* argv[]) {
   using namespace chanplan;
   const QTemporaryDir settings;
-  if (argc < 2) qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+  qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
   const QApplication application(argc, argv);
-  if (argc > 1) return RunChild(argv[1] == std::string("--editor"));
   BenchStarts();
+  BenchIdle();
   BenchWork();
 }

@@ -47,7 +47,8 @@ void QtSerialPort::SetInputLength(int /*bytes*/) {}  // always all that is waiti
 
 void QtSerialPort::Open() {
   failure.reset();
-  if (port->open(QIODevice::ReadWrite)) return;
+  // Opening begins with a lock file that is forced to the disk: not for a device that is not there.
+  if (PortExists(device) && port->open(QIODevice::ReadWrite)) return;
   if (const auto problem = PortProblem(device)) throw PortError(*problem);
   // The platform would let one in, so it is the lock that another program holds.
   if (port->error() == QSerialPort::PermissionError)

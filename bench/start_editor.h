@@ -1,0 +1,22 @@
+// The editor, started as its program starts it.
+#pragma once
+
+#include <memory>
+
+#include "app/app_main.h"
+#include "app/frm_main.h"
+#include "editor/frm_document.h"
+#include "unit/qt_serial_port.h"
+
+namespace chanplan {
+
+inline std::unique_ptr<AppMain> StartEditor() {
+  auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(),
+                                       [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
+                                         return std::make_unique<frmDocument>(frame, state, shared);
+                                       });
+  app->Main();
+  return app;
+}
+
+}  // namespace chanplan
