@@ -11,7 +11,7 @@ namespace {
 
 constexpr double Margin = 0.25;  // inches; what printers commonly cannot reach
 constexpr double PointsPerInch = 72;
-constexpr double PointsPerDot = PointsPerInch / 300;
+constexpr double PointsPerDot = PointsPerInch / 600;
 
 // Arial's, in font sizes: Helvetica's own letters are alike, but readers differ in its line height.
 constexpr double Ascent = 0.905;

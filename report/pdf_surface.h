@@ -18,7 +18,7 @@ inline constexpr PaperSize A4Paper = {210 / 25.4, 297 / 25.4};
 
 /// Leaves a quarter of an inch unprintable at every edge. Whatever font is asked for, letters are
 /// Helvetica's, which every reader of PDF has, and which are as wide as Arial's; what Windows-1252
-/// lacks becomes "?". A device dot is 1/300 inch. Never fails.
+/// lacks becomes "?". A device dot is 1/600 inch. Never fails.
 class PdfSurface : public PrintSurface {
  public:
   explicit PdfSurface(PaperSize paper);

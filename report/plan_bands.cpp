@@ -52,19 +52,19 @@ void ShareWith(Lane& lane, const Lane& other) {
   if (shares) lane.SharesWith.push_back(other.Standard);
 }
 
-std::vector<FrequencyRange> Merged(std::vector<FrequencyRange> ranges) {
+}  // namespace
+
+std::vector<FrequencyRange> Merged(std::vector<FrequencyRange> ranges, double gap) {
   std::ranges::sort(ranges, {}, &FrequencyRange::Low);
   std::vector<FrequencyRange> merged;
   for (const FrequencyRange& range : ranges) {
-    if (merged.empty() || range.Low > merged.back().High)
+    if (merged.empty() || range.Low - merged.back().High > gap)
       merged.push_back(range);
     else
       merged.back().High = std::max(merged.back().High, range.High);
   }
   return merged;
 }
-
-}  // namespace
 
 std::vector<Lane> PlanLanes(const SignalStandardTable& table) {
   std::vector<Lane> lanes;

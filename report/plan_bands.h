@@ -20,6 +20,9 @@ struct FrequencyRange {
   bool operator==(const FrequencyRange&) const = default;
 };
 
+/// The spectrum that `ranges` cover: ascending, apart by more than `gap` MHz, narrower gaps covered too.
+std::vector<FrequencyRange> Merged(std::vector<FrequencyRange> ranges, double gap = 0);
+
 enum class LinkDirection { Uplink, Downlink };
 
 /// One direction of a row.

@@ -31,10 +31,13 @@ constexpr double BandTop = 4.5;
 constexpr double BandHeight = 7;
 constexpr double NarrowestBand = 2;
 
-constexpr std::size_t LanesBetweenAxes = 25;  // an axis is in sight wherever a long chart is scrolled to
-constexpr int MostTicks = 12;
-constexpr std::size_t LongestLabel = 30;     // characters
-constexpr std::size_t LongestCaption = 120;  // characters
+constexpr std::size_t MostLanesInABlock = 30;  // an axis is in sight wherever a long chart is scrolled to
+constexpr int MostTicks = 20;
+constexpr double NarrowestSpectrum = MostTicks;  // MHz: ticks are a megahertz apart or more
+constexpr double BreakWidth = 44;                // room for the ticks' labels on either side
+constexpr double NarrowestBreak = 10;            // a gap in the spectrum is left out from this part of the whole on
+constexpr std::size_t LongestLabel = 30;         // characters
+constexpr std::size_t LongestCaption = 120;      // characters
 constexpr std::size_t MostNamesTold = 5;
 
 // Renderers without media queries show the light colours on a background of their own.
@@ -115,27 +118,57 @@ double TickStep(double span) {
   return 10 * power;
 }
 
-// The stretch of spectrum shown, in whole ticks.
+// The spectrum shown: the stretches that bands lie in, all to one scale.
 struct Axis {
-  double Step = 1;
-  double FirstTick = 0;
-  double LastTick = 1;
+  double Step = 1;                        // MHz from tick to tick
+  std::vector<FrequencyRange> Stretches;  // ascending, apart, from a tick to a tick
+  double PixelsPerMegahertz = 1;
 
   double X(double megahertz) const {
-    return PlotLeft + (megahertz / Step - FirstTick) / (LastTick - FirstTick) * (PlotRight - PlotLeft);
+    double left = PlotLeft;
+    for (const FrequencyRange& stretch : Stretches) {
+      if (megahertz <= stretch.High) return left + (megahertz - stretch.Low) * PixelsPerMegahertz;
+      left += (stretch.High - stretch.Low) * PixelsPerMegahertz + BreakWidth;
+    }
+    return PlotRight;
   }
 };
 
+double TotalOf(std::span<const FrequencyRange> ranges) {
+  double total = 0;
+  for (const FrequencyRange& range : ranges) total += range.High - range.Low;
+  return total;
+}
+
+// Plans reach over thousands of megahertz with bands of ten: what lies between them is left out.
 Axis AxisOver(const std::vector<Lane>& lanes) {
-  FrequencyRange shown{HighestMegahertz, LowestMegahertz};
+  std::vector<FrequencyRange> ranges;
   for (const Lane& lane : lanes)
-    for (const Band& band : lane.Bands)
-      shown = {std::min(shown.Low, band.Range.Low), std::max(shown.High, band.Range.High)};
+    for (const Band& band : lane.Bands) ranges.push_back(band.Range);
   Axis axis;
-  axis.Step = TickStep(std::max(shown.High - shown.Low, 1.0));
-  axis.FirstTick = std::floor(shown.Low / axis.Step);
-  axis.LastTick = std::max(std::ceil(shown.High / axis.Step), axis.FirstTick + 1);
+  if (ranges.empty()) return axis;
+  ranges = Merged(std::move(ranges));
+  const double gap = (ranges.back().High - ranges.front().Low) / NarrowestBreak;
+  axis.Stretches = Merged(std::move(ranges), gap);
+  axis.Step = TickStep(std::max(TotalOf(axis.Stretches), NarrowestSpectrum));
+  for (FrequencyRange& stretch : axis.Stretches) {
+    const double firstTick = std::floor(stretch.Low / axis.Step);
+    const double lastTick = std::max(std::ceil(stretch.High / axis.Step), firstTick + 1);
+    stretch = {firstTick * axis.Step, lastTick * axis.Step};
+  }
+  axis.Stretches = Merged(std::move(axis.Stretches));
+  const double breaks = static_cast<double>(axis.Stretches.size() - 1) * BreakWidth;
+  axis.PixelsPerMegahertz = (PlotRight - PlotLeft - breaks) / TotalOf(axis.Stretches);
   return axis;
+}
+
+std::vector<double> Ticks(const Axis& axis) {
+  std::vector<double> ticks;
+  for (const FrequencyRange& stretch : axis.Stretches) {
+    const double last = std::round(stretch.High / axis.Step);
+    for (double tick = std::round(stretch.Low / axis.Step); tick <= last; ++tick) ticks.push_back(tick * axis.Step);
+  }
+  return ticks;
 }
 
 // Elements of the file, one a line.
@@ -200,9 +233,9 @@ void AddLane(Svg& svg, const SignalStandardTable& table, const Lane& lane, const
 }
 
 void AddTickLabels(Svg& svg, const Axis& axis, double top) {
-  svg.AddText("note", Edge, top + TextBaseline, "MHz");
-  for (double tick = axis.FirstTick; tick <= axis.LastTick; ++tick)
-    svg.AddText("tick", axis.X(tick * axis.Step), top + TextBaseline, ShortestDecimal(tick * axis.Step));
+  if (axis.Stretches.empty()) return;
+  svg.AddText("note", Edge, top + TextBaseline, axis.Stretches.size() > 1 ? "MHz (wide gaps left out)" : "MHz");
+  for (const double tick : Ticks(axis)) svg.AddText("tick", axis.X(tick), top + TextBaseline, ShortestDecimal(tick));
 }
 
 // Lanes `first` to before `last` with an axis above them; returns where they end.
@@ -211,8 +244,9 @@ double AddBlock(Svg& svg, const SignalStandardTable& table, std::span<const Lane
   top += AxisHeight;
   const double bottom = top + static_cast<double>(lanes.size()) * LaneHeight;
   for (double y = top; y < bottom; y += 2 * LaneHeight) svg.AddRect("odd", 0, y, ChartWidth, LaneHeight);
-  for (double tick = axis.FirstTick; tick <= axis.LastTick; ++tick)
-    svg.AddVerticalLine("grid", axis.X(tick * axis.Step), top, bottom);
+  for (std::size_t next = 1; next < axis.Stretches.size(); ++next)
+    svg.AddRect("page", axis.X(axis.Stretches[next - 1].High), top, BreakWidth, bottom - top);
+  for (const double tick : Ticks(axis)) svg.AddVerticalLine("grid", axis.X(tick), top, bottom);
   for (const Lane& lane : lanes) {
     AddLane(svg, table, lane, axis, top);
     top += LaneHeight;
@@ -242,7 +276,7 @@ std::string Summary(const std::vector<Lane>& lanes) {
   std::size_t sharing = 0;
   for (const Lane& lane : lanes) sharing += lane.SharesWith.size();
   const std::size_t pairs = sharing / 2;
-  return "carriers that two standards share: " + std::to_string(pairs) + (pairs == 1 ? " pair" : " pairs") + " of " +
+  return "shared with another standard: " + std::to_string(pairs) + (pairs == 1 ? " pair" : " pairs") + " among " +
          std::to_string(lanes.size()) + (lanes.size() == 1 ? " standard" : " standards");
 }
 
@@ -251,7 +285,7 @@ std::string Summary(const std::vector<Lane>& lanes) {
 std::string ChartSvg(const SignalStandardTable& table, std::string_view caption) {
   const std::vector<Lane> lanes = PlanLanes(table);
   const Axis axis = AxisOver(lanes);
-  const std::size_t blocks = std::max<std::size_t>((lanes.size() + LanesBetweenAxes - 1) / LanesBetweenAxes, 1);
+  const std::size_t blocks = (lanes.size() + MostLanesInABlock - 1) / MostLanesInABlock;
   const double height = LanesTop + static_cast<double>(blocks) * AxisHeight +
                         static_cast<double>(lanes.size()) * LaneHeight + AxisHeight + Edge;
   const std::string shownCaption = CaptionText(caption);
@@ -269,9 +303,10 @@ std::string ChartSvg(const SignalStandardTable& table, std::string_view caption)
   svg.AddText("caption", Edge, CaptionBaseline, shownCaption);
   AddLegend(svg, summary);
   double top = LanesTop;
-  for (std::size_t first = 0; first < lanes.size(); first += LanesBetweenAxes) {
-    const std::size_t count = std::min(LanesBetweenAxes, lanes.size() - first);
-    top = AddBlock(svg, table, std::span(lanes).subspan(first, count), axis, top);
+  for (std::size_t block = 0; block < blocks; ++block) {
+    const std::size_t first = lanes.size() * block / blocks;
+    const std::size_t end = lanes.size() * (block + 1) / blocks;
+    top = AddBlock(svg, table, std::span(lanes).subspan(first, end - first), axis, top);
   }
   AddTickLabels(svg, axis, top);
   return svg.Text + "</svg>\n";
