@@ -14,6 +14,7 @@ QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDev
 void QtPrintSurface::SetFont(std::string_view name, double points) {
   QFont font(ToQString(name));
   font.setPointSizeF(points);
+  font.setKerning(false);  // digits stand below each other
   painter.setFont(font);
 }
 
