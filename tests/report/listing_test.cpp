@@ -165,6 +165,15 @@ TEST(Listing, StartsAPageOnceALinePassesTheLimit) {
   EXPECT_EQ(CallsThat(calls, "page").size(), 1u);
 }
 
+TEST(Listing, KeepsToThePageWhileALineEndsOnTheLimit) {
+  double y = Top;
+  for (const double height : {0.14, 0.14, LineHeight, LineHeight}) y += height;  // title, empty line, head, record
+  const double printableHeight = y + 0.8;
+  ASSERT_EQ(printableHeight - 0.8, y);
+  EXPECT_EQ(CallsThat(Printed(TableOfNames({"A"}), RecordingSurface(printableHeight)), "page"), Calls());
+  EXPECT_EQ(CallsThat(Printed(TableOfNames({"A"}), RecordingSurface(printableHeight - 1e-9)), "page").size(), 1u);
+}
+
 TEST(Listing, StartsAPageBehindTheLastRecordToo) {
   const RecordingSurface surface(HeightFor(FirstHead, 3));
   const Calls calls = Printed(TableOfNames({"A", "B", "C", "D"}), surface);
