@@ -43,12 +43,14 @@ Lane LaneOf(const SignalStandardTable& table, int standard) {
 // Marks in `lane` what it shares with `other`.
 void ShareWith(Lane& lane, const Lane& other) {
   bool shares = false;
-  for (Band& band : lane.Bands)
-    for (const Band& otherBand : other.Bands)
-      if (const auto common = Intersection(band.Range, otherBand.Range)) {
-        band.Shared.push_back(*common);
-        shares = true;
-      }
+  for (Band& band : lane.Bands) {
+    for (const Band& otherBand : other.Bands) {
+      const auto common = Intersection(band.Range, otherBand.Range);
+      if (!common) continue;
+      band.Shared.push_back(*common);
+      shares = true;
+    }
+  }
   if (shares) lane.SharesWith.push_back(other.Standard);
 }
 

@@ -34,10 +34,11 @@ constexpr double NarrowestBand = 2;
 constexpr std::size_t MostLanesInABlock = 30;  // an axis is in sight wherever a long chart is scrolled to
 constexpr int MostTicks = 20;
 constexpr double NarrowestSpectrum = MostTicks;  // MHz: ticks are a megahertz apart or more
-constexpr double BreakWidth = 44;                // room for the ticks' labels on either side
-constexpr double NarrowestBreak = 10;            // a gap in the spectrum is left out from this part of the whole on
-constexpr std::size_t LongestLabel = 30;         // characters
-constexpr std::size_t LongestCaption = 120;      // characters
+constexpr double TickLabelWidth = 34;
+constexpr double BreakWidth = 44;            // room for the ticks' labels on either side
+constexpr double NarrowestBreak = 10;        // a gap in the spectrum is left out from this part of the whole on
+constexpr std::size_t LongestLabel = 30;     // characters
+constexpr std::size_t LongestCaption = 120;  // characters
 constexpr std::size_t MostNamesTold = 5;
 
 // Renderers without media queries show the light colours on a background of their own.
@@ -165,8 +166,8 @@ Axis AxisOver(const std::vector<Lane>& lanes) {
 std::vector<double> Ticks(const Axis& axis) {
   std::vector<double> ticks;
   for (const FrequencyRange& stretch : axis.Stretches) {
-    const double last = std::round(stretch.High / axis.Step);
-    for (double tick = std::round(stretch.Low / axis.Step); tick <= last; ++tick) ticks.push_back(tick * axis.Step);
+    const long count = std::lround((stretch.High - stretch.Low) / axis.Step);
+    for (long tick = 0; tick <= count; ++tick) ticks.push_back(stretch.Low + static_cast<double>(tick) * axis.Step);
   }
   return ticks;
 }
@@ -235,15 +236,22 @@ void AddLane(Svg& svg, const SignalStandardTable& table, const Lane& lane, const
 void AddTickLabels(Svg& svg, const Axis& axis, double top) {
   if (axis.Stretches.empty()) return;
   svg.AddText("note", Edge, top + TextBaseline, axis.Stretches.size() > 1 ? "MHz (wide gaps left out)" : "MHz");
-  for (const double tick : Ticks(axis)) svg.AddText("tick", axis.X(tick), top + TextBaseline, ShortestDecimal(tick));
+  double next = 0;  // where there is room for another label
+  for (const double tick : Ticks(axis)) {
+    const double x = axis.X(tick);
+    if (x < next) continue;
+    svg.AddText("tick", x, top + TextBaseline, ShortestDecimal(tick));
+    next = x + TickLabelWidth;
+  }
 }
 
-// Lanes `first` to before `last` with an axis above them; returns where they end.
+// Lanes with an axis above them; returns where they end.
 double AddBlock(Svg& svg, const SignalStandardTable& table, std::span<const Lane> lanes, const Axis& axis, double top) {
   AddTickLabels(svg, axis, top);
   top += AxisHeight;
   const double bottom = top + static_cast<double>(lanes.size()) * LaneHeight;
-  for (double y = top; y < bottom; y += 2 * LaneHeight) svg.AddRect("odd", 0, y, ChartWidth, LaneHeight);
+  for (std::size_t lane = 0; lane < lanes.size(); lane += 2)
+    svg.AddRect("odd", 0, top + static_cast<double>(lane) * LaneHeight, ChartWidth, LaneHeight);
   for (std::size_t next = 1; next < axis.Stretches.size(); ++next)
     svg.AddRect("page", axis.X(axis.Stretches[next - 1].High), top, BreakWidth, bottom - top);
   for (const double tick : Ticks(axis)) svg.AddVerticalLine("grid", axis.X(tick), top, bottom);

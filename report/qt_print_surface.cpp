@@ -44,7 +44,7 @@ void QtPrintSurface::StartPage() {
 }
 
 // The printer's own metrics: a screen's would set right edges where the screen's letters end.
-QFontMetricsF QtPrintSurface::Metrics() const { return QFontMetricsF(painter.font(), &device); }
+QFontMetricsF QtPrintSurface::Metrics() const { return {painter.font(), &device}; }
 
 QPointF QtPrintSurface::Dots(double x, double y) const { return {x * device.logicalDpiX(), y * device.logicalDpiY()}; }
 

@@ -118,6 +118,17 @@ TEST(Chart, HasTicksThatCanBeRead) {
   }
 }
 
+TEST(Chart, KeepsTheLabelsOfManyStretchesApart) {
+  std::vector<SignalStandardRecord> rows;
+  for (int place = 1; place <= 9; ++place) rows.push_back(Standard("A", place * 990 + 7, place * 990 + 27, 30));
+  const SvgFile file = Chart(rows);
+  const auto ticks = TicksOf(file);
+  EXPECT_GE(ticks.size(), 9u) << "every stretch is labelled";
+  for (auto tick = ticks.begin(); std::next(tick) != ticks.end(); ++tick)
+    EXPECT_GE(std::next(tick)->second - tick->second, 30) << tick->first;
+  for (const SvgElement& band : Drawn(file, "downlink")) EXPECT_LE(band.X + band.Width, ticks.rbegin()->second + 100);
+}
+
 TEST(Chart, HasALaneForEveryStandardWithItsSubbandsInIt) {
   const SvgFile file = Chart({Standard("A", 890, 935, 1023, 2), Standard("A(A)", 890, 935, 100),
                               Standard("A(B)", 880, 925, 40), Standard("B", 1800, 1900, 100)});
