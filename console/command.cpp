@@ -19,8 +19,11 @@ SignalStandardTable OpenTable(const std::filesystem::path& file) {
 
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
   ValidateTable(table, ListNames(table));
-  if (const std::error_code error = SaveSigFile(file, table))
-    throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
+  FailUnlessSaved(file, SaveSigFile(file, table));
+}
+
+void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
+  if (error) throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
 }
 
 void Note(const std::string& text) { std::cerr << "chanplan: " << text << std::endl; }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "core/signal_standard_table.h"
 
@@ -26,6 +27,9 @@ void AddSaveAsCommand(CLI::App& app, int& exitCode);
 void AddMergeCommand(CLI::App& app, int& exitCode);
 void AddPropertiesCommand(CLI::App& app, int& exitCode);
 void AddDiffCommand(CLI::App& app, int& exitCode);
+void AddReportCommand(CLI::App& app, int& exitCode);
+void AddPrintCommand(CLI::App& app, int& exitCode);
+void AddChartCommand(CLI::App& app, int& exitCode);
 void AddIdentifyCommand(CLI::App& app, int& exitCode);
 void AddDownloadCommand(CLI::App& app, int& exitCode);
 void AddUploadCommand(CLI::App& app, int& exitCode);
@@ -37,6 +41,9 @@ SignalStandardTable OpenTable(const std::filesystem::path& file);
 
 /// Validates `table` and writes it to `file`; throws CommandFailure.
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
+
+/// Throws CommandFailure when `error` is one: what writing `file` came to.
+void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
 
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);

@@ -7,13 +7,15 @@
 int main(int argc, char** argv) {
   using namespace chanplan;
   const QCoreApplication application(argc, argv);
-  CLI::App app("Check, convert, merge and compare Signal Standard tables, and move them to and from handheld units.",
-               "chanplan");
+  CLI::App app(
+      "Check, convert, merge, compare, print and draw Signal Standard tables, and move them to and from handheld "
+      "units.",
+      "chanplan");
   app.require_subcommand(1);
   int exitCode = ExitDone;
   for (const auto addCommand :
-       {AddCheckCommand, AddSaveAsCommand, AddMergeCommand, AddPropertiesCommand, AddDiffCommand, AddIdentifyCommand,
-        AddDownloadCommand, AddUploadCommand, AddUnitsCommand})
+       {AddCheckCommand, AddSaveAsCommand, AddMergeCommand, AddPropertiesCommand, AddDiffCommand, AddReportCommand,
+        AddPrintCommand, AddChartCommand, AddIdentifyCommand, AddDownloadCommand, AddUploadCommand, AddUnitsCommand})
     addCommand(app, exitCode);
   try {
     try {

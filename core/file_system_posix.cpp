@@ -76,13 +76,14 @@ std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
 }  // namespace
 
 std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
+  struct stat former {};
+  const bool exists = stat(file.c_str(), &former) == 0;
+  if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  // Before links are followed: that of /dev/stdout need not lead to a name.
+  if (exists && !S_ISREG(former.st_mode)) return WriteDevice(file, bytes);
   const fs::path target = FollowLinks(file);
   std::error_code ignored;
   if (fs::is_symlink(target, ignored)) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
-  struct stat former {};
-  const bool exists = stat(target.c_str(), &former) == 0;
-  if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);
-  if (exists && !S_ISREG(former.st_mode)) return WriteDevice(target, bytes);
   // Renaming needs no right to write the file itself, but replacing a write-protected one does.
   if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return LastError();
 

@@ -11,4 +11,14 @@ namespace chanplan {
 /// of the same number.
 std::string Utf8FromWindows1252(std::string_view bytes);
 
+/// Windows-1252 bytes of UTF-8: the way back. "?" stands for a character that the code page lacks
+/// and for a byte that is not part of valid UTF-8, such as a file's name may have.
+std::string Windows1252FromUtf8(std::string_view text);
+
+/// The characters of UTF-8; U+FFFD for a byte that is not part of valid UTF-8.
+std::u32string Utf32FromUtf8(std::string_view text);
+
+/// Adds the character `code`, at most U+10FFFF, to UTF-8.
+void AppendUtf8(std::string& text, char32_t code);
+
 }  // namespace chanplan

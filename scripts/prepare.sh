@@ -3,6 +3,7 @@
 packages=(
   g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcli11-dev libgtest-dev libbenchmark-dev
   xvfb xauth fonts-dejavu-core # a screen and letters where there are none
+  fonts-liberation poppler-utils # letters as wide as Arial's for printing; tests read PDF files back
 )
 
 install_missing_packages() {

@@ -23,10 +23,11 @@ struct Folder {
 const std::vector<Folder> Folders = {
     {"core", {}, {}},
     {"unit", {"core"}, {"qt_serial_port.h", "qt_serial_port.cpp"}},
+    {"report", {"core"}, {"qt_print_surface.h", "qt_print_surface.cpp"}},
     {"simulator", {"core", "unit"}, {}},
-    {"console", {"core", "unit"}, {"main.cpp"}},
-    {"editor", {"core"}, {"*"}},
-    {"app", {"core", "unit", "editor"}, {"*"}},
+    {"console", {"core", "unit", "report"}, {"main.cpp"}},
+    {"editor", {"core", "report"}, {"*"}},
+    {"app", {"core", "unit", "report", "editor"}, {"*"}},
 };
 
 struct Include {

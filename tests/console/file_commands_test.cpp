@@ -443,6 +443,9 @@ const std::vector<Command> ReadingCommands = {
     {{"merge", "good.sig", "bad.sig", "out.sig"}, true},
     {{"diff", "bad.sig", "good.sig"}, false},
     {{"diff", "good.sig", "bad.sig"}, false},
+    {{"report", "bad.sig", "out.sig"}, true},
+    {{"print", "bad.sig", "out.sig"}, true},
+    {{"chart", "bad.sig", "out.sig"}, true},
 };
 
 struct BadFile {
@@ -541,7 +544,9 @@ TEST(UnwritableTable, FailsWithOneLineThatSaysWhy) {
            BadTarget{"missing/out.sig", "No such file or directory"},
            BadTarget{"/dev/full", "No space left on device"},
        }) {
-    for (const Arguments& command : {Arguments{"save-as", "good.sig"}, Arguments{"merge", "good.sig", "good.sig"}}) {
+    for (const Arguments& command :
+         {Arguments{"save-as", "good.sig"}, Arguments{"merge", "good.sig", "good.sig"}, Arguments{"report", "good.sig"},
+          Arguments{"print", "good.sig"}, Arguments{"chart", "good.sig"}}) {
       SCOPED_TRACE(command.front() + " " + target.Out);
       Arguments arguments = command;
       arguments.push_back(target.Out);
@@ -587,6 +592,9 @@ TEST(Arguments, ThatAreWrongFailWithAReason) {
       WrongArguments{{"merge", "a.sig", "b.sig"}, "OUT is required\n"},
       WrongArguments{{"properties"}, "FILE is required\n"},
       WrongArguments{{"diff", "a.sig"}, "B is required\n"},
+      WrongArguments{{"report", "a.sig"}, "OUT is required\n"},
+      WrongArguments{{"print", "a.sig"}, "OUT is required\n"},
+      WrongArguments{{"chart"}, "FILE is required\n"},
       WrongArguments{{"identify"}, "PORT is required\n"},
       WrongArguments{{"download", "1"}, "OUT is required\n"},
       WrongArguments{{"upload", "1"}, "FILE is required\n"},
@@ -615,6 +623,9 @@ TEST(Help, NamesEveryCommandAndItsArguments) {
       CommandHelp{"merge", "Usage: chanplan merge [OPTIONS] BASE SOURCE OUT"},
       CommandHelp{"properties", "Usage: chanplan properties [OPTIONS] FILE"},
       CommandHelp{"diff", "Usage: chanplan diff [OPTIONS] A B"},
+      CommandHelp{"report", "Usage: chanplan report [OPTIONS] FILE OUT"},
+      CommandHelp{"print", "Usage: chanplan print [OPTIONS] FILE OUT"},
+      CommandHelp{"chart", "Usage: chanplan chart [OPTIONS] FILE OUT"},
       CommandHelp{"identify", "Usage: chanplan identify [OPTIONS] PORT"},
       CommandHelp{"download", "Usage: chanplan download [OPTIONS] PORT OUT"},
       CommandHelp{"upload", "Usage: chanplan upload [OPTIONS] PORT FILE"},

@@ -1,10 +1,7 @@
 // Files that cannot be read or written, and saves that are cut short.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -26,6 +23,7 @@
 
 #include "core/sig_file.h"
 #include "tests/core/run_in_child.h"
+#include "tests/core/small_disk.h"
 #include "tests/core/table_of.h"
 #include "tests/core/temp_folder.h"
 
@@ -33,6 +31,8 @@ namespace chanplan {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Impossible;
+using testing::MountSmallDisk;
 using testing::NamedRow;
 using testing::NamesIn;
 using testing::ReadFile;
@@ -436,30 +436,6 @@ TEST(SaveSigFile, LeavesTheFormerFileWholeWhenAFileMayNotGetSoLarge) {
     return SaveSmallThenTooBig(folder.Path(), std::errc::file_too_large);
   });
   EXPECT_EQ(problem, "");
-}
-
-const std::string Impossible = "impossible here: ";
-
-void WriteProcFile(const char* file, const std::string& text) {
-  const int descriptor = open(file, O_WRONLY | O_CLOEXEC);
-  if (write(descriptor, text.data(), text.size()) < 0) throw std::runtime_error(Impossible + file);
-  close(descriptor);
-}
-
-// Puts a disk of few kilobytes on `folder`, which only this process sees and which goes with it.
-void MountSmallDisk(const fs::path& folder) {
-  const std::string user = std::to_string(geteuid());
-  const std::string group = std::to_string(getegid());
-  if (unshare(CLONE_NEWNS) != 0) {
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
-      throw std::runtime_error(Impossible + "no mounts of one's own: " + std::strerror(errno));
-    WriteProcFile("/proc/self/setgroups", "deny");
-    WriteProcFile("/proc/self/uid_map", "0 " + user + " 1");
-    WriteProcFile("/proc/self/gid_map", "0 " + group + " 1");
-  }
-  if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
-    throw std::runtime_error(Impossible + "no mount: " + std::strerror(errno));
 }
 
 TEST(SaveSigFile, LeavesTheFormerFileWholeWhenTheDiskIsFull) {

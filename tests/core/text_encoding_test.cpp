@@ -45,5 +45,43 @@ TEST(Utf8FromWindows1252, GivesEveryByteACharacterOfItsOwn) {
   EXPECT_EQ(characters.size(), 256u);
 }
 
+TEST(Windows1252FromUtf8, BringsEveryByteBack) {
+  for (int code = 0; code < 256; ++code) {
+    const std::string byte(1, static_cast<char>(code));
+    EXPECT_EQ(Windows1252FromUtf8(Utf8FromWindows1252(byte)), byte) << code;
+  }
+}
+
+TEST(Windows1252FromUtf8, PutsAQuestionMarkForWhatThePageLacks) {
+  EXPECT_EQ(Windows1252FromUtf8(reinterpret_cast<const char*>(u8"ŁΩя: € \U0001F4F6")), "???: \x80 ?");
+  EXPECT_EQ(Windows1252FromUtf8("\xC2\x80"), "?") << "a control character that is not on the page";
+}
+
+TEST(Utf32FromUtf8, TakesEveryLengthOfCharacters) {
+  const std::string text =
+      reinterpret_cast<const char*>(u8"a\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF");
+  const std::u32string codes = U"a\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF";
+  EXPECT_EQ(Utf32FromUtf8(text), codes);
+  std::string again;
+  for (const char32_t code : codes) AppendUtf8(again, code);
+  EXPECT_EQ(again, text);
+}
+
+TEST(Utf32FromUtf8, ReplacesEveryByteThatIsNoCharacter) {
+  struct Case {
+    const char* Fact;
+    const char* Bytes;
+    const char32_t* Codes;
+  };
+  for (const auto& [fact, bytes, codes] :
+       {Case{"continuation alone", "a\x80z", U"a\uFFFDz"}, Case{"cut short", "\xE2\x82", U"\uFFFD\uFFFD"},
+        Case{"cut short by a letter", "\xE2\x82z", U"\uFFFD\uFFFDz"}, Case{"overlong", "\xC0\xAF", U"\uFFFD\uFFFD"},
+        Case{"overlong of three", "\xE0\x9F\xBF", U"\uFFFD\uFFFD\uFFFD"},
+        Case{"half a surrogate pair", "\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},
+        Case{"beyond the last code", "\xF4\x90\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD"},
+        Case{"no lead byte", "\xF8\x90\x80\x80\xFF", U"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"}})
+    EXPECT_EQ(Utf32FromUtf8(bytes), codes) << fact;
+}
+
 }  // namespace
 }  // namespace chanplan

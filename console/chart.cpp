@@ -1,0 +1,19 @@
+#include "console/command.h"
+#include "core/file_system.h"
+#include "core/sig_file.h"
+#include "report/plan_chart.h"
+
+namespace chanplan {
+
+void AddChartCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("chart", "Draw a table's bands along the spectrum, as SVG");
+  const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
+  command->add_option("FILE", files->first, "the table")->required();
+  command->add_option("OUT", files->second, "where to write the chart")->required();
+  command->callback([files] {
+    const auto& [file, out] = *files;
+    FailUnlessSaved(out, ReplaceFile(out, ChartSvg(OpenTable(file), CaptionOfFile(file))));
+  });
+}
+
+}  // namespace chanplan

@@ -1,0 +1,18 @@
+#include "console/command.h"
+#include "core/sig_file.h"
+#include "report/html_report.h"
+
+namespace chanplan {
+
+void AddReportCommand(CLI::App& app, int& /*exitCode*/) {
+  CLI::App* command = app.add_subcommand("report", "Write a table as an HTML report");
+  const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
+  command->add_option("FILE", files->first, "the table")->required();
+  command->add_option("OUT", files->second, "where to write the report")->required();
+  command->callback([files] {
+    const auto& [file, out] = *files;
+    FailUnlessSaved(out, SaveReport(out, OpenTable(file), CaptionOfFile(file)));
+  });
+}
+
+}  // namespace chanplan

@@ -1,0 +1,49 @@
+// Where the standards of a table lie in the spectrum, and where they share it.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "core/signal_standard_table.h"
+
+namespace chanplan {
+
+/// The spectrum that is looked at, MHz: validation warns about start frequencies beyond it.
+inline constexpr double LowestMegahertz = 0;
+inline constexpr double HighestMegahertz = 9000;
+
+/// From the first carrier to the last, both included, in MHz rounded to whole hertz.
+struct FrequencyRange {
+  double Low = 0;
+  double High = 0;
+
+  bool operator==(const FrequencyRange&) const = default;
+};
+
+/// The spectrum that `ranges` cover: ascending, apart by more than `gap` MHz, narrower gaps covered too.
+std::vector<FrequencyRange> Merged(std::vector<FrequencyRange> ranges, double gap = 0);
+
+enum class LinkDirection { Uplink, Downlink };
+
+/// One direction of a row.
+struct Band {
+  int Row = 0;  ///< table index
+  LinkDirection Direction = LinkDirection::Uplink;
+  FrequencyRange Range;
+  std::vector<FrequencyRange> Shared;  ///< parts that other standards use too; ascending, apart
+};
+
+/// A standard with the bands of its rows.
+struct Lane {
+  int Standard = 0;  ///< table index
+  std::vector<Band> Bands;
+  std::vector<int> SharesWith;  ///< table indices of the standards that it shares carriers with, ascending
+};
+
+/// A lane for every standard, in table order. A row's bands reach from the start frequency over
+/// (StopChannel - StartChannel) times the spacing, and are cut to the spectrum that is looked at; a
+/// start frequency of 0 is none. A standard with sub-bands has theirs in place of its own, whose
+/// channel numbers may jump between them.
+std::vector<Lane> PlanLanes(const SignalStandardTable& table);
+
+}  // namespace chanplan

@@ -1,0 +1,51 @@
+#include "report/qt_print_surface.h"
+
+namespace chanplan {
+namespace {
+
+QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+}  // namespace
+
+QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDevice) {
+  if (!painter.begin(&device)) throw PrintFailure("the printer does not take a document");
+}
+
+void QtPrintSurface::SetFont(std::string_view name, double points) {
+  QFont font(ToQString(name));
+  font.setPointSizeF(points);
+  font.setKerning(false);  // digits stand below each other
+  painter.setFont(font);
+}
+
+double QtPrintSurface::TextWidth(std::string_view text) const {
+  return Metrics().horizontalAdvance(ToQString(text)) / device.logicalDpiX();
+}
+
+double QtPrintSurface::PrintableHeight() const { return static_cast<double>(device.height()) / device.logicalDpiY(); }
+
+void QtPrintSurface::DrawLine(double x1, double y1, double x2, double y2, int penWidth) {
+  painter.setPen(QPen(Qt::black, penWidth));
+  painter.drawLine(Dots(x1, y1), Dots(x2, y2));
+}
+
+void QtPrintSurface::EndDocument() {
+  if (!painter.end()) throw PrintFailure("the printer did not take the whole document");
+}
+
+void QtPrintSurface::DrawText(double x, double y, std::string_view text) {
+  painter.drawText(Dots(x, y) + QPointF(0, Metrics().ascent()), ToQString(text));
+}
+
+double QtPrintSurface::LineHeight() const { return Metrics().height() / device.logicalDpiY(); }
+
+void QtPrintSurface::StartPage() {
+  if (!device.newPage()) throw PrintFailure("the printer does not take another page");
+}
+
+// The printer's own metrics: a screen's would set right edges where the screen's letters end.
+QFontMetricsF QtPrintSurface::Metrics() const { return {painter.font(), &device}; }
+
+QPointF QtPrintSurface::Dots(double x, double y) const { return {x * device.logicalDpiX(), y * device.logicalDpiY()}; }
+
+}  // namespace chanplan

@@ -1,0 +1,123 @@
+// The commands that put a table on paper or on the screen: report, print and chart.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/console/program.h"
+#include "tests/console/sig_text.h"
+#include "tests/report/pdf_reader.h"
+
+namespace chanplan::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string Group =
+    SigText({"130|1|Z\xFCrich|1850.2|1930.2|512|810|0.2|0.2|1", "0|0|any|1850.2|1930.2|512|1810|9|9|9"});
+
+TEST(Report, ShowsTheTableAsItStandsOnceOpened) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  WriteFile(chanplan.Folder / "out.htm", "former");
+  const ProgramRun run = chanplan.Run({"report", "plan.sig", "out.htm"});
+  EXPECT_EQ(run.Output, "");
+  EXPECT_EQ(run.Errors, "");
+  EXPECT_EQ(run.ExitStatus, 0);
+  const std::string report = ReadFile(chanplan.Folder / "out.htm");
+  EXPECT_TRUE(report.starts_with("<HTML><Table border=1 ")) << report;
+  EXPECT_NE(report.find("<big>File: plan.sig</td></tr>\r\n"), std::string::npos);
+  EXPECT_NE(report.find("<tr><td>Z\xFCrich</td><td>130</td><td>1,850.200000</td><td>1,930.200000</td><td>512</td>"
+                        "<td>810</td><td>0.200</td><td>0.2000</td><td>1</td></tr>\r\n"
+                        "<tr><td></td><td>0</td><td>1,850.200000</td><td>1,930.200000</td><td>512</td>"
+                        "<td>1,810</td><td>0.200</td><td>0.2000</td><td>1</td></tr>\r\n</table></html>\r\n"),
+            std::string::npos)
+      << report;
+}
+
+TEST(Report, IsCaptionedAsTheEditorDoes) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "Z\u00FCrich.sig", Group);
+  WriteFile(chanplan.Folder / "matrivim.DGC", Group);
+  fs::create_directory(chanplan.Folder / "plans");
+  WriteFile(chanplan.Folder / "plans" / "a.sig", Group);
+  struct Case {
+    const char* File;
+    const char* Caption;
+  };
+  for (const auto& [file, caption] :
+       {Case{"Z\u00FCrich.sig", "Z\xFCrich.sig"}, Case{"matrivim.DGC", "Factory Default (Read-Only)"},
+        Case{"plans/../plans/a.sig", "plans/../plans/a.sig"}}) {
+    EXPECT_EQ(chanplan.Run({"report", file, "out.htm"}).ExitStatus, 0);
+    const std::string report = ReadFile(chanplan.Folder / "out.htm");
+    EXPECT_NE(report.find("<big>File: " + std::string(caption) + "</td>"), std::string::npos) << report;
+  }
+}
+
+TEST(Print, ListsTheTableOnTheirPaper) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  struct Case {
+    std::vector<std::string> Options;
+    const char* Paper;
+  };
+  for (const auto& [options, paper] :
+       {Case{{}, "612 x 792 pts (letter)"}, Case{{"--paper", "letter"}, "612 x 792 pts (letter)"},
+        Case{{"--paper", "a4"}, "595.276 x 841.89 pts (A4)"}}) {
+    std::vector<std::string> arguments = {"print", "plan.sig", "out.pdf"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const ProgramRun run = chanplan.Run(arguments);
+    EXPECT_EQ(run.Output, "");
+    EXPECT_EQ(run.Errors, "");
+    EXPECT_EQ(run.ExitStatus, 0);
+    const std::string pdf = ReadFile(chanplan.Folder / "out.pdf");
+    EXPECT_NE(ReadPdf("pdfinfo file.pdf", pdf).find(paper), std::string::npos);
+    const std::string text = PdfText(pdf);
+    for (const char* part : {"File: plan.sig", "Z\u00FCrich", "Z\u00FCrich(A)", "1,850.200000", "1,810"})
+      EXPECT_NE(text.find(part), std::string::npos) << part;
+  }
+}
+
+TEST(Print, TakesTwoHundredRows) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", SigText(NumberedRows(199)));
+  EXPECT_EQ(chanplan.Run({"print", "plan.sig", "out.pdf"}).ExitStatus, 0);
+  const std::string pdf = ReadFile(chanplan.Folder / "out.pdf");
+  EXPECT_EQ(PdfPages(pdf), 4);
+  EXPECT_NE(PdfText(pdf).find("S199 "), std::string::npos);
+}
+
+TEST(Chart, ShowsTheStandards) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  const ProgramRun run = chanplan.Run({"chart", "plan.sig", "out.svg"});
+  EXPECT_EQ(run.Output, "");
+  EXPECT_EQ(run.Errors, "");
+  EXPECT_EQ(run.ExitStatus, 0);
+  const std::string chart = ReadFile(chanplan.Folder / "out.svg");
+  for (const char* part : {"<title id=\"title\">Channel plan: plan.sig</title>", ">Z\u00FCrich</text>",
+                           "<title>Z\u00FCrich(A): uplink 1850.2 to 2109.8 MHz</title>"})
+    EXPECT_NE(chart.find(part), std::string::npos) << part << " in " << chart;
+}
+
+TEST(Print, KnowsTwoPapers) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  const ProgramRun run = chanplan.Run({"print", "plan.sig", "out.pdf", "--paper", "a3"});
+  EXPECT_TRUE(run.Errors.starts_with("--paper: a3 not in {")) << run.Errors;
+  EXPECT_EQ(run.ExitStatus, 2);
+  EXPECT_FALSE(fs::exists(chanplan.Folder / "out.pdf"));
+}
+
+TEST(WhatIsWritten, MayGoToAPipe) {
+  for (const char* command : {"report", "print", "chart"}) {
+    const Chanplan chanplan;
+    WriteFile(chanplan.Folder / "plan.sig", Group);
+    const ProgramRun run = chanplan.Run({command, "plan.sig", "/dev/stdout"});
+    EXPECT_EQ(run.Errors, "") << command;
+    EXPECT_EQ(run.ExitStatus, 0) << command;
+    EXPECT_GT(run.Output.size(), 500u) << command;
+  }
+}
+
+}  // namespace
+}  // namespace chanplan::testing

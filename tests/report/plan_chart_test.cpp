@@ -1,0 +1,252 @@
+#include "report/plan_chart.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/core/table_of.h"
+#include "tests/report/svg_reader.h"
+
+namespace chanplan {
+namespace {
+
+using testing::NamedRow;
+using testing::ReadSvg;
+using testing::SvgElement;
+using testing::SvgFile;
+using testing::TableOf;
+using testing::TableOfNames;
+
+SignalStandardRecord Standard(std::string name, double uplink, double downlink, int channels, int subbands = 0) {
+  return {"2", subbands, std::move(name), uplink, downlink, 0, channels, 0.2, 0.2, 1};
+}
+
+SvgFile Chart(const std::vector<SignalStandardRecord>& rows, std::string_view caption = "x") {
+  return ReadSvg(ChartSvg(TableOf(rows), caption));
+}
+
+// Where the axis has its ticks.
+std::map<double, double> TicksOf(const SvgFile& file) {
+  std::map<double, double> ticks;
+  for (const SvgElement& tick : file.Of("text", "tick")) ticks[std::stod(tick.Text)] = tick.X;
+  return ticks;
+}
+
+// The elements of a kind, without the legend's sample.
+std::vector<SvgElement> Drawn(const SvgFile& file, const std::string& kind) {
+  auto elements = file.Of("rect", kind);
+  if (elements.empty()) throw std::runtime_error("the legend has no sample of " + kind);
+  elements.erase(elements.begin());
+  return elements;
+}
+
+constexpr double Pixel = 0.011;  // what rounding to hundredths leaves open
+
+TEST(Chart, DrawsBandsToTheAxissScale) {
+  const SvgFile file = Chart({Standard("A", 900, 945, 100), Standard("B", 910, 960, 200)});
+  const auto ticks = TicksOf(file);
+  const auto [low, left] = *ticks.begin();
+  const auto [high, right] = *ticks.rbegin();
+  const double scale = (right - left) / (high - low);
+  for (const auto& [megahertz, x] : ticks) EXPECT_NEAR(x, left + (megahertz - low) * scale, Pixel);
+  struct Case {
+    const char* Kind;
+    std::size_t Place;
+    double Low;
+    double High;
+    const char* Title;
+  };
+  for (const auto& [kind, place, bandLow, bandHigh, title] : {
+           Case{"uplink", 0, 900, 920, "A: uplink 900 to 920 MHz"},
+           Case{"downlink", 0, 945, 965, "A: downlink 945 to 965 MHz"},
+           Case{"uplink", 1, 910, 950, "B: uplink 910 to 950 MHz"},
+           Case{"downlink", 1, 960, 1000, "B: downlink 960 to 1000 MHz"},
+           Case{"shared", 0, 910, 920, "A: 910 to 920 MHz shared with other standards"},
+       }) {
+    const SvgElement band = Drawn(file, kind).at(place);
+    EXPECT_NEAR(band.X, left + (bandLow - low) * scale, Pixel) << title;
+    EXPECT_NEAR(band.Width, (bandHigh - bandLow) * scale, 2 * Pixel) << title;
+    EXPECT_EQ(band.Title, title);
+  }
+}
+
+TEST(Chart, LeavesWideGapsOutAndKeepsTheScale) {
+  const SvgFile file =
+      Chart({Standard("A", 450, 460, 40), Standard("B", 900, 945, 100), Standard("C", 2500, 2600, 200)});
+  const auto ticks = TicksOf(file);
+  EXPECT_EQ(ticks.count(1500), 0u);
+  for (auto tick = ticks.begin(); std::next(tick) != ticks.end(); ++tick)
+    EXPECT_GE(std::next(tick)->second - tick->second, 30) << "the labels at " << tick->first << " would touch";
+  std::vector<double> scales;
+  for (const auto& kind : {"uplink", "downlink"})
+    for (const SvgElement& band : Drawn(file, kind)) {
+      const std::string words = band.Title.substr(band.Title.find("link ") + 5);
+      const double low = std::stod(words);
+      const double high = std::stod(words.substr(words.find("to ") + 3));
+      scales.push_back(band.Width / (high - low));
+      const auto before = std::prev(ticks.upper_bound(low));
+      EXPECT_NEAR(band.X, before->second + (low - before->first) * scales.front(), 0.1) << band.Title;
+    }
+  EXPECT_EQ(scales.size(), 6u);
+  for (const double scale : scales) EXPECT_NEAR(scale, scales.front(), 0.01);
+  EXPECT_FALSE(file.Of("text", "note").empty());
+  EXPECT_EQ(file.Of("text", "note").front().Text, "MHz (wide gaps left out)");
+}
+
+TEST(Chart, HasTicksThatCanBeRead) {
+  struct Case {
+    double Low;
+    double High;
+    double Step;
+  };
+  for (const auto& [low, high, step] :
+       {Case{900, 900, 1}, Case{900.2, 900.4, 1}, Case{890, 914, 2}, Case{880, 960, 5}, Case{800, 1000, 10},
+        Case{700, 1100, 20}, Case{1000, 2000, 50}, Case{1, 9000, 500}}) {
+    const SignalStandardRecord record = {"2", 0, "A", low, 0, 0, 1, 0.2, high - low, 1};
+    const auto ticks = TicksOf(Chart({record}));
+    ASSERT_GE(ticks.size(), 2u) << low;
+    ASSERT_LE(ticks.size(), 22u) << low;
+    EXPECT_LE(ticks.begin()->first, low);
+    EXPECT_GE(ticks.rbegin()->first, high);
+    for (auto tick = ticks.begin(); std::next(tick) != ticks.end(); ++tick) {
+      EXPECT_NEAR(std::next(tick)->first - tick->first, step, 1e-9) << low;
+      EXPECT_GE(std::next(tick)->second - tick->second, 30) << "the labels would run into each other";
+    }
+  }
+}
+
+TEST(Chart, KeepsTheLabelsOfManyStretchesApart) {
+  std::vector<SignalStandardRecord> rows;
+  for (int place = 1; place <= 9; ++place) rows.push_back(Standard("A", place * 990 + 7, place * 990 + 27, 30));
+  const SvgFile file = Chart(rows);
+  const auto ticks = TicksOf(file);
+  EXPECT_GE(ticks.size(), 9u) << "every stretch is labelled";
+  for (auto tick = ticks.begin(); std::next(tick) != ticks.end(); ++tick)
+    EXPECT_GE(std::next(tick)->second - tick->second, 30) << tick->first;
+  for (const SvgElement& band : Drawn(file, "downlink")) EXPECT_LE(band.X + band.Width, ticks.rbegin()->second + 100);
+}
+
+TEST(Chart, HasALaneForEveryStandardWithItsSubbandsInIt) {
+  const SvgFile file = Chart({Standard("A", 890, 935, 1023, 2), Standard("A(A)", 890, 935, 100),
+                              Standard("A(B)", 880, 925, 40), Standard("B", 1800, 1900, 100)});
+  const auto labels = file.Of("text", "label");
+  ASSERT_EQ(labels.size(), 3u + 2u) << "three of the legend";
+  EXPECT_EQ(labels[3].Text, "A");
+  EXPECT_EQ(labels[4].Text, "B");
+  const auto uplinks = Drawn(file, "uplink");
+  const auto downlinks = Drawn(file, "downlink");
+  ASSERT_EQ(uplinks.size(), 3u);
+  EXPECT_EQ(uplinks[0].Title, "A(A): uplink 890 to 910 MHz");
+  EXPECT_EQ(uplinks[1].Title, "A(B): uplink 880 to 888 MHz");
+  EXPECT_EQ(uplinks[0].Y, uplinks[1].Y);
+  const SvgElement firstLane = file.Of("rect", "odd").at(0);
+  EXPECT_GE(uplinks[0].Y, firstLane.Y);
+  EXPECT_LE(downlinks[0].Y + downlinks[0].Height, firstLane.Y + firstLane.Height);
+  EXPECT_GT(uplinks[2].Y, firstLane.Y + firstLane.Height);
+  for (std::size_t place = 0; place < uplinks.size(); ++place)
+    EXPECT_GE(downlinks[place].Y, uplinks[place].Y + uplinks[place].Height) << "uplinks stand above downlinks";
+}
+
+TEST(Chart, CountsAndMarksWhatStandardsShare) {
+  const SvgFile none = Chart({Standard("A", 900, 945, 10), Standard("B", 905, 955, 10)});
+  EXPECT_EQ(none.Description, "shared with another standard: 0 pairs among 2 standards");
+  EXPECT_TRUE(Drawn(none, "shared").empty());
+
+  const SvgFile one = Chart({Standard("A", 900, 945, 100), Standard("B", 950, 990, 50)});
+  EXPECT_EQ(one.Description, "shared with another standard: 1 pair among 2 standards");
+  ASSERT_EQ(Drawn(one, "shared").size(), 2u);
+  EXPECT_EQ(Drawn(one, "shared")[0].Title, "A: 950 to 960 MHz shared with other standards");
+  EXPECT_GT(Drawn(one, "shared")[0].Y, Drawn(one, "downlink")[0].Y) << "below the downlink it belongs to";
+  EXPECT_LT(Drawn(one, "shared")[1].Y, Drawn(one, "uplink")[1].Y) << "above the uplink it belongs to";
+
+  const SvgFile all = Chart(std::vector(8, Standard("A", 900, 945, 10)));
+  EXPECT_EQ(all.Description, "shared with another standard: 28 pairs among 8 standards");
+}
+
+TEST(Chart, SaysInWordsWhatALaneShows) {
+  const SvgFile file = Chart({Standard("A", 900, 0, 10), Standard("B", 800, 901, 20), Standard("C", 0, 0, 20)});
+  EXPECT_EQ(file.Title, "Channel plan: x");
+  EXPECT_EQ(file.Lanes, (std::vector<std::string>{
+                            "A; uplink 900 to 902 MHz; shares carriers with B",
+                            "B; uplink 800 to 804 MHz; downlink 901 to 905 MHz; shares carriers with A", "C"}));
+  std::vector<SignalStandardRecord> many;
+  for (const char* name : {"A", "B", "C", "D", "E", "F", "G", "H"}) many.push_back(Standard(name, 900, 0, 10));
+  EXPECT_EQ(Chart(many).Lanes.front(), "A; uplink 900 to 902 MHz; shares carriers with B, C, D, E, F and 2 more");
+}
+
+TEST(Chart, ShowsEveryCharacterThatXmlCanHold) {
+  std::string name;
+  for (int code = 1; code < 256; ++code)
+    if (code != '\n' && code != '\t') name += static_cast<char>(code);
+  std::u32string expected;
+  for (int code = 1; code < 256; ++code)
+    if (code != '\n' && code != '\t') expected += code < 32 ? U'\uFFFD' : static_cast<char32_t>(code);
+  const std::string text = Chart({Standard(name, 900, 945, 1)}).Lanes.front();
+  const std::u32string read = QString::fromStdString(text.substr(0, text.find("; uplink"))).toStdU32String();
+  ASSERT_EQ(read.size(), expected.size());
+  for (std::size_t place = 0; place < read.size(); ++place)
+    if (expected[place] < 0x80 || expected[place] > 0x9F) {
+      EXPECT_EQ(read[place], expected[place]);
+    }
+  EXPECT_EQ(Chart({Standard("<a&b>\"'\x80", 900, 0, 1)}).Of("text", "label").back().Text, "<a&b>\"'€");
+  EXPECT_EQ(Chart({}, "</svg>&\xFF\x01\xEF\xBF\xBE Łódź").Title, "Channel plan: </svg>&\uFFFD\uFFFD\uFFFD Łódź");
+}
+
+TEST(Chart, CutsWhatIsTooLongForItsPlace) {
+  const std::string longName(200, 'n');
+  const SvgFile file = Chart({Standard(longName, 900, 945, 1)}, std::string(300, 'f') + "/plan.sig");
+  EXPECT_EQ(file.Of("text", "label").back().Text, longName.substr(0, 29) + "…");
+  EXPECT_EQ(file.Of("text", "caption").front().Text, "…" + std::string(110, 'f') + "/plan.sig");
+  EXPECT_TRUE(file.Lanes.front().starts_with(longName + ";")) << "the words have room for it";
+}
+
+TEST(Chart, DrawsTablesWithoutFrequencies) {
+  for (const auto& rows :
+       {std::vector<SignalStandardRecord>{}, {Standard("A", 0, 0, 10)}, {Standard("A", -9, 9500, 10)}}) {
+    const SvgFile file = Chart(rows);
+    EXPECT_TRUE(Drawn(file, "uplink").empty());
+    EXPECT_TRUE(file.Of("text", "tick").empty());
+    const auto notes = file.Of("text", "note");
+    ASSERT_EQ(notes.size(), rows.size());
+    for (const SvgElement& note : notes) EXPECT_EQ(note.Text, "no frequencies from 0 to 9000 MHz");
+  }
+}
+
+TEST(Chart, ShowsEvenOneCarrier) {
+  const SvgFile file = Chart({Standard("A", 900, 0, 0), Standard("B", 8000, 0, 0)});
+  for (const SvgElement& band : Drawn(file, "uplink")) EXPECT_GE(band.Width, 2);
+}
+
+TEST(Chart, RepeatsTheAxisOverMany) {
+  struct Case {
+    int Standards;
+    std::size_t Axes;
+  };
+  for (const auto& [standards, axes] : {Case{1, 2}, Case{30, 2}, Case{31, 3}, Case{200, 8}}) {
+    const SvgFile file =
+        ReadSvg(ChartSvg(TableOfNames(std::vector<std::string>(static_cast<std::size_t>(standards), "A")), "x"));
+    EXPECT_EQ(file.Of("text", "note").size(), axes) << standards;
+    EXPECT_EQ(file.Lanes.size(), static_cast<std::size_t>(standards));
+    double bottom = 0;
+    for (const SvgElement& band : Drawn(file, "downlink")) {
+      EXPECT_GT(band.Y, bottom) << "lanes do not cover each other";
+      bottom = band.Y + band.Height;
+    }
+    EXPECT_LT(bottom, file.Height);
+  }
+}
+
+TEST(Chart, KeepsToItself) {
+  const std::string svg = ChartSvg(TableOfNames({"A"}), "x");
+  for (const char* foreign : {"<script", "href", "@import", "on load", "http"}) {
+    const std::size_t found = svg.find(foreign, svg.find("xmlns=") + 40);
+    EXPECT_EQ(found, std::string::npos) << foreign;
+  }
+  EXPECT_NE(svg.find("prefers-color-scheme: dark"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace chanplan
