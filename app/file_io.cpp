@@ -62,7 +62,7 @@ void PromptOpenFileName(frmMain& frame) {
 QString PromptSaveFileName(frmMain& frame, const QString& proposedName, const QString& fileType) {
   QFileDialog dialog(&frame);
   SetUp(dialog, frame, QFileDialog::AcceptSave, fileType == ".sig" ? TableFiles : ReportFiles);
-  dialog.setDefaultSuffix(fileType);
+  dialog.setDefaultSuffix(proposedName.endsWith(".htm") ? ".htm" : fileType);  // reports are asked for as tables are
   dialog.selectFile(proposedName);
   return ChosenFile(dialog);
 }

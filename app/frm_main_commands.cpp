@@ -9,6 +9,8 @@
 #include "app/frm_main.h"
 #include "app/messages.h"
 #include "core/sig_file.h"
+#include "editor/default_printer.h"
+#include "report/html_report.h"
 
 namespace chanplan {
 namespace {
@@ -46,9 +48,27 @@ void frmMain::mnuFileSaveAs_Click() {
   UpdateRecentFiles(*this, path);
 }
 
-void frmMain::mnuFileReport_Click() {}
+void frmMain::mnuFileReport_Click() {
+  const QPointer<DocumentWindow> document = ActiveDocument();
+  if (document == nullptr) return;
+  const std::string proposed = ProposedReportName(document->windowTitle().toStdString());
+  const QString path = PromptSaveFileName(QString::fromStdString(proposed), ".sig");
+  if (path.isEmpty() || document == nullptr) return;
+  if (document->SigReport(path)) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
 
-void frmMain::mnuFilePrint_Click() {}
+void frmMain::mnuFilePrint_Click() {
+  const QPointer<DocumentWindow> document = ActiveDocument();
+  if (document == nullptr) return;
+  const QString printer = DefaultPrinterName();
+  if (printer.isEmpty())
+    return ShowMessage(*this, "There is no default printer: choose one in the system's settings.", "Print",
+                       QMessageBox::Warning);
+  QMessageBox box(QMessageBox::NoIcon, "Print", "Print Signal Standard list to default printer?\n[" + printer + "]",
+                  QMessageBox::Ok | QMessageBox::Cancel, this);
+  box.setTextFormat(Qt::PlainText);
+  if (box.exec() == QMessageBox::Ok && document != nullptr) document->PrintSigs();
+}
 
 void frmMain::menuFileDefault_Click() {
   const QString path = app.ProgramFolder + "/" + Latin(FactoryFileName);

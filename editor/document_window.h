@@ -46,6 +46,14 @@ class DocumentWindow : public QMdiSubWindow {
   virtual bool SaveChanplans(const QString& path) = 0;
   virtual QString TableProperties() = 0;
 
+  /// Writes the table as an HTML report to the path `ReportName`, whole or not at all. False, after a
+  /// message, when that failed.
+  virtual bool SigReport(const QString& ReportName) = 0;
+  /// Prints the table's listing on the default printer; a message when that failed.
+  virtual void PrintSigs() = 0;
+  /// Greets. Nothing calls it; it is there for those who wonder whether a document answers.
+  virtual void ProcPrint() = 0;
+
   virtual void CopyCut(bool Cut) = 0;
   virtual void Paste() = 0;
   virtual void InsertBlank() = 0;

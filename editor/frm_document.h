@@ -33,6 +33,9 @@ class frmDocument : public DocumentWindow {
   bool LoadSigStandards(const QString& path) override;
   bool SaveChanplans(const QString& path) override;
   QString TableProperties() override;
+  bool SigReport(const QString& ReportName) override;
+  void PrintSigs() override;
+  void ProcPrint() override;
   void CopyCut(bool Cut) override;
   void Paste() override;
   void InsertBlank() override;

@@ -1,4 +1,4 @@
-// The document window: loading, saving, properties and closing.
+// The document window: loading, saving, properties, report, printing and closing.
 #include <QCloseEvent>
 #include <QLocale>
 #include <QMessageBox>
@@ -6,8 +6,11 @@
 
 #include "core/sig_file.h"
 #include "core/table_properties.h"
+#include "editor/default_printer.h"
 #include "editor/frm_document.h"
 #include "editor/text_edge.h"
+#include "report/html_report.h"
+#include "report/listing.h"
 
 namespace chanplan {
 namespace {
@@ -66,6 +69,30 @@ bool frmDocument::SaveChanplans(const QString& path) {
 QString frmDocument::TableProperties() {
   CommitEdit();
   return ToText(chanplan::TableProperties(table, windowTitle().toStdString()));
+}
+
+bool frmDocument::SigReport(const QString& ReportName) {
+  CommitEdit();
+  const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());
+  if (error)
+    QMessageBox::critical(this, "Error Saving Report",
+                          ReportName + ": " + QString::fromLocal8Bit(error.message().c_str()));
+  return !error;
+}
+
+void frmDocument::PrintSigs() {
+  CommitEdit();
+  try {
+    const BusyPointer busy(*this);
+    PrintOnDefaultPrinter(windowTitle(),
+                          [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
+  } catch (const PrintFailure& failure) {
+    QMessageBox::critical(this, "Print", "The listing was not printed: " + ToText(failure.what()) + ".");
+  }
+}
+
+void frmDocument::ProcPrint() {
+  QMessageBox(QMessageBox::NoIcon, frame.ApplicationTitle(), "Hello!!", QMessageBox::Ok, this).exec();
 }
 
 bool frmDocument::AskToSave() {

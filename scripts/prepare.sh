@@ -1,14 +1,15 @@
 # Sourced by ./run and ./test: installs what is missing on Debian 12 and configures the build.
 
 packages=(
-  g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcli11-dev libgtest-dev libbenchmark-dev
+  g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev libcli11-dev libgtest-dev libbenchmark-dev
   xvfb xauth fonts-dejavu-core # a screen and letters where there are none
-  fonts-liberation poppler-utils # letters as wide as Arial's for printing; tests read PDF files back
+  fonts-liberation             # letters as wide as Arial's, for printing
 )
 
+# install_missing_packages [PACKAGE...]: these and the ones above
 install_missing_packages() {
   local missing=() package
-  for package in "${packages[@]}"; do
+  for package in "${packages[@]}" "$@"; do
     dpkg-query --show --showformat='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return

@@ -2,6 +2,7 @@
 // dialogs, prints a line for each step and leaves a picture of each in FOLDER. It fails at the first
 // step that does not come out as it must.
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFontDatabase>
@@ -29,6 +30,7 @@
 #include "core/sig_file.h"
 #include "core/table_difference.h"
 #include "editor/frm_document.h"
+#include "tests/app/browser.h"
 #include "unit/qt_serial_port.h"
 
 namespace chanplan {
@@ -47,6 +49,7 @@ class Tour {
     CopyAStandardToAnotherDocument();
     SaveIt();
     ReopenAndCompare();
+    WriteAReport();
     UploadItToTheUnit();
     AppendAnotherTable();
     DownloadAndCompare();
@@ -109,7 +112,7 @@ class Tour {
   void SaveIt() {
     Click(Details(), 4);
     TypeOver("890.2");
-    InDialog<QFileDialog>([this](QFileDialog& dialog) { EnterFileName(dialog); },
+    InDialog<QFileDialog>([this](QFileDialog& dialog) { EnterFileName(dialog, SavedFile()); },
                           [this] { Menu("mnuFile", "mnuFileSave"); });
     Must(Document().windowTitle() == SavedFile(), "the caption is the file's path");
     Must(QFile::exists(SavedFile()), "the file is there");
@@ -119,7 +122,7 @@ class Tour {
   void ReopenAndCompare() {
     const SignalStandardTable saved = LoadSigFile(SavedFile().toStdString()).Table;
     Menu("mnuFile", "mnuFileClose");
-    InDialog<QFileDialog>([this](QFileDialog& dialog) { EnterFileName(dialog); },
+    InDialog<QFileDialog>([this](QFileDialog& dialog) { EnterFileName(dialog, SavedFile()); },
                           [this] { Menu("mnuFile", "mnuFileOpen"); });
     Must(Document().windowTitle() == SavedFile(), "the file is open again");
     Must(Details().CellText(4, 1) == "890.2000", "the edited frequency is there");
@@ -127,6 +130,18 @@ class Tour {
     Document().SaveChanplans(copy);
     Must(TableDifferences(saved, LoadSigFile(copy.toStdString()).Table).empty(), "both tables are alike");
     Done("Reopen it and compare");
+  }
+
+  void WriteAReport() {
+    Browser browser;
+    QDesktopServices::setUrlHandler("file", &browser, "Open");
+    const QString report = folder + "/tour.htm";
+    InDialog<QFileDialog>([&](QFileDialog& dialog) { EnterFileName(dialog, report); },
+                          [this] { Menu("mnuFile", "mnuFileReport"); });
+    QDesktopServices::unsetUrlHandler("file");
+    Must(browser.Opened == QList<QUrl>{QUrl::fromLocalFile(report)}, "the report is opened in the viewer");
+    Must(QFile(report).size() > 500, "the report is there");
+    Done("Write a report");
   }
 
   void UploadItToTheUnit() {
@@ -253,10 +268,10 @@ class Tour {
     Must(answered, "a dialog came up");
   }
 
-  void EnterFileName(QFileDialog& dialog) {
+  void EnterFileName(QFileDialog& dialog, const QString& path) {
     auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
     name->selectAll();
-    QTest::keyClicks(name, SavedFile());
+    QTest::keyClicks(name, path);
     Picture(dialog.acceptMode() == QFileDialog::AcceptSave ? "save-dialog" : "open-dialog");
     QTest::keyClick(name, Qt::Key_Return);
   }
@@ -299,7 +314,7 @@ int main(int argc, char* argv[]) {
   }
   const QString folder = QDir(argv[1]).absolutePath();
   QDir().mkpath(folder);
-  QFile::remove(folder + "/tour.sig");
+  for (const char* file : {"/tour.sig", "/copy.sig", "/tour.htm"}) QFile::remove(folder + file);
   // A profile of its own, in which the simulated unit is COM 1.
   const QString unitLink = folder + "/unit";
   qputenv("XDG_CONFIG_HOME", (folder + "/profile").toUtf8());

@@ -4,6 +4,7 @@
 
 #include "app/icons.h"
 #include "tests/app/app_fixture.h"
+#include "tests/app/browser.h"
 
 using namespace chanplan;
 using namespace chanplan::testing;
@@ -37,15 +38,6 @@ class PaintCounter : public QObject {
     Paints += event->type() == QEvent::Paint;
     return false;
   }
-};
-
-class Browser : public QObject {
-  Q_OBJECT
-
- public:
-  QList<QUrl> Opened;
- public slots:
-  void Open(const QUrl& url) { Opened += url; }
 };
 
 }  // namespace
@@ -408,5 +400,3 @@ TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
   EXPECT_EQ(pictures.size(), static_cast<std::size_t>(keys.size()));
   EXPECT_TRUE(DrawnIcon("Calculator").isNull());
 }
-
-#include "main_frame_test.moc"

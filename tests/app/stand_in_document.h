@@ -39,6 +39,12 @@ class StandInDocument : public DocumentWindow {
     Calls += "TableProperties";
     return "Record count:     \t8 of 200\r\nSignal Standards: \t3";
   }
+  bool SigReport(const QString& ReportName) override {
+    Calls += "SigReport " + ReportName;
+    return Saves;
+  }
+  void PrintSigs() override { Calls += "PrintSigs"; }
+  void ProcPrint() override { Calls += "ProcPrint"; }
   void CopyCut(bool Cut) override { Calls += Cut ? "CopyCut true" : "CopyCut false"; }
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }

@@ -1,0 +1,41 @@
+// A print queue of the test's own: a CUPS server that writes what is printed into a file.
+#pragma once
+
+#include <QProcess>
+#include <optional>
+#include <string>
+
+#include "tests/core/temp_folder.h"
+
+namespace chanplan::testing {
+
+/// Is the default printer of this process while it lives, with nothing else to print on.
+class PrintQueue {
+ public:
+  PrintQueue();
+  ~PrintQueue();
+
+  /// Why there is no queue here; nothing when there is one.
+  const std::optional<std::string>& WhyNot() const { return whyNot; }
+
+  /// What was printed, once it is whole; empty when nothing comes.
+  std::string Printed() const;
+  /// Documents that were sent to it so far.
+  int Documents() const;
+  void Reject();
+
+ private:
+  void Start();
+
+  TempFolder folder;
+  QProcess server;
+  std::optional<std::string> whyNot;
+};
+
+/// Nothing to print on, for as long as this lives.
+class NoPrinters {
+ public:
+  NoPrinters();
+};
+
+}  // namespace chanplan::testing
