@@ -281,7 +281,7 @@ class Tour {
   }
 
   void Done(const QString& step) {
-    Picture(step.section(' ', 0, 2).toLower().replace(' ', '-'));
+    Picture(step.section(' ', 0, 2).toLower().remove('\'').replace(' ', '-'));
     std::puts((step + ": done").toUtf8().constData());
   }
 
