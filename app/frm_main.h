@@ -64,6 +64,7 @@ class frmMain : public QMainWindow, public FrameOperations {
   void Ended();
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;

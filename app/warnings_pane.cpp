@@ -87,8 +87,8 @@ void WarningsPane::Fill(const QString& WarningText, int SelIndex) {
   emit CountChanged(NumberText(count()) + " warnings.");
   if (oldIndex < count() && SelIndex == -1)
     Select(oldIndex);
-  else if (SelIndex < count())
-    Select(SelIndex);
+  else
+    Select(SelIndex < count() ? SelIndex : -1);
 }
 
 int WarningsPane::SelectedIndex() const {

@@ -170,6 +170,12 @@ void frmDocument::ConnectGrids() {
   });
 }
 
+// The window itself has nothing to do for keys.
+void frmDocument::focusInEvent(QFocusEvent* event) {
+  DocumentWindow::focusInEvent(event);
+  ActiveGrid->setFocus();
+}
+
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
   if (watched == area && event->type() == QEvent::Resize) LayOut();
   if ((watched == cmboSelected || watched == cmboModType) && event->type() == QEvent::FocusOut) {

@@ -41,6 +41,7 @@ class frmDocument : public DocumentWindow {
   void SetTable() override;
 
  protected:
+  void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -1,4 +1,5 @@
 // The document window: loading, saving, properties and closing.
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLocale>
 #include <QMessageBox>
@@ -84,7 +85,8 @@ bool frmDocument::AskToSave() {
 }
 
 void frmDocument::closeEvent(QCloseEvent* event) {
-  if (closing) return event->ignore();  // the question is on the screen
+  // A message box is on the screen, which is to be answered first: it belongs to this window.
+  if (closing || QApplication::activeModalWidget() != nullptr) return event->ignore();
   const QScopedValueRollback asking(closing, true);
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
