@@ -6,6 +6,8 @@
 #include <QStyledItemDelegate>
 #include <QTextLayout>
 
+#include "editor/muted_selection.h"
+
 namespace chanplan {
 namespace {
 
@@ -117,6 +119,11 @@ void WarningsPane::Click() {
 void WarningsPane::ShowPosition() {
   if (const int index = SelectedIndex(); index >= 0)
     emit CountChanged(NumberText(index + 1) + " of" + NumberText(count()) + " warnings.");
+}
+
+void WarningsPane::initViewItemOption(QStyleOptionViewItem* option) const {
+  QListWidget::initViewItemOption(option);
+  MuteSelection(*option, *this);
 }
 
 // A click on the line that is selected already is a click too.

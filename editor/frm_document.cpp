@@ -97,8 +97,8 @@ void frmDocument::BuildGrids() {
   for (int row = 0; row < GridDetails->rowCount(); ++row) {
     GridDetails->FillCell(row, 0, DetailRows[static_cast<std::size_t>(row)].Title);
     GridDetails->item(row, 0)->setFlags(Qt::ItemIsEnabled);
-    GridDetails->item(row, 0)->setBackground(palette().button());
   }
+  ColourTitles();
   GridDetails->resize(0, GridDetails->rowCount() * rowHeight + 2 * GridDetails->frameWidth());
   GridDetails->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
@@ -121,6 +121,18 @@ void frmDocument::BuildGrids() {
     QWidget::setTabOrder(former, next);
     former = next;
   }
+}
+
+void frmDocument::ColourTitles() {
+  for (int row = 0; row < GridDetails->rowCount(); ++row) {
+    GridDetails->item(row, 0)->setBackground(palette().button());
+    GridDetails->item(row, 0)->setForeground(palette().buttonText());
+  }
+}
+
+void frmDocument::changeEvent(QEvent* event) {
+  DocumentWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ColourTitles();
 }
 
 void frmDocument::BuildEditors() {
@@ -212,6 +224,8 @@ int frmDocument::SelectedIndex() const {
   return row < 0 ? -1 : GridList->CellText(row, 2).toInt();
 }
 
+int frmDocument::SubbandRows() const { return GroupEnd(table, shownIndex) - shownIndex - 1; }
+
 void frmDocument::FillStandardList() {
   const QScopedValueRollback suppressed(SuppressListEvents, true);
   GridList->setUpdatesEnabled(false);
@@ -244,7 +258,7 @@ void frmDocument::ShowSelectedStandard() {
 
 void frmDocument::ShowStandard() {
   ShowDetails(table.Row(shownIndex));
-  ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
+  ShowBands(shownIndex, SubbandRows());
 }
 
 void frmDocument::ShowDetails(const SignalStandardRecord& standard) {

@@ -41,6 +41,7 @@ class frmDocument : public DocumentWindow {
   void SetTable() override;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -48,6 +49,7 @@ class frmDocument : public DocumentWindow {
  private:
   // Set-up and layout
   void BuildGrids();
+  void ColourTitles();
   void BuildEditors();
   void ConnectGrids();
   void ConnectEditors();
@@ -63,6 +65,8 @@ class frmDocument : public DocumentWindow {
   void RefillAfterEdit();
   void ListRowChanged();
   int SelectedIndex() const;
+  /// Rows that the shown standard has for sub-bands; a damaged count promises another number.
+  int SubbandRows() const;
 
   // Cell editing
   void BeginCellEdit(qint16 keyCode);

@@ -1,7 +1,6 @@
 // The document window: editing cells and writing them back into the table.
 #include <QFocusEvent>
 #include <QLocale>
-#include <QMessageBox>
 #include <QScopedValueRollback>
 
 #include "core/lenient_number.h"
@@ -46,8 +45,12 @@ void frmDocument::ConnectEditors() {
   connect(txtEntry, &EntryBox::FocusLost, this, &frmDocument::CloseEntry);
   connect(txtEntry, &EntryBox::Stepped, this, [this](int direction) {
     if (ActiveGrid != GridDetails || GridDetails->currentRow() != SubbandsRow) return;
-    const int typed = static_cast<int>(LeadingNumber(BytesOf(txtEntry->text())));
-    if (SetSubbandCount(typed)) SetSubbandCount(qMax(0, typed + direction));
+    // A damaged count, as long as nobody has typed over it, gives way to what there is.
+    const int former = txtEntry->text() == OriginalCellText
+                           ? SubbandRows()
+                           : static_cast<int>(LeadingNumber(BytesOf(txtEntry->text())));
+    if (SetSubbandCount(former)) SetSubbandCount(qMax(0, former + direction));
+    ShowStandard();
     OriginalCellText = GridDetails->CellText(SubbandsRow, 1);
     txtEntry->SetContent(OriginalCellText);
   });

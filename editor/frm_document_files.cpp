@@ -2,12 +2,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QLocale>
-#include <QMessageBox>
 #include <QScopedValueRollback>
 
 #include "core/sig_file.h"
 #include "core/table_properties.h"
 #include "editor/frm_document.h"
+#include "editor/messages.h"
 #include "editor/text_edge.h"
 
 namespace chanplan {
@@ -36,10 +36,10 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   if (!outcome.Ok()) {
     FillStandardList();
     ShowSelectedStandard();
-    QMessageBox::critical(this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
+    ShowFailure(*this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
     return false;
   }
-  if (outcome.Truncated) QMessageBox::critical(this, "File Error", ToText(FileTruncatedText));
+  if (outcome.Truncated) ShowFailure(*this, "File Error", ToText(FileTruncatedText));
   setWindowTitle(ToText(CaptionOfFile(PathOf(path))));
   ValidateTable();
   FillStandardList();
@@ -55,7 +55,7 @@ bool frmDocument::SaveChanplans(const QString& path) {
   // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
   const char separator = QLocale().decimalPoint() == "," ? ',' : '.';
   if (const std::error_code error = SaveSigFile(PathOf(path), table, separator)) {
-    QMessageBox::critical(this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
+    ShowFailure(*this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
     return false;
   }
   setWindowTitle(path);
@@ -70,10 +70,9 @@ QString frmDocument::TableProperties() {
 
 bool frmDocument::AskToSave() {
   const QString caption = windowTitle();
-  const auto answer =
-      QMessageBox::warning(this, frame.ApplicationTitle(),
-                           "The contents in [" + caption + "] has changed.\nDo you want to save the changes?",
-                           QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+  const auto answer = Ask(*this, QMessageBox::Warning, frame.ApplicationTitle(),
+                          "The contents in [" + caption + "] has changed.\nDo you want to save the changes?",
+                          QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
   if (answer == QMessageBox::No) return true;
   if (answer != QMessageBox::Yes) return false;
   QString path = caption;

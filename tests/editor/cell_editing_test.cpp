@@ -852,6 +852,22 @@ TEST_F(CellEditing, StepStopsAt199Records) {
   EXPECT_FALSE(document.State->Changed);
 }
 
+TEST_F(CellEditing, StepGoesOnFromTheBandsThereAreWhereTheCountIsDamaged) {
+  for (const auto& [damaged, key, expected] : std::vector<std::tuple<int, Qt::Key, int>>{
+           {500, Qt::Key_Up, 2}, {500, Qt::Key_Down, 0}, {-3, Qt::Key_Up, 1}, {-3, Qt::Key_Down, 0}}) {
+    Rows rows = {NamedRow("A", damaged)};
+    if (damaged > 0) rows.push_back(Band(1, 2, 3, 4));
+    const Document document = Open(rows);
+    document.DoubleClick(document.Details, SubbandsRow);
+    Press(key);
+    EXPECT_EQ(document.Box->text(), QString::number(expected)) << damaged;
+    EXPECT_EQ(document.Detail(SubbandsRow), QString::number(expected)) << damaged;
+    EXPECT_EQ(document.Bands->rowCount(), expected) << damaged;
+    EXPECT_EQ(TableIn(document).Row(0).Subbands, expected) << damaged;
+    EXPECT_TRUE(document.State->Changed) << damaged;
+  }
+}
+
 TEST_F(CellEditing, StepKeysDoNothingInOtherCells) {
   const Document document = Open(Group("A", 1));
   document.DoubleClick(document.Details, StopRow);
