@@ -1,5 +1,6 @@
 #include "editor/messages.h"
 
+#include <QGuiApplication>
 #include <QLabel>
 
 namespace chanplan {
@@ -11,7 +12,11 @@ QMessageBox::StandardButton Ask(QWidget& owner, QMessageBox::Icon icon, const QS
   // Columns behind TABs stay columns.
   for (QLabel* label : box.findChildren<QLabel*>())
     label->setAlignment(label->alignment() | static_cast<Qt::Alignment>(Qt::TextExpandTabs));
-  return static_cast<QMessageBox::StandardButton>(box.exec());
+  const bool busy = QGuiApplication::overrideCursor() != nullptr;
+  if (busy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);  // the program waits for the user
+  const int answer = box.exec();
+  if (busy) QGuiApplication::restoreOverrideCursor();
+  return static_cast<QMessageBox::StandardButton>(answer);
 }
 
 }  // namespace chanplan

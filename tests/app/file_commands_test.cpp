@@ -112,7 +112,11 @@ TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
   Start();
   Choose("mnuFileNew");
   AnswerFileDialog(InFolder("bad.sig"));
-  AnswerMessage();
+  Answer([this](QWidget& box) {
+    messages.push_back({box.windowTitle(), dynamic_cast<QMessageBox&>(box).text(), QMessageBox::Critical});
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::ArrowCursor) << "nobody waits for the program";
+    QTest::keyClick(&box, Qt::Key_Return);
+  });
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"Chanplans", "Error loading " + InFolder("bad.sig"), QMessageBox::Critical}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2"}));

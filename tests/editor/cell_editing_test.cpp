@@ -503,6 +503,19 @@ TEST_F(CellEditing, SubbandsAreRenamedWithTheirStandard) {
   EXPECT_EQ(NamesIn(document), (std::vector<std::string>{"DCS", "DCS(A)", "DCS(B)"}));
 }
 
+TEST_F(CellEditing, NameWithCharactersThatCannotBeTypedKeepsThem) {
+  const std::string name = "Gr\xFC\xDF\x80\x81\xA0\xFF";
+  const Document document = Open({NamedRow("A"), NamedRow(name)});
+  document.Window->FindSSEntry(document.ListName(1));
+  EXPECT_EQ(document.List->currentRow(), 1);
+  document.DoubleClick(document.Details, NameRow);
+  Press(Qt::Key_End);
+  Type("x");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(NamesIn(document), (std::vector<std::string>{"A", name + "x"}));
+  EXPECT_EQ(RowNames(SavedTable(document)), (std::vector<std::string>{"A", name + "x"}));
+}
+
 TEST_F(CellEditing, NameThatWasCutIsGoneFromTheListOnceItIsStored) {
   const Document document = Open(Standards(2));
   document.Click(document.Details, NameRow);
