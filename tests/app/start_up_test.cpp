@@ -139,17 +139,20 @@ TEST_F(StartUp, UnreadableSettingsAreNamedOnceAndTheirDefaultsUsed) {
   SetStored("Settings/MainState", "7");
   AnswerMessage();
   Start();
+  const int screenWidth = QGuiApplication::primaryScreen()->size().width();
   ASSERT_EQ(messages.size(), 1U);
   EXPECT_EQ(
       messages.front().Text,
       "In section \"Settings\" of your settings, \"MainLeft\" is \"left\", which is not a number from -1000000 to "
-      "1000000. Its default, 600, is used.\n\n"
-      "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
-      "Its default, 0, is used.\n\n"
-      "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
-      "32767. Its default, 1, is used.");
+      "1000000. Its default, " +
+          QString::number(screenWidth * 15 / 20.0) +  // twips
+          ", is used.\n\n"
+          "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
+          "Its default, 0, is used.\n\n"
+          "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
+          "32767. Its default, 1, is used.");
   EXPECT_EQ(app->Link.CommPort, 1);
-  EXPECT_EQ(Frame().x(), 40);
+  EXPECT_EQ(Frame().x(), qRound(screenWidth / 20.0));
   EXPECT_FALSE(Frame().isMaximized());
 }
 
