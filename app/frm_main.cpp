@@ -126,6 +126,7 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
 
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
+  if (event->spontaneous()) return;  // the user is back from another desktop or from an icon
   for (QMdiSubWindow* document : documents->subWindowList()) KeepCornerInSight(*document);
 }
 

@@ -152,7 +152,11 @@ void frmDocument::BuildEditors() {
 
 void frmDocument::ConnectGrids() {
   for (Grid* grid : {GridList, GridDetails, GridBands}) {
-    connect(grid, &Grid::FocusGained, this, [this, grid] { ActiveGrid = grid; });
+    connect(grid, &Grid::FocusGained, this, [this, grid] {
+      // In a window that was not the active one, an editor is left without losing the focus.
+      if (txtEntry->isVisible() || cmboSelected->isVisible() || cmboModType->isVisible()) CommitEdit();
+      ActiveGrid = grid;
+    });
     connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
     connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
   }

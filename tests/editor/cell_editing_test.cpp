@@ -340,6 +340,42 @@ TEST_F(CellEditing, AnotherWindowOnTheScreenLeavesTheBoxOpen) {
   EXPECT_EQ(document.Detail(UplinkRow), "901");
 }
 
+TEST_F(CellEditing, EditorsCloseWhenTheUserComesBackToAnotherGrid) {
+  const Document document = Open(Standards(1));
+  for (const int row : {int{UplinkRow}, int{ModulationRow}}) {
+    if (row == UplinkRow) {
+      document.Overwrite(row, "901");
+    } else {
+      document.Click(document.Details, row);
+      Press(Qt::Key_Home);
+    }
+    {
+      QWidget program;
+      program.show();
+      program.activateWindow();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+      document.List->setFocus();
+      EXPECT_FALSE(NothingOpen(document));
+    }
+    EXPECT_EQ(FocusWindow(), window.windowHandle());
+    EXPECT_TRUE(document.List->hasFocus());
+    EXPECT_TRUE(NothingOpen(document)) << row;
+  }
+  EXPECT_EQ(TableIn(document).Row(0).UplinkStartFreq, 901);
+  EXPECT_EQ(TableIn(document).Row(0).State, "0");
+}
+
+TEST_F(CellEditing, LimitMessageComesInTheMiddleOfAClickElsewhere) {
+  const Document document = Open(Standards(199));
+  document.Overwrite(SubbandsRow, "1");
+  answers.Give(QMessageBox::Ok);
+  document.Click(document.List, 5);
+  EXPECT_EQ(answers.Seen, std::vector{LimitReached});
+  EXPECT_TRUE(NothingOpen(document));
+  EXPECT_EQ(document.Detail(NameRow), "S6");
+  EXPECT_EQ(SavedTable(document), TableOf(Standards(199)));
+}
+
 TEST_F(CellEditing, BoxFollowsItsCellWhenTheGridIsScrolled) {
   const Document document = Open(Group("A", 40));
   document.Window->resize(900, 500);
