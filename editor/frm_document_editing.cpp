@@ -1,6 +1,7 @@
 // The document window: editing cells and writing them back into the table.
 #include <QFocusEvent>
 #include <QLocale>
+#include <QMdiArea>
 #include <QScopedValueRollback>
 
 #include "core/lenient_number.h"
@@ -238,7 +239,8 @@ void frmDocument::ValidateTable() {
   std::vector<std::string> names;
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
   warningsText = TextOf(chanplan::ValidateTable(table, names));
-  frame.Warnings(warningsText, -1);
+  // The frame shows the active document's warnings, and fetches these when this becomes it.
+  if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
 }
 
 }  // namespace chanplan

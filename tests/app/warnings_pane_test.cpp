@@ -221,6 +221,20 @@ TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
   EXPECT_EQ(Lines(), QStringList({"two"}));
 }
 
+TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherIsValidated) {
+  WriteFile(folder / "doubtful.sig", "header\r\n2\t1\tDCS\t9850\t1805.2\t512\t885\t0.2\t0.2\t1\r\n");
+  Start({InFolder("doubtful.sig"), Table("b.sig")});
+  app->Document(1)->GetTable();
+  EXPECT_EQ(Lines(), QStringList());
+  app->DocumentStates[0].Changed = true;
+  AnswerMessage(QMessageBox::Cancel);
+  EXPECT_FALSE(app->Document(1)->close());
+  EXPECT_EQ(Lines(), QStringList());
+  Frame().ShowDocument(*app->Document(1));
+  EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
+  app->DocumentStates[0].Changed = false;
+}
+
 TEST_F(Pane, FieldsStandAtTheTabStops) {
   StartWithStandIns();
   const auto width = [this](const QString& line) {
