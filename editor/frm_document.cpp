@@ -71,6 +71,7 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
 frmDocument::~frmDocument() {
   SuppressListEvents = true;
   disconnect(this, &QMdiSubWindow::windowStateChanged, this, nullptr);
+  for (QComboBox* choice : {cmboSelected, cmboModType}) choice->removeEventFilter(this);
   delete area;
 }
 

@@ -393,6 +393,14 @@ TEST_F(DocumentLifecycle, DocumentMayBeDestroyedInTheMiddleOfAnEdit) {
   EXPECT_EQ(mdi->subWindowList().size(), 0);
 }
 
+TEST_F(DocumentLifecycle, DocumentMayBeDestroyedWhileAChoiceIsOpen) {
+  const Document document = Open(Standards(1));
+  document.Click(document.Details, ModulationRow);
+  ASSERT_TRUE(document.Modulation->hasFocus());
+  delete document.Window;
+  EXPECT_EQ(mdi->subWindowList().size(), 0);
+}
+
 TEST_F(DocumentLifecycle, ChoiceAloneDoesNotAsk) {
   const Document document = Open(Standards(1));
   document.Click(document.Details, ModulationRow);
