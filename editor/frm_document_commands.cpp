@@ -39,8 +39,12 @@ void frmDocument::CopyCut(bool Cut) {
     const int column = ActiveGrid->currentColumn();
     QGuiApplication::clipboard()->setText(ActiveGrid->CellText(row, column));
     if (Cut) {
-      ActiveGrid->EditCell(row, column, "");
-      if (txtEntry->isVisible()) txtEntry->SetContent("");
+      if (txtEntry->isVisible()) {
+        txtEntry->SetContent("");
+        MirrorEntry("");
+      } else {
+        ActiveGrid->EditCell(row, column, "");
+      }
     }
   }
   if (Cut) MarkChanged();

@@ -572,6 +572,17 @@ TEST_F(CellEditing, CutWhileTheBoxIsOpenEmptiesTheBox) {
   EXPECT_EQ(TableIn(document).Row(0).StopChannel, 7);
 }
 
+TEST_F(CellEditing, NameThatIsCutWhileItIsTypedIsCutFromTheListToo) {
+  const Document document = Open({NamedRow("")});
+  document.Overwrite(NameRow, "x");
+  ASSERT_EQ(document.ListName(0), "x");
+  document.Window->CopyCut(true);
+  EXPECT_EQ(document.ListName(0), "");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(document.ListName(0), "");
+  EXPECT_EQ(TableIn(document).Row(0).Name, "");
+}
+
 // --- Leaving: the row that was left is stored, and no other one is written to
 
 struct LeavingWay {
