@@ -167,13 +167,13 @@ void frmDocument::ConnectGrids() {
     DeleteStandards();
   });
   connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
-    StoreGridsToTable();
+    CommitEdit();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
     reported = false;
-    StoreGridsToTable();
+    CommitEdit();
     if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
   });
   for (Grid* grid : {GridDetails, GridBands}) {

@@ -365,6 +365,19 @@ TEST_F(CellEditing, EditorsCloseWhenTheUserComesBackToAnotherGrid) {
   EXPECT_EQ(TableIn(document).Row(0).State, "0");
 }
 
+TEST_F(CellEditing, ClickThatComesBeforeTheWindowIsActiveLeavesOneEditorOpen) {
+  const Document document = Open(Standards(1));
+  document.Overwrite(UplinkRow, "901");
+  QWidget program;
+  program.show();
+  program.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+  document.Click(document.Details, ModulationRow);
+  EXPECT_TRUE(document.Modulation->isVisible());
+  EXPECT_FALSE(document.Box->isVisible());
+  EXPECT_EQ(TableIn(document).Row(0).UplinkStartFreq, 901);
+}
+
 TEST_F(CellEditing, LimitMessageComesInTheMiddleOfAClickElsewhere) {
   const Document document = Open(Standards(199));
   document.Overwrite(SubbandsRow, "1");
