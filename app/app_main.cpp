@@ -6,7 +6,7 @@
 
 #include "app/file_io.h"
 #include "app/frm_main.h"
-#include "app/messages.h"
+#include "editor/messages.h"
 
 namespace chanplan {
 

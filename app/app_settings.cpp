@@ -1,5 +1,6 @@
 #include "app/app_settings.h"
 
+#include <QDir>
 #include <cmath>
 
 #include "unit/qt_serial_port.h"
@@ -14,12 +15,23 @@ QString RecentFileKey(int number) { return "Recent Files/RecentFile" + QString::
 
 }  // namespace
 
-#ifdef Q_OS_WIN
 AppSettings::AppSettings()
-    : store(QString("HKEY_CURRENT_USER\\Software\\") + ApplicationName, QSettings::NativeFormat) {}
+#ifdef Q_OS_WIN
+    : store(QString("HKEY_CURRENT_USER\\Software\\") + ApplicationName, QSettings::NativeFormat) {
 #else
-AppSettings::AppSettings() : store(QString::fromStdString(SettingsFile()), QSettings::IniFormat) {}
+    : store(QString::fromStdString(SettingsFile()), QSettings::IniFormat) {
 #endif
+  if (store.status() != QSettings::NoError)
+    Complaints +=
+        "Your settings file " + Place() + " is damaged or cannot be read. Defaults are used for what it lacks.";
+}
+
+bool AppSettings::Write() {
+  store.sync();
+  return store.status() != QSettings::AccessError;
+}
+
+QString AppSettings::Place() const { return QDir::toNativeSeparators(store.fileName()); }
 
 // The store takes an unquoted comma for the end of a value.
 QString AppSettings::Text(const QString& key) const { return store.value(key).toStringList().join(','); }

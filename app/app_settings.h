@@ -38,8 +38,10 @@ class AppSettings {
 
   void SetNumber(const NumberSetting& setting, double value);
   void SetBaudRate(const QString& text);
-  /// Writes to the disk now what was set.
-  void Write() { store.sync(); }
+  /// Writes to the disk now what was set; false when that fails.
+  bool Write();
+  /// Where the settings are kept.
+  QString Place() const;
 
   /// The values of section "Recent Files" in the store's order: the newest file first. Nothing
   /// when there is no newest file.

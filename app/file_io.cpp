@@ -9,7 +9,7 @@
 
 #include "app/app_main.h"
 #include "app/frm_main.h"
-#include "app/messages.h"
+#include "editor/messages.h"
 
 namespace chanplan {
 namespace {

@@ -1,6 +1,7 @@
 // The main frame: set-up, the warnings pane, documents, and closing.
 #include "app/frm_main.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QShortcut>
@@ -9,6 +10,7 @@
 #include "app/file_io.h"
 #include "app/icons.h"
 #include "app/placement.h"
+#include "editor/messages.h"
 #include "editor/twips.h"
 
 namespace chanplan {
@@ -17,6 +19,9 @@ namespace {
 constexpr int ResizeInterval = 200;    // ms
 constexpr int SplitterHeight = 3;      // pixels
 constexpr int FirstPaneHeight = 1500;  // twips
+
+// A document that is larger than the area is placed with its list, or its title bar, out of sight.
+void KeepCornerInSight(QMdiSubWindow& document) { document.move(qMax(document.x(), 0), qMax(document.y(), 0)); }
 
 }  // namespace
 
@@ -50,9 +55,7 @@ frmMain::~frmMain() { qDeleteAll(documents->findChildren<DocumentWindow*>()); }
 void frmMain::BuildStatusBar() {
   sbStatusBar->setObjectName("sbStatusBar");
   sbStatusBarPanel1->setObjectName("sbStatusBarPanel1");
-  sbStatusBarPanel1->setAccessibleName("Status");
   sbStatusBarPanel2->setObjectName("sbStatusBarPanel2");
-  sbStatusBarPanel2->setAccessibleName("Number of warnings");
   for (QLabel* panel : {sbStatusBarPanel1, sbStatusBarPanel2}) panel->setTextFormat(Qt::PlainText);
   sbStatusBar->addWidget(sbStatusBarPanel1, 1);
   sbStatusBar->addPermanentWidget(sbStatusBarPanel2);
@@ -119,7 +122,13 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
   document->setWindowIcon(DrawnIcon("New"));
   document->installEventFilter(this);
-  documents->addSubWindow(document.release());
+  KeepCornerInSight(*documents->addSubWindow(document.release()));
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (event->spontaneous()) return;  // the user is back from another desktop or from an icon
+  for (QMdiSubWindow* document : documents->subWindowList()) KeepCornerInSight(*document);
 }
 
 void frmMain::ShowDocument(DocumentWindow& document) {
@@ -193,6 +202,7 @@ void frmMain::SetPaneHeight(int proposed) {
 void frmMain::closeEvent(QCloseEvent* event) {
   AbortTransfer();
   if (app.Transfers.Running) return event->ignore();
+  if (QApplication::activeModalWidget() != nullptr) return event->ignore();  // it is to be answered first
   const auto opened = app.Documents;
   for (const QPointer<DocumentWindow>& document : opened) {
     if (document == nullptr || document->State().Released) continue;
@@ -204,7 +214,11 @@ void frmMain::closeEvent(QCloseEvent* event) {
   SavePlacement(*this, app.Settings);
   app.Settings.SetNumber(CommPortSetting, app.Link.CommPort);
   app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));
-  app.Settings.Write();
+  if (!app.Settings.Write())
+    ShowMessage(
+        *this,
+        "Your settings cannot be written to " + app.Settings.Place() + ". The next start will not know about this one.",
+        ApplicationTitle(), QMessageBox::Warning);
   ResizeTimer->stop();
   QMainWindow::closeEvent(event);
   emit Ended();

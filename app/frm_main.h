@@ -72,6 +72,7 @@ class frmMain : public QMainWindow, public FrameOperations {
   void Ended();
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;

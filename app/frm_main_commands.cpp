@@ -7,9 +7,9 @@
 #include "app/file_io.h"
 #include "app/frm_about.h"
 #include "app/frm_main.h"
-#include "app/messages.h"
 #include "core/sig_file.h"
 #include "editor/default_printer.h"
+#include "editor/messages.h"
 #include "report/html_report.h"
 
 namespace chanplan {
@@ -64,10 +64,10 @@ void frmMain::mnuFilePrint_Click() {
   if (printer.isEmpty())
     return ShowMessage(*this, "There is no default printer: choose one in the system's settings.", "Print",
                        QMessageBox::Warning);
-  QMessageBox box(QMessageBox::NoIcon, "Print", "Print Signal Standard list to default printer?\n[" + printer + "]",
-                  QMessageBox::Ok | QMessageBox::Cancel, this);
-  box.setTextFormat(Qt::PlainText);
-  if (box.exec() == QMessageBox::Ok && document != nullptr) document->PrintSigs();
+  const auto answer =
+      Ask(*this, QMessageBox::NoIcon, "Print", "Print Signal Standard list to default printer?\r\n[" + printer + "]",
+          QMessageBox::Ok | QMessageBox::Cancel);
+  if (answer == QMessageBox::Ok && document != nullptr) document->PrintSigs();
 }
 
 void frmMain::menuFileDefault_Click() {

@@ -196,9 +196,11 @@ void frmMain::mnuWindow_DropDown() {
   windowList += menu->addSeparator();
   for (const QPointer<DocumentWindow>& document : app.Documents) {
     if (document == nullptr || document->State().Released) continue;
-    const QString number = QString::number(windowList.size());
-    QAction* item = menu->addAction("&" + number + " " + document->windowTitle().replace('&', "&&"), document,
-                                    [this, shown = document.data()] { ShowDocument(*shown); });
+    const qsizetype number = windowList.size();
+    const QString mnemonic = number <= 9 ? "&" : "";  // a second digit would stand for another document
+    QAction* item =
+        menu->addAction(mnemonic + QString::number(number) + " " + document->windowTitle().replace('&', "&&"), document,
+                        [this, shown = document.data()] { ShowDocument(*shown); });
     item->setCheckable(true);
     item->setChecked(document == ActiveDocument());
     windowList += item;

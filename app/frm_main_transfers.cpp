@@ -2,8 +2,8 @@
 #include "app/frm_in_progress.h"
 #include "app/frm_main.h"
 #include "app/frm_upload_optns.h"
-#include "app/messages.h"
 #include "core/table_merge.h"
+#include "editor/messages.h"
 #include "editor/text_edge.h"
 #include "unit/transfer.h"
 #include "unit/unit_connection.h"
@@ -97,10 +97,8 @@ bool frmMain::ConfirmLosses(DocumentWindow& document) {
   }
   QString text = "The unit cannot hold these values as they stand in the table:\n";
   for (const std::string& loss : losses) text += "\n" + TextOf(loss);
-  QMessageBox box(QMessageBox::Warning, ApplicationTitle(), text + "\n\nUpload the table all the same?",
-                  QMessageBox::Ok | QMessageBox::Cancel, this);
-  box.setTextFormat(Qt::PlainText);
-  return box.exec() == QMessageBox::Ok;
+  return Ask(*this, QMessageBox::Warning, ApplicationTitle(), text + "\n\nUpload the table all the same?",
+             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 void frmMain::AbortTransfer() {

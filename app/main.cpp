@@ -9,6 +9,7 @@
 int main(int argc, char* argv[]) {
   using namespace chanplan;
   const QApplication application(argc, argv);
+  QGuiApplication::setDesktopFileName("chanplan-editor");  // so that the desktop finds the icon
   QStringList paths;
   for (const QString& argument : QApplication::arguments().mid(1)) paths += QFileInfo(argument).absoluteFilePath();
   AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(),

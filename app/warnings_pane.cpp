@@ -6,6 +6,8 @@
 #include <QStyledItemDelegate>
 #include <QTextLayout>
 
+#include "editor/muted_selection.h"
+
 namespace chanplan {
 namespace {
 
@@ -87,8 +89,8 @@ void WarningsPane::Fill(const QString& WarningText, int SelIndex) {
   emit CountChanged(NumberText(count()) + " warnings.");
   if (oldIndex < count() && SelIndex == -1)
     Select(oldIndex);
-  else if (SelIndex < count())
-    Select(SelIndex);
+  else
+    Select(SelIndex < count() ? SelIndex : -1);
 }
 
 int WarningsPane::SelectedIndex() const {
@@ -117,6 +119,11 @@ void WarningsPane::Click() {
 void WarningsPane::ShowPosition() {
   if (const int index = SelectedIndex(); index >= 0)
     emit CountChanged(NumberText(index + 1) + " of" + NumberText(count()) + " warnings.");
+}
+
+void WarningsPane::initViewItemOption(QStyleOptionViewItem* option) const {
+  QListWidget::initViewItemOption(option);
+  MuteSelection(*option, *this);
 }
 
 // A click on the line that is selected already is a click too.

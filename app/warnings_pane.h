@@ -25,6 +25,7 @@ class WarningsPane : public QListWidget {
   void EntryClicked(const QString& name);
 
  protected:
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
   void mousePressEvent(QMouseEvent* event) override;
 
  private:

@@ -71,6 +71,7 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
 frmDocument::~frmDocument() {
   SuppressListEvents = true;
   disconnect(this, &QMdiSubWindow::windowStateChanged, this, nullptr);
+  for (QComboBox* choice : {cmboSelected, cmboModType}) choice->removeEventFilter(this);
   delete area;
 }
 
@@ -97,8 +98,8 @@ void frmDocument::BuildGrids() {
   for (int row = 0; row < GridDetails->rowCount(); ++row) {
     GridDetails->FillCell(row, 0, DetailRows[static_cast<std::size_t>(row)].Title);
     GridDetails->item(row, 0)->setFlags(Qt::ItemIsEnabled);
-    GridDetails->item(row, 0)->setBackground(palette().button());
   }
+  ColourTitles();
   GridDetails->resize(0, GridDetails->rowCount() * rowHeight + 2 * GridDetails->frameWidth());
   GridDetails->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
@@ -123,6 +124,18 @@ void frmDocument::BuildGrids() {
   }
 }
 
+void frmDocument::ColourTitles() {
+  for (int row = 0; row < GridDetails->rowCount(); ++row) {
+    GridDetails->item(row, 0)->setBackground(palette().button());
+    GridDetails->item(row, 0)->setForeground(palette().buttonText());
+  }
+}
+
+void frmDocument::changeEvent(QEvent* event) {
+  DocumentWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ColourTitles();
+}
+
 void frmDocument::BuildEditors() {
   txtEntry->setObjectName("txtEntry");
   txtEntry->resize(0, fontMetrics().height() + 4);
@@ -140,7 +153,11 @@ void frmDocument::BuildEditors() {
 
 void frmDocument::ConnectGrids() {
   for (Grid* grid : {GridList, GridDetails, GridBands}) {
-    connect(grid, &Grid::FocusGained, this, [this, grid] { ActiveGrid = grid; });
+    connect(grid, &Grid::FocusGained, this, [this, grid] {
+      // In a window that was not the active one, an editor is left without losing the focus.
+      if (txtEntry->isVisible() || cmboSelected->isVisible() || cmboModType->isVisible()) CommitEdit();
+      ActiveGrid = grid;
+    });
     connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
     connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
   }
@@ -150,13 +167,13 @@ void frmDocument::ConnectGrids() {
     DeleteStandards();
   });
   connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
-    StoreGridsToTable();
+    CommitEdit();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
     reported = false;
-    StoreGridsToTable();
+    CommitEdit();
     if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
   });
   for (Grid* grid : {GridDetails, GridBands}) {
@@ -168,6 +185,12 @@ void frmDocument::ConnectGrids() {
     if (!txtEntry->isVisible() && (row == NameRow || row >= FirstNumberRow))
       BeginCellEdit(static_cast<qint16>(character.unicode()));
   });
+}
+
+// The window itself has nothing to do for keys.
+void frmDocument::focusInEvent(QFocusEvent* event) {
+  DocumentWindow::focusInEvent(event);
+  ActiveGrid->setFocus();
 }
 
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
@@ -206,6 +229,8 @@ int frmDocument::SelectedIndex() const {
   return row < 0 ? -1 : GridList->CellText(row, 2).toInt();
 }
 
+int frmDocument::SubbandRows() const { return GroupEnd(table, shownIndex) - shownIndex - 1; }
+
 void frmDocument::FillStandardList() {
   const QScopedValueRollback suppressed(SuppressListEvents, true);
   GridList->setUpdatesEnabled(false);
@@ -238,7 +263,7 @@ void frmDocument::ShowSelectedStandard() {
 
 void frmDocument::ShowStandard() {
   ShowDetails(table.Row(shownIndex));
-  ShowBands(shownIndex, GroupEnd(table, shownIndex) - shownIndex - 1);
+  ShowBands(shownIndex, SubbandRows());
 }
 
 void frmDocument::ShowDetails(const SignalStandardRecord& standard) {

@@ -46,12 +46,15 @@ class frmDocument : public DocumentWindow {
   void SetTable() override;
 
  protected:
+  void changeEvent(QEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   // Set-up and layout
   void BuildGrids();
+  void ColourTitles();
   void BuildEditors();
   void ConnectGrids();
   void ConnectEditors();
@@ -67,6 +70,8 @@ class frmDocument : public DocumentWindow {
   void RefillAfterEdit();
   void ListRowChanged();
   int SelectedIndex() const;
+  /// Rows that the shown standard has for sub-bands; a damaged count promises another number.
+  int SubbandRows() const;
 
   // Cell editing
   void BeginCellEdit(qint16 keyCode);

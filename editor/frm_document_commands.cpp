@@ -1,11 +1,11 @@
 // The document window: clipboard, insertion and deletion.
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QMessageBox>
 
 #include "core/table_edits.h"
 #include "editor/frm_document.h"
 #include "editor/grid_columns.h"
+#include "editor/messages.h"
 
 namespace chanplan {
 namespace {
@@ -39,8 +39,12 @@ void frmDocument::CopyCut(bool Cut) {
     const int column = ActiveGrid->currentColumn();
     QGuiApplication::clipboard()->setText(ActiveGrid->CellText(row, column));
     if (Cut) {
-      ActiveGrid->EditCell(row, column, "");
-      if (txtEntry->isVisible()) txtEntry->SetContent("");
+      if (txtEntry->isVisible()) {
+        txtEntry->SetContent("");
+        MirrorEntry("");
+      } else {
+        ActiveGrid->EditCell(row, column, "");
+      }
     }
   }
   if (Cut) MarkChanged();
@@ -65,9 +69,9 @@ void frmDocument::Paste() {
   if (ActiveGrid == GridList && shared.StandardClipboardFull) {
     CommitEdit();
     if (PasteFillsTable(table, shared.StandardClipboard) &&
-        QMessageBox::question(this, frame.ApplicationTitle(),
-                              "Too many bands are on the clipboard.  The list will be truncated.",
-                              QMessageBox::Ok | QMessageBox::Cancel) != QMessageBox::Ok)
+        Ask(*this, QMessageBox::Question, frame.ApplicationTitle(),
+            "Too many bands are on the clipboard.  The list will be truncated.",
+            QMessageBox::Ok | QMessageBox::Cancel) != QMessageBox::Ok)
       return;
     PasteStandards(table, qMax(SelectedIndex(), 0), shared.StandardClipboard);
     RefillAfterEdit();
@@ -78,9 +82,9 @@ void frmDocument::Paste() {
 void frmDocument::InsertBlank() {
   CommitEdit();
   if (!AppendBlankStandard(table)) {
-    QMessageBox::critical(this, "Warning:  Maximum size reached.",
-                          "You are at the limit (200) of allowed records.  Another signal standard or sub-band "
-                          "cannot be added.");
+    ShowFailure(*this, "Warning:  Maximum size reached.",
+                "You are at the limit (200) of allowed records.  Another signal standard or sub-band "
+                "cannot be added.");
     return;
   }
   MarkChanged();
@@ -90,7 +94,10 @@ void frmDocument::InsertBlank() {
 bool frmDocument::SetSubbandCount(int count) {
   // A damaged count that does not match the rows is put right first. Then one at a time, through
   // the spin control, until that refuses.
-  table.Row(shownIndex).Subbands = GroupEnd(table, shownIndex) - shownIndex - 1;
+  if (table.Row(shownIndex).Subbands != SubbandRows()) {
+    table.Row(shownIndex).Subbands = SubbandRows();
+    MarkChanged();
+  }
   {
     const QSignalBlocker silent(UpDown);
     UpDown->setValue(table.Row(shownIndex).Subbands);
@@ -109,9 +116,9 @@ void frmDocument::UpDown_Change(int value) {
   if (value == former) return;
   if (value > former && !AddSubband(table, shownIndex)) {
     UpDown->setValue(former);
-    QMessageBox::critical(this, "Warning:  Size limit reached.",
-                          "You have reached the maximum number of records in the Signal Standard table. Cannot add "
-                          "another sub-band.");
+    ShowFailure(*this, "Warning:  Size limit reached.",
+                "You have reached the maximum number of records in the Signal Standard table. Cannot add "
+                "another sub-band.");
     return;
   }
   if (value < former) RemoveSubband(table, shownIndex);

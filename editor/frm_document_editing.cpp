@@ -1,7 +1,7 @@
 // The document window: editing cells and writing them back into the table.
 #include <QFocusEvent>
 #include <QLocale>
-#include <QMessageBox>
+#include <QMdiArea>
 #include <QScopedValueRollback>
 
 #include "core/lenient_number.h"
@@ -46,8 +46,12 @@ void frmDocument::ConnectEditors() {
   connect(txtEntry, &EntryBox::FocusLost, this, &frmDocument::CloseEntry);
   connect(txtEntry, &EntryBox::Stepped, this, [this](int direction) {
     if (ActiveGrid != GridDetails || GridDetails->currentRow() != SubbandsRow) return;
-    const int typed = static_cast<int>(LeadingNumber(BytesOf(txtEntry->text())));
-    if (SetSubbandCount(typed)) SetSubbandCount(qMax(0, typed + direction));
+    // A damaged count, as long as nobody has typed over it, gives way to what there is.
+    const int former = txtEntry->text() == OriginalCellText
+                           ? SubbandRows()
+                           : static_cast<int>(LeadingNumber(BytesOf(txtEntry->text())));
+    if (SetSubbandCount(former)) SetSubbandCount(qMax(0, former + direction));
+    ShowStandard();
     OriginalCellText = GridDetails->CellText(SubbandsRow, 1);
     txtEntry->SetContent(OriginalCellText);
   });
@@ -235,7 +239,8 @@ void frmDocument::ValidateTable() {
   std::vector<std::string> names;
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
   warningsText = TextOf(chanplan::ValidateTable(table, names));
-  frame.Warnings(warningsText, -1);
+  // The frame shows the active document's warnings, and fetches these when this becomes it.
+  if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
 }
 
 }  // namespace chanplan

@@ -1,13 +1,14 @@
 // The document window: loading, saving, properties, report, printing and closing.
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLocale>
-#include <QMessageBox>
 #include <QScopedValueRollback>
 
 #include "core/sig_file.h"
 #include "core/table_properties.h"
 #include "editor/default_printer.h"
 #include "editor/frm_document.h"
+#include "editor/messages.h"
 #include "editor/text_edge.h"
 #include "report/html_report.h"
 #include "report/listing.h"
@@ -39,10 +40,10 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   if (!outcome.Ok()) {
     FillStandardList();
     ShowSelectedStandard();
-    QMessageBox::critical(this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
+    ShowFailure(*this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
     return false;
   }
-  if (outcome.Truncated) QMessageBox::critical(this, "File Error", ToText(FileTruncatedText));
+  if (outcome.Truncated) ShowFailure(*this, "File Error", ToText(FileTruncatedText));
   setWindowTitle(ToText(CaptionOfFile(PathOf(path))));
   ValidateTable();
   FillStandardList();
@@ -58,7 +59,7 @@ bool frmDocument::SaveChanplans(const QString& path) {
   // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
   const char separator = QLocale().decimalPoint() == "," ? ',' : '.';
   if (const std::error_code error = SaveSigFile(PathOf(path), table, separator)) {
-    QMessageBox::critical(this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
+    ShowFailure(*this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
     return false;
   }
   setWindowTitle(path);
@@ -75,8 +76,7 @@ bool frmDocument::SigReport(const QString& ReportName) {
   CommitEdit();
   const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());
   if (error)
-    QMessageBox::critical(this, "Error Saving Report",
-                          ReportName + ": " + QString::fromLocal8Bit(error.message().c_str()));
+    ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromLocal8Bit(error.message().c_str()));
   return !error;
 }
 
@@ -87,20 +87,17 @@ void frmDocument::PrintSigs() {
     PrintOnDefaultPrinter(windowTitle(),
                           [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
   } catch (const PrintFailure& failure) {
-    QMessageBox::critical(this, "Print", "The listing was not printed: " + ToText(failure.what()) + ".");
+    ShowFailure(*this, "Print", "The listing was not printed: " + ToText(failure.what()) + ".");
   }
 }
 
-void frmDocument::ProcPrint() {
-  QMessageBox(QMessageBox::NoIcon, frame.ApplicationTitle(), "Hello!!", QMessageBox::Ok, this).exec();
-}
+void frmDocument::ProcPrint() { Ask(*this, QMessageBox::NoIcon, frame.ApplicationTitle(), "Hello!!", QMessageBox::Ok); }
 
 bool frmDocument::AskToSave() {
   const QString caption = windowTitle();
-  const auto answer =
-      QMessageBox::warning(this, frame.ApplicationTitle(),
-                           "The contents in [" + caption + "] has changed.\nDo you want to save the changes?",
-                           QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+  const auto answer = Ask(*this, QMessageBox::Warning, frame.ApplicationTitle(),
+                          "The contents in [" + caption + "] has changed.\nDo you want to save the changes?",
+                          QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
   if (answer == QMessageBox::No) return true;
   if (answer != QMessageBox::Yes) return false;
   QString path = caption;
@@ -112,7 +109,8 @@ bool frmDocument::AskToSave() {
 }
 
 void frmDocument::closeEvent(QCloseEvent* event) {
-  if (closing) return event->ignore();  // the question is on the screen
+  // A message box is on the screen, which is to be answered first: it belongs to this window.
+  if (closing || QApplication::activeModalWidget() != nullptr) return event->ignore();
   const QScopedValueRollback asking(closing, true);
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();

@@ -4,6 +4,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 
+#include "editor/muted_selection.h"
+
 namespace chanplan {
 namespace {
 
@@ -109,6 +111,11 @@ void Grid::keyPressEvent(QKeyEvent* event) {
     emit CellTyped(text.front());
   else
     QTableWidget::keyPressEvent(event);
+}
+
+void Grid::initViewItemOption(QStyleOptionViewItem* option) const {
+  QTableWidget::initViewItemOption(option);
+  MuteSelection(*option, *this);
 }
 
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -43,6 +43,7 @@ class Grid : public QTableWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:

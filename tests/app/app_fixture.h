@@ -94,6 +94,11 @@ class AppTest : public ::testing::Test {
     EXPECT_TRUE(Frame().isHidden());
     app.reset();
   }
+  void Activate() {
+    if (Frame().isMinimized()) return;
+    Frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
+  }
   frmMain& Frame() { return *app->Frame; }
   QSettings Store() { return {QString::fromStdString(SettingsFile()), QSettings::IniFormat}; }
   void SetStored(const QString& key, const QString& value) {
@@ -210,6 +215,10 @@ class AppTest : public ::testing::Test {
   HandDrivenClock clock;
   std::unique_ptr<AppMain> app;
   std::deque<Message> messages;
+  std::function<void(QWidget&)> answerUnexpected = [](QWidget& modal) {
+    const QMessageBox* box = qobject_cast<QMessageBox*>(&modal);
+    ADD_FAILURE() << "nobody expects " << (box != nullptr ? box->text() : modal.windowTitle()).toStdString();
+  };
 
  private:
   void Make(DocumentFactory factory = [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
@@ -217,11 +226,6 @@ class AppTest : public ::testing::Test {
   }) {
     app = std::make_unique<AppMain>(MakePort(), MakeTiming(), std::move(factory));
     app->ProgramFolder = QString::fromStdString(folder.Path().string());
-  }
-  void Activate() {
-    if (Frame().isMinimized()) return;
-    Frame().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
   }
   void AnswerModal() {
     answering.start();  // once more, as an answer may bring up another dialog
@@ -231,8 +235,7 @@ class AppTest : public ::testing::Test {
     const QScopedValueRollback guard(beingAnswered, modal);
     const QPointer<QWidget> dialog = modal;
     if (answers.empty()) {
-      const QMessageBox* box = qobject_cast<QMessageBox*>(modal);
-      ADD_FAILURE() << "nobody expects " << (box != nullptr ? box->text() : modal->windowTitle()).toStdString();
+      answerUnexpected(*modal);
     } else {
       const auto answer = std::move(answers.front());
       answers.pop_front();

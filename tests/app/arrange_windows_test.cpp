@@ -117,6 +117,15 @@ TEST_F(WindowMenu, ListsTheOpenDocuments) {
   PullUp();
 }
 
+TEST_F(WindowMenu, OnlyTheFirstNineDocumentsHaveADigit) {
+  StartWithStandIns();
+  for (int number = 2; number <= 10; ++number) Choose("mnuFileNew");
+  QMenu& menu = DropDown("mnuWindow");
+  EXPECT_EQ(VisibleItems(menu).mid(13), QStringList({"&9 Untitled 9", "10 Untitled 10"}));
+  QTest::keyClick(&menu, Qt::Key_1);
+  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+}
+
 TEST_F(WindowMenu, ChosenDocumentIsRestoredFromItsIcon) {
   StartWithThreeDocuments();
   Window(1).showMinimized();

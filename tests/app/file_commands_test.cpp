@@ -104,6 +104,7 @@ TEST_F(Files, FileThatCannotBeOpenedMakesNoDocument) {
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"", "Can't open file: " + InFolder("missing.sig"), QMessageBox::NoIcon}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("missing.sig")})) << "as every name that was chosen";
 }
 
 TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
@@ -111,11 +112,30 @@ TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
   Start();
   Choose("mnuFileNew");
   AnswerFileDialog(InFolder("bad.sig"));
-  AnswerMessage();
+  Answer([this](QWidget& box) {
+    messages.push_back({box.windowTitle(), dynamic_cast<QMessageBox&>(box).text(), QMessageBox::Critical});
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::ArrowCursor) << "nobody waits for the program";
+    QTest::keyClick(&box, Qt::Key_Return);
+  });
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"Chanplans", "Error loading " + InFolder("bad.sig"), QMessageBox::Critical}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2"}));
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(Files, GarbageIsRefusedAndTheActiveDocumentStays) {
+  std::string garbage;
+  for (int byte = 0; byte < 4096; ++byte) garbage += static_cast<char>(byte * 7919 >> 3);
+  WriteFile(folder / "garbage.sig", garbage);
+  WriteFile(folder / "doubtful.sig", "header\r\n2\t1\tDCS\t9850\t1805.2\t512\t885\t0.2\t0.2\t1\r\n");
+  Start({InFolder("doubtful.sig")});
+  AnswerFileDialog(InFolder("garbage.sig"));
+  AnswerMessage();
+  Choose("mnuFileOpen");
+  EXPECT_EQ(messages.back().Text, "Error loading " + InFolder("garbage.sig"));
+  EXPECT_EQ(Captions(), QStringList({InFolder("doubtful.sig")}));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_EQ(StatusPanel2(), " 2 warnings.") << "those of the active document";
 }
 
 TEST_F(Files, OpenedFilesBecomeRecentFiles) {
@@ -277,4 +297,29 @@ TEST_F(Files, FactoryTableIsNeverOverwrittenBySave) {
 TEST_F(Files, CopiesOfTheFactoryTableAreReadOnlyByTheirName) {
   Start({Table("my MATRIVIM.DGC.bak"), Table("other.sig")});
   EXPECT_EQ(Captions(), QStringList({"Factory Default (Read-Only)", InFolder("other.sig")}));
+}
+
+TEST_F(Files, PropertiesTellWhereTheTableComesFrom) {
+  FactoryTable();
+  const QString path = Table("a.sig", {"A", "B", "C"});
+  const QString counts = "Record count:     \t6 of 200\nSignal Standards: \t3\nSub-bands:        \t3";
+  const struct {
+    const char* Command;
+    QString Beginning;
+    QString End;
+  } cases[] = {
+      {nullptr, path + "\n\nFile size:      \t", "\n\n" + counts},
+      {"menuFileDefault", "Factory Default Signal Standards\n\nRecord count:     \t2 of 200\n",
+       "Sub-bands:        \t1"},
+      {"mnuFileNew", "File:             \tUnsaved\n\nRecord count:     \t0 of 200\n", "Sub-bands:        \t0"},
+  };
+  Start({path});
+  for (const auto& test : cases) {
+    if (test.Command != nullptr) Choose(test.Command);
+    AnswerMessage();
+    Choose("mnuFileProperties");
+    EXPECT_EQ(messages.back().Title, "Table Properties");
+    EXPECT_TRUE(messages.back().Text.startsWith(test.Beginning)) << messages.back().Text.toStdString();
+    EXPECT_TRUE(messages.back().Text.endsWith(test.End)) << messages.back().Text.toStdString();
+  }
 }

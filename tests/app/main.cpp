@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QStandardPaths>
 
+#include "tests/app/print_queue.h"
 #include "tests/core/temp_folder.h"
 
 int main(int argc, char** argv) {
@@ -11,6 +12,7 @@ int main(int argc, char** argv) {
   // Nothing of the user who runs the tests is read or written.
   const chanplan::testing::TempFolder home;
   for (const char* variable : {"HOME", "XDG_CONFIG_HOME"}) qputenv(variable, home.Path().string().c_str());
+  chanplan::testing::HidePrinters();
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const QApplication application(argc, argv);
   QApplication::setStyle("Fusion");

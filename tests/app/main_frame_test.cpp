@@ -243,6 +243,16 @@ TEST_F(Commands, NewStandardKeyIsTheFramesInAMaximisedDocumentToo) {
   EXPECT_FALSE(app->AnyDocumentOpen());
 }
 
+TEST_F(Commands, KeysGoFromDocumentToDocument) {
+  Start();
+  Choose("mnuFileNew");
+  ASSERT_EQ(Frame().ActiveDocument(), app->Document(2));
+  Key(Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_TRUE(app->Document(1)->isAncestorOf(QApplication::focusWidget()));
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "GridList");
+}
+
 TEST_F(Commands, WithoutADocumentTheyDoNothing) {
   Start();
   Choose("mnuFileClose");
@@ -323,6 +333,15 @@ TEST_F(Splitter, OtherSourcesChangeNothing) {
   }
   Frame().DropOnWarnings("lblSplitter", -30);
   EXPECT_EQ(Pane().height(), former + 30);
+}
+
+TEST_F(Splitter, IsNextToTheWarningsForTheTabKey) {
+  Start();
+  Key(Qt::Key_F6);
+  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_EQ(QApplication::focusWidget(), &Bar());
+  Key(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &Get<QWidget>("lstWarnings"));
 }
 
 TEST_F(Splitter, IsMovedByKeysToo) {

@@ -18,10 +18,7 @@ class Printing : public AppTest {
   PrintQueue queue;
 };
 
-class PrintingWithoutPrinter : public AppTest {
- protected:
-  NoPrinters none;
-};
+using PrintingWithoutPrinter = AppTest;
 
 }  // namespace
 

@@ -32,7 +32,7 @@ PrintQueue::PrintQueue() {
 }
 
 PrintQueue::~PrintQueue() {
-  cupsSetServer(nullptr);
+  HidePrinters();
   server.terminate();
   if (!server.waitForFinished(5000)) server.kill();
 }
@@ -91,6 +91,6 @@ void PrintQueue::Reject() {
   RunProgram({"/usr/sbin/cupsreject", "Listing"}, {.Environment = {"CUPS_SERVER=" + socket}});
 }
 
-NoPrinters::NoPrinters() { cupsSetServer("/nonexistent/socket"); }
+void HidePrinters() { cupsSetServer("/nonexistent/socket"); }
 
 }  // namespace chanplan::testing

@@ -1,6 +1,7 @@
 // Start-up, settings, recent files, and the numbers of documents.
 #include <QScreen>
 #include <QSignalSpy>
+#include <QTableWidget>
 
 #include "app/placement.h"
 #include "tests/app/app_fixture.h"
@@ -43,6 +44,28 @@ TEST_F(StartUp, FirstStartUsesTheDefaults) {
 TEST_F(StartUp, ProgramFolderBecomesTheCurrentOne) {
   Start();
   EXPECT_EQ(QDir::current(), QDir(app->ProgramFolder));
+}
+
+TEST_F(StartUp, KeyboardIsInTheListOfTheFirstDocument) {
+  Start({Table("a.sig", {"A", "B"})});
+  ASSERT_NE(QApplication::focusWidget(), nullptr);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "GridList");
+  Key(Qt::Key_Down);
+  EXPECT_EQ(Frame().ActiveDocument()->findChild<QTableWidget*>("GridDetails")->item(0, 1)->text(), "B");
+}
+
+TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
+  SetStored("Settings/MainWidth", "6000");
+  SetStored("Settings/MainHeight", "4500");
+  Start();
+  Choose("mnuFileNew");
+  const QSize area = Get<QMdiArea>("documents").viewport()->size();
+  for (int number = 1; number <= 2; ++number) {
+    const QRect document = app->Document(number)->geometry();
+    ASSERT_GT(document.width(), area.width());
+    ASSERT_GT(document.height(), area.height());
+    EXPECT_EQ(document.topLeft(), QPoint(0, 0)) << number;
+  }
 }
 
 TEST_F(StartUp, OpensTheTablesItIsGiven) {
@@ -116,18 +139,34 @@ TEST_F(StartUp, UnreadableSettingsAreNamedOnceAndTheirDefaultsUsed) {
   SetStored("Settings/MainState", "7");
   AnswerMessage();
   Start();
+  const int screenWidth = QGuiApplication::primaryScreen()->size().width();
   ASSERT_EQ(messages.size(), 1U);
   EXPECT_EQ(
       messages.front().Text,
       "In section \"Settings\" of your settings, \"MainLeft\" is \"left\", which is not a number from -1000000 to "
-      "1000000. Its default, 600, is used.\n\n"
-      "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
-      "Its default, 0, is used.\n\n"
-      "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
-      "32767. Its default, 1, is used.");
+      "1000000. Its default, " +
+          QString::number(screenWidth * 15 / 20.0) +  // twips
+          ", is used.\n\n"
+          "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
+          "Its default, 0, is used.\n\n"
+          "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
+          "32767. Its default, 1, is used.");
   EXPECT_EQ(app->Link.CommPort, 1);
-  EXPECT_EQ(Frame().x(), 40);
+  EXPECT_EQ(Frame().x(), qRound(screenWidth / 20.0));
   EXPECT_FALSE(Frame().isMaximized());
+}
+
+TEST_F(StartUp, SettingsFileThatCannotBeReadIsNamed) {
+  const QString file = QString::fromStdString(SettingsFile());
+  WriteFile(file.toStdString(), "[Settings\nCommPort");
+  AnswerMessage();
+  Start();
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(messages.front(), (Message{"Chanplans",
+                                       "Your settings file " + file +
+                                           " is damaged or cannot be read. Defaults are used for what it lacks.",
+                                       QMessageBox::Warning}));
+  EXPECT_EQ(app->Link.CommPort, 1);
 }
 
 TEST_F(StartUp, PlacementOutsideTheScreenIsBroughtBack) {
@@ -259,4 +298,58 @@ TEST_F(Closing, ChangedDocumentAsksBeforeTheProgramEnds) {
   AnswerMessage(QMessageBox::No);
   Exit();
   EXPECT_EQ(messages.back().Text, "The contents in [Untitled 1] has changed.\nDo you want to save the changes?");
+}
+
+TEST_F(Closing, CancelOnTheSecondOfThreeChangedDocumentsKeepsItAndTheThird) {
+  Start();
+  Choose("mnuFileNew");
+  Choose("mnuFileNew");
+  for (DocumentState& state : app->DocumentStates) state.Changed = true;
+  AnswerMessage(QMessageBox::No);
+  AnswerMessage(QMessageBox::Cancel);
+  Choose("mnuFileExit");
+  EXPECT_TRUE(Frame().isVisible());
+  EXPECT_EQ(Captions(), QStringList({"Untitled 2", "Untitled 3"}));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Document(2));
+  EXPECT_TRUE(app->DocumentStates[1].Changed);
+  EXPECT_EQ(Stored("Settings/CommPort"), "");
+  AnswerMessage(QMessageBox::No);
+  AnswerMessage(QMessageBox::No);
+  Exit();
+  EXPECT_EQ(messages.size(), 4U);
+}
+
+TEST_F(Closing, IsRefusedWhileAMessageBoxIsUp) {
+  Start();
+  Choose("menuEditNewChanplan");
+  QSignalSpy ended(&Frame(), &frmMain::Ended);
+  for (const char* command : {"mnuFileProperties", "mnuHelpAbout", "mnuFileOpen", "mnuFileClose"}) {
+    Answer([this](QWidget& dialog) {
+      EXPECT_FALSE(Frame().close());
+      Frame().ActiveDocument()->close();
+      EXPECT_TRUE(app->AnyDocumentOpen());
+      QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    Choose(command);
+    EXPECT_TRUE(Frame().isVisible()) << command;
+    EXPECT_EQ(Captions(), QStringList({"Untitled 1"})) << command;
+  }
+  EXPECT_EQ(ended.size(), 0);
+  app->DocumentStates[0].Changed = false;
+}
+
+TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedOnceAndTheProgramEnds) {
+  WriteFile(folder / "file", "");
+  qputenv("XDG_CONFIG_HOME", (folder / "file").string().c_str());  // no folder, so nothing can be stored in it
+  Start({Table("a.sig")});
+  app->AddRecentFile(InFolder("a.sig"));
+  AnswerMessage();
+  QSignalSpy ended(&Frame(), &frmMain::Ended);
+  Choose("mnuFileExit");
+  EXPECT_EQ(ended.size(), 1);
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(messages.front(), (Message{"Chanplans",
+                                       "Your settings cannot be written to " + QString::fromStdString(SettingsFile()) +
+                                           ". The next start will not know about this one.",
+                                       QMessageBox::Warning}));
 }

@@ -25,14 +25,12 @@ constexpr const char* Faults[] = {"none",           "none",
 class TransferSoak : public TransferTest, public ::testing::WithParamInterface<unsigned> {
  protected:
   TransferSoak() {
-    confirming.setInterval(20);
-    QObject::connect(&confirming, &QTimer::timeout, [] {
-      QWidget* modal = QApplication::activeModalWidget();
-      if (auto* box = qobject_cast<QMessageBox*>(modal); box != nullptr)
-        box->button(QMessageBox::Ok)->click();
-      else if (modal != nullptr)
-        for (const char* button : {"optnReplace", "bttnUpload"}) modal->findChild<QAbstractButton*>(button)->click();
-    });
+    answerUnexpected = [](QWidget& modal) {
+      if (auto* box = qobject_cast<QMessageBox*>(&modal))
+        QTest::mouseClick(static_cast<QWidget*>(box->button(QMessageBox::Ok)), Qt::LeftButton);
+      else
+        for (const char* button : {"optnReplace", "bttnUpload"}) modal.findChild<QAbstractButton*>(button)->click();
+    };
   }
 
   SignalStandardTable Table() {
@@ -111,7 +109,6 @@ class TransferSoak : public TransferTest, public ::testing::WithParamInterface<u
 
   std::mt19937 random{GetParam()};
   int moved = 0;
-  QTimer confirming;
 };
 
 }  // namespace
@@ -119,8 +116,6 @@ class TransferSoak : public TransferTest, public ::testing::WithParamInterface<u
 TEST_P(TransferSoak, EndsWithTheRightTablesAndAFreePort) {
   StartUnitWith({}, "none");
   Start();
-  AnswerNothing();
-  confirming.start();
   for (int transfer = 0; transfer < TransfersPerSeed && !HasFailure(); ++transfer) {
     const std::string fault = Faults[Between(random, 0, std::ssize(Faults) - 1)];
     SCOPED_TRACE("transfer " + std::to_string(transfer) + ", fault " + fault);
@@ -137,7 +132,6 @@ TEST_P(TransferSoak, EndsWithTheRightTablesAndAFreePort) {
     }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }
-  confirming.stop();
   EXPECT_GT(moved, TransfersPerSeed / 4) << "sound units are met often enough";
 }
 

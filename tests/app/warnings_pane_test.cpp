@@ -1,7 +1,9 @@
 // The warnings pane.
 #include "app/warnings_pane.h"
 
+#include <QAccessible>
 #include <QListWidget>
+#include <QTableWidget>
 
 #include "tests/app/app_fixture.h"
 
@@ -80,6 +82,24 @@ TEST_F(Pane, SelectionAfterRefilling) {
   EXPECT_EQ(StandIn().Calls, QStringList()) << "selecting while filling is no click";
 }
 
+TEST_F(Pane, IndexBeyondTheSameLinesSelectsNothing) {
+  StartWithStandIns();
+  Frame().Warnings(Five(), 2);
+  Frame().Warnings(Five(), 5);
+  EXPECT_EQ(Selected(), -1);
+}
+
+TEST_F(Pane, ScreenReaderHearsTheCountAndTheStatus) {
+  StartWithStandIns();
+  Frame().Warnings(Five(), -1);
+  Frame().ShowStatus("Done.");
+  const auto heard = [this](const char* panel) {
+    return QAccessible::queryAccessibleInterface(&Get<QLabel>(panel))->text(QAccessible::Name);
+  };
+  EXPECT_EQ(heard("sbStatusBarPanel1"), "Done.");
+  EXPECT_EQ(heard("sbStatusBarPanel2"), " 5 warnings.");
+}
+
 TEST_F(Pane, ClickShowsThePositionAndGoesToTheStandard) {
   StartWithStandIns();
   Frame().Warnings(Five(), -1);
@@ -103,6 +123,40 @@ TEST_F(Pane, KeysSelectLinesToo) {
   Key(Qt::Key_F6);
   EXPECT_TRUE(Frame().ActiveDocument()->isAncestorOf(QApplication::focusWidget()) ||
               QApplication::focusWidget() == Frame().ActiveDocument());
+}
+
+TEST_F(Pane, KeyForTheWarningsGoesBackToWhereTheUserWas) {
+  Start({Table("a.sig", {"A", "B"})});
+  const auto grid = [this](const char* name) { return Frame().ActiveDocument()->findChild<QTableWidget*>(name); };
+  grid("GridBands")->setFocus();
+  Key(Qt::Key_F6);
+  EXPECT_EQ(QApplication::focusWidget(), &List());
+  Key(Qt::Key_F6);
+  EXPECT_EQ(QApplication::focusWidget(), grid("GridBands"));
+
+  grid("GridDetails")->setFocus();
+  Key(Qt::Key_F2);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "txtEntry");
+  Key(Qt::Key_F6);
+  Key(Qt::Key_F6);
+  EXPECT_EQ(QApplication::focusWidget(), grid("GridDetails"));
+}
+
+TEST_F(Pane, ShowsTheTextOfTheDocumentThatBecameActiveInTheMiddleOfAnEdit) {
+  Start({Table("a.sig"), Table("b.sig")});
+  Frame().ShowDocument(*app->Document(1));
+  QTableWidget* details = Frame().ActiveDocument()->findChild<QTableWidget*>("GridDetails");
+  details->setFocus();
+  details->setCurrentCell(4, 1);
+  Key(Qt::Key_9);
+  Key(Qt::Key_9);
+  Key(Qt::Key_9);
+  Key(Qt::Key_9);
+  Frame().ShowDocument(*app->Document(2));
+  EXPECT_EQ(Lines(), QStringList());
+  Frame().ShowDocument(*app->Document(1));
+  EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
+  app->DocumentStates[0].Changed = false;
 }
 
 TEST_F(Pane, LineWithoutATabOnlyShowsThePosition) {
@@ -165,6 +219,20 @@ TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
   app->Document(1)->close();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(Lines(), QStringList({"two"}));
+}
+
+TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherIsValidated) {
+  WriteFile(folder / "doubtful.sig", "header\r\n2\t1\tDCS\t9850\t1805.2\t512\t885\t0.2\t0.2\t1\r\n");
+  Start({InFolder("doubtful.sig"), Table("b.sig")});
+  app->Document(1)->GetTable();
+  EXPECT_EQ(Lines(), QStringList());
+  app->DocumentStates[0].Changed = true;
+  AnswerMessage(QMessageBox::Cancel);
+  EXPECT_FALSE(app->Document(1)->close());
+  EXPECT_EQ(Lines(), QStringList());
+  Frame().ShowDocument(*app->Document(1));
+  EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
+  app->DocumentStates[0].Changed = false;
 }
 
 TEST_F(Pane, FieldsStandAtTheTabStops) {

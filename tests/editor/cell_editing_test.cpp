@@ -340,6 +340,55 @@ TEST_F(CellEditing, AnotherWindowOnTheScreenLeavesTheBoxOpen) {
   EXPECT_EQ(document.Detail(UplinkRow), "901");
 }
 
+TEST_F(CellEditing, EditorsCloseWhenTheUserComesBackToAnotherGrid) {
+  const Document document = Open(Standards(1));
+  for (const int row : {int{UplinkRow}, int{ModulationRow}}) {
+    if (row == UplinkRow) {
+      document.Overwrite(row, "901");
+    } else {
+      document.Click(document.Details, row);
+      Press(Qt::Key_Home);
+    }
+    {
+      QWidget program;
+      program.show();
+      program.activateWindow();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+      document.List->setFocus();
+      EXPECT_FALSE(NothingOpen(document));
+    }
+    EXPECT_EQ(FocusWindow(), window.windowHandle());
+    EXPECT_TRUE(document.List->hasFocus());
+    EXPECT_TRUE(NothingOpen(document)) << row;
+  }
+  EXPECT_EQ(TableIn(document).Row(0).UplinkStartFreq, 901);
+  EXPECT_EQ(TableIn(document).Row(0).State, "0");
+}
+
+TEST_F(CellEditing, ClickThatComesBeforeTheWindowIsActiveLeavesOneEditorOpen) {
+  const Document document = Open(Standards(1));
+  document.Overwrite(UplinkRow, "901");
+  QWidget program;
+  program.show();
+  program.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+  document.Click(document.Details, ModulationRow);
+  EXPECT_TRUE(document.Modulation->isVisible());
+  EXPECT_FALSE(document.Box->isVisible());
+  EXPECT_EQ(TableIn(document).Row(0).UplinkStartFreq, 901);
+}
+
+TEST_F(CellEditing, LimitMessageComesInTheMiddleOfAClickElsewhere) {
+  const Document document = Open(Standards(199));
+  document.Overwrite(SubbandsRow, "1");
+  answers.Give(QMessageBox::Ok);
+  document.Click(document.List, 5);
+  EXPECT_EQ(answers.Seen, std::vector{LimitReached});
+  EXPECT_TRUE(NothingOpen(document));
+  EXPECT_EQ(document.Detail(NameRow), "S6");
+  EXPECT_EQ(SavedTable(document), TableOf(Standards(199)));
+}
+
 TEST_F(CellEditing, BoxFollowsItsCellWhenTheGridIsScrolled) {
   const Document document = Open(Group("A", 40));
   document.Window->resize(900, 500);
@@ -503,6 +552,19 @@ TEST_F(CellEditing, SubbandsAreRenamedWithTheirStandard) {
   EXPECT_EQ(NamesIn(document), (std::vector<std::string>{"DCS", "DCS(A)", "DCS(B)"}));
 }
 
+TEST_F(CellEditing, NameWithCharactersThatCannotBeTypedKeepsThem) {
+  const std::string name = "Gr\xFC\xDF\x80\x81\xA0\xFF";
+  const Document document = Open({NamedRow("A"), NamedRow(name)});
+  document.Window->FindSSEntry(document.ListName(1));
+  EXPECT_EQ(document.List->currentRow(), 1);
+  document.DoubleClick(document.Details, NameRow);
+  Press(Qt::Key_End);
+  Type("x");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(NamesIn(document), (std::vector<std::string>{"A", name + "x"}));
+  EXPECT_EQ(RowNames(SavedTable(document)), (std::vector<std::string>{"A", name + "x"}));
+}
+
 TEST_F(CellEditing, NameThatWasCutIsGoneFromTheListOnceItIsStored) {
   const Document document = Open(Standards(2));
   document.Click(document.Details, NameRow);
@@ -521,6 +583,17 @@ TEST_F(CellEditing, CutWhileTheBoxIsOpenEmptiesTheBox) {
   Type("7");
   Press(Qt::Key_Return);
   EXPECT_EQ(TableIn(document).Row(0).StopChannel, 7);
+}
+
+TEST_F(CellEditing, NameThatIsCutWhileItIsTypedIsCutFromTheListToo) {
+  const Document document = Open({NamedRow("")});
+  document.Overwrite(NameRow, "x");
+  ASSERT_EQ(document.ListName(0), "x");
+  document.Window->CopyCut(true);
+  EXPECT_EQ(document.ListName(0), "");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(document.ListName(0), "");
+  EXPECT_EQ(TableIn(document).Row(0).Name, "");
 }
 
 // --- Leaving: the row that was left is stored, and no other one is written to
@@ -850,6 +923,22 @@ TEST_F(CellEditing, StepStopsAt199Records) {
   EXPECT_EQ(answers.Seen, std::vector{LimitReached});
   EXPECT_EQ(document.Box->text(), "0");
   EXPECT_FALSE(document.State->Changed);
+}
+
+TEST_F(CellEditing, StepGoesOnFromTheBandsThereAreWhereTheCountIsDamaged) {
+  for (const auto& [damaged, key, expected] : std::vector<std::tuple<int, Qt::Key, int>>{
+           {500, Qt::Key_Up, 2}, {500, Qt::Key_Down, 0}, {-3, Qt::Key_Up, 1}, {-3, Qt::Key_Down, 0}}) {
+    Rows rows = {NamedRow("A", damaged)};
+    if (damaged > 0) rows.push_back(Band(1, 2, 3, 4));
+    const Document document = Open(rows);
+    document.DoubleClick(document.Details, SubbandsRow);
+    Press(key);
+    EXPECT_EQ(document.Box->text(), QString::number(expected)) << damaged;
+    EXPECT_EQ(document.Detail(SubbandsRow), QString::number(expected)) << damaged;
+    EXPECT_EQ(document.Bands->rowCount(), expected) << damaged;
+    EXPECT_EQ(TableIn(document).Row(0).Subbands, expected) << damaged;
+    EXPECT_TRUE(document.State->Changed) << damaged;
+  }
 }
 
 TEST_F(CellEditing, StepKeysDoNothingInOtherCells) {

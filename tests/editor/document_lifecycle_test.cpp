@@ -210,6 +210,30 @@ TEST_F(DocumentLifecycle, ClosingClearsTheWarnings) {
   EXPECT_EQ(frame.Warned.back(), "");
 }
 
+TEST_F(DocumentLifecycle, NamesInQuestionsAreNoMarkup) {
+  const Document document = OpenEmpty("Untitled <b>&amp;</b>");
+  document.State->Changed = true;
+  answers.Give([](QMessageBox& box) {
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    box.button(QMessageBox::Cancel)->click();
+  });
+  EXPECT_FALSE(document.Window->close());
+  EXPECT_EQ(answers.Seen, std::vector{Question("Untitled <b>&amp;</b>")});
+}
+
+TEST_F(DocumentLifecycle, CloseIsRefusedWhileAnyMessageBoxOfItIsUp) {
+  shared.StandardClipboard = Standards(10);
+  shared.StandardClipboardFull = true;
+  const Document document = Open(Standards(195));
+  answers.Give([&](QMessageBox& box) {
+    EXPECT_FALSE(document.Window->close());
+    EXPECT_FALSE(document.State->Released);
+    box.button(QMessageBox::Ok)->click();
+  });
+  document.Window->Paste();
+  EXPECT_EQ(document.List->rowCount(), 200);
+}
+
 TEST_F(DocumentLifecycle, CancelKeepsTheWindow) {
   const Document document = Open(Standards(1));
   document.Window->InsertBlank();
@@ -365,6 +389,14 @@ TEST_F(DocumentLifecycle, ClosingOneDocumentLeavesTheOther) {
 TEST_F(DocumentLifecycle, DocumentMayBeDestroyedInTheMiddleOfAnEdit) {
   const Document document = Open(Group("A", 1));
   document.Overwrite(document.Bands, 0, UplinkColumn, "9");
+  delete document.Window;
+  EXPECT_EQ(mdi->subWindowList().size(), 0);
+}
+
+TEST_F(DocumentLifecycle, DocumentMayBeDestroyedWhileAChoiceIsOpen) {
+  const Document document = Open(Standards(1));
+  document.Click(document.Details, ModulationRow);
+  ASSERT_TRUE(document.Modulation->hasFocus());
   delete document.Window;
   EXPECT_EQ(mdi->subWindowList().size(), 0);
 }

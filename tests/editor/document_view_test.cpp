@@ -251,6 +251,39 @@ TEST_F(DocumentView, TabGoesFromGridToGrid) {
   }
 }
 
+TEST_F(DocumentView, OnlyTheGridThatHasTheFocusShowsItsSelectionInFullColour) {
+  const Document document = Open(Group("A", 1));
+  document.Window->resize(1200, 700);
+  document.Click(document.Details, UplinkRow);
+  document.Click(document.Bands, 0, UplinkColumn);
+  const auto colour = [](Grid* grid, int row) {
+    return grid->viewport()->grab().toImage().pixelColor(grid->visualItemRect(grid->item(row, 1)).center() *
+                                                         grid->devicePixelRatioF());
+  };
+  const std::vector<std::pair<Grid*, int>> current = {
+      {document.List, 0}, {document.Details, UplinkRow}, {document.Bands, 0}};
+  const QPalette palette = document.List->palette();
+  // Styles shade the colour, less than half of its saturation.
+  const int strong = palette.color(QPalette::Highlight).hsvSaturation() / 2;
+  for (const auto& [focused, focusedRow] : current) {
+    focused->setFocus();
+    for (const auto& [grid, row] : current) {
+      EXPECT_EQ(colour(grid, row).hsvSaturation() > strong, grid == focused) << grid->objectName().toStdString();
+      EXPECT_NE(colour(grid, row), palette.color(QPalette::Base)) << grid->objectName().toStdString();
+    }
+  }
+}
+
+TEST_F(DocumentView, TitlesFollowTheColoursOfTheDesktop) {
+  const Document document = Open(Group("A", 1));
+  QPalette dark = document.Window->palette();
+  dark.setColor(QPalette::Button, Qt::black);
+  dark.setColor(QPalette::ButtonText, Qt::white);
+  document.Window->setPalette(dark);
+  EXPECT_EQ(document.Details->item(UplinkRow, 0)->background().color(), QColor(Qt::black));
+  EXPECT_EQ(document.Details->item(UplinkRow, 0)->foreground().color(), QColor(Qt::white));
+}
+
 TEST_F(DocumentView, ScreenReaderHearsWhatAValueIs) {
   const Document document = Open({{"2", 1, "GSM 900", 890.2, 935.2, 1, 124, 0.2, 0.2, 1}, Band(891, 936, 2, 3)});
   const auto textOf = [](Grid* grid, int row, int column) {

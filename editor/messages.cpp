@@ -1,0 +1,22 @@
+#include "editor/messages.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+
+namespace chanplan {
+
+QMessageBox::StandardButton Ask(QWidget& owner, QMessageBox::Icon icon, const QString& title, const QString& text,
+                                QMessageBox::StandardButtons buttons) {
+  QMessageBox box(icon, title, QString(text).replace("\r\n", "\n"), buttons, &owner);
+  box.setTextFormat(Qt::PlainText);
+  // Columns behind TABs stay columns.
+  for (QLabel* label : box.findChildren<QLabel*>())
+    label->setAlignment(label->alignment() | static_cast<Qt::Alignment>(Qt::TextExpandTabs));
+  const bool busy = QGuiApplication::overrideCursor() != nullptr;
+  if (busy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);  // the program waits for the user
+  const int answer = box.exec();
+  if (busy) QGuiApplication::restoreOverrideCursor();
+  return static_cast<QMessageBox::StandardButton>(answer);
+}
+
+}  // namespace chanplan
