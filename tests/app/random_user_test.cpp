@@ -58,7 +58,7 @@ class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned
         "mnuFileNew",      "mnuFileOpen",         "mnuFileClose",     "mnuFileSave",     "mnuFileSaveAs",
         "menuFileDefault", "mnuFileProperties",   "mnuRecentFile1",   "mnuEditCut",      "mnuEditCopy",
         "mnuEditPaste",    "menuEditNewChanplan", "mnuWindowCascade", "mnuViewWarnings", "mnuWindowTileHorizontal",
-        "mnuHelpAbout"};
+        "mnuHelpAbout",    "mnuToolsUpload",      "mnuToolsQuery",    "mnuFilePrint"};
     if (QAction& item = Item(OneOf(commands)); item.isEnabled() && item.isVisible()) item.trigger();
   }
   void PressAKey() {
