@@ -1,18 +1,33 @@
 // CUPS: the platform library drops a document that the queue turns away, and tells nobody.
 #include <cups/cups.h>
 
+#include <QLibrary>
 #include <string_view>
 
 #include "editor/print_queue.h"
 
 namespace chanplan {
+namespace {
+
+// The library that the platform library prints with, found when it is needed: linked to the program
+// it would take a tenth more memory from every start.
+template <typename Function>
+Function* Resolve(Function& /*declared*/, const char* name) {
+  return reinterpret_cast<Function*>(QLibrary::resolve("cups", 2, name));
+}
+
+}  // namespace
 
 bool QueueAcceptsJobs(const std::string& name) {
-  cups_dest_t* queue = cupsGetNamedDest(CUPS_HTTP_DEFAULT, name.c_str(), nullptr);
+  const auto getDestination = Resolve(cupsGetNamedDest, "cupsGetNamedDest");
+  const auto getOption = Resolve(cupsGetOption, "cupsGetOption");
+  const auto freeDestinations = Resolve(cupsFreeDests, "cupsFreeDests");
+  if (getDestination == nullptr || getOption == nullptr || freeDestinations == nullptr) return true;
+  cups_dest_t* queue = getDestination(CUPS_HTTP_DEFAULT, name.c_str(), nullptr);
   if (queue == nullptr) return true;
-  const char* accepting = cupsGetOption("printer-is-accepting-jobs", queue->num_options, queue->options);
+  const char* accepting = getOption("printer-is-accepting-jobs", queue->num_options, queue->options);
   const bool accepts = accepting == nullptr || std::string_view(accepting) != "false";
-  cupsFreeDests(1, queue);
+  freeDestinations(1, queue);
   return accepts;
 }
 
