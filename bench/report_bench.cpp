@@ -1,19 +1,16 @@
 // The report, the listing and the chart of a full table, each against a loop that only formats the
-// same numbers; PDF files against empty ones.
+// same numbers; a PDF file against an empty one.
 #include <benchmark/benchmark.h>
 
-#include <QBuffer>
 #include <QGuiApplication>
-#include <QPdfWriter>
 #include <array>
 #include <charconv>
 #include <string>
 
 #include "report/html_report.h"
 #include "report/listing.h"
-#include "report/pdf_surface.h"
+#include "report/pdf_listing.h"
 #include "report/plan_chart.h"
-#include "report/qt_print_surface.h"
 
 namespace chanplan {
 namespace {
@@ -52,22 +49,6 @@ class NoSurface : public PrintSurface {
   void StartPage() override {}
 };
 
-std::string PlainPdf(const SignalStandardTable& table) {
-  PdfSurface surface(LetterPaper);
-  PrintListing(surface, table, "x");
-  return surface.Bytes();
-}
-
-QByteArray QtPdf(const SignalStandardTable& table) {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  QPdfWriter writer(&buffer);
-  QtPrintSurface surface(writer);
-  PrintListing(surface, table, "x");
-  return bytes;
-}
-
 void FormatNumbersOnly(benchmark::State& state) {
   constexpr auto fixed = std::chars_format::fixed;
   for ([[maybe_unused]] auto _ : state) {
@@ -103,19 +84,11 @@ void Chart(benchmark::State& state) {
 }
 
 void EmptyPdf(benchmark::State& state) {
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(PlainPdf({}));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(PdfListing({}, "x", PaperSize::Letter));
 }
 
 void FullPdf(benchmark::State& state) {
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(PlainPdf(FullTable()));
-}
-
-void EmptyQtPdf(benchmark::State& state) {
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(QtPdf({}));
-}
-
-void FullQtPdf(benchmark::State& state) {
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(QtPdf(FullTable()));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(PdfListing(FullTable(), "x", PaperSize::Letter));
 }
 
 BENCHMARK(FormatNumbersOnly)->Unit(benchmark::kMicrosecond);
@@ -124,8 +97,6 @@ BENCHMARK(ListingLayout)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Chart)->Unit(benchmark::kMicrosecond);
 BENCHMARK(EmptyPdf)->Unit(benchmark::kMicrosecond);
 BENCHMARK(FullPdf)->Unit(benchmark::kMicrosecond);
-BENCHMARK(EmptyQtPdf)->Unit(benchmark::kMicrosecond);
-BENCHMARK(FullQtPdf)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace chanplan

@@ -1,12 +1,10 @@
 // chanplan: the editor's functions from the command line.
-#include <QCoreApplication>
 #include <iostream>
 
 #include "console/command.h"
 
 int main(int argc, char** argv) {
   using namespace chanplan;
-  const QCoreApplication application(argc, argv);
   CLI::App app(
       "Check, convert, merge, compare, print and draw Signal Standard tables, and move them to and from handheld "
       "units.",

@@ -1,8 +1,8 @@
 #include "console/command.h"
+#include "console/qt_application.h"
 #include "core/file_system.h"
 #include "core/sig_file.h"
-#include "report/listing.h"
-#include "report/pdf_surface.h"
+#include "report/pdf_listing.h"
 
 namespace chanplan {
 namespace {
@@ -10,13 +10,14 @@ namespace {
 struct PrintArguments {
   std::filesystem::path File;
   std::filesystem::path Out;
-  PaperSize Paper = LetterPaper;
+  PaperSize Paper = PaperSize::Letter;
 };
 
 void Print(const PrintArguments& arguments) {
-  PdfSurface surface(arguments.Paper);
-  PrintListing(surface, OpenTable(arguments.File), CaptionOfFile(arguments.File));
-  FailUnlessSaved(arguments.Out, ReplaceFile(arguments.Out, surface.Bytes()));
+  const SignalStandardTable table = OpenTable(arguments.File);
+  const auto application = MakePrintApplication();
+  FailUnlessSaved(arguments.Out,
+                  ReplaceFile(arguments.Out, PdfListing(table, CaptionOfFile(arguments.File), arguments.Paper)));
 }
 
 }  // namespace
@@ -28,7 +29,8 @@ void AddPrintCommand(CLI::App& app, int& /*exitCode*/) {
   command->add_option("OUT", arguments->Out, "where to write the listing")->required();
   command
       ->add_option_function<std::string>(
-          "--paper", [arguments](const std::string& name) { arguments->Paper = name == "a4" ? A4Paper : LetterPaper; },
+          "--paper",
+          [arguments](const std::string& name) { arguments->Paper = name == "a4" ? PaperSize::A4 : PaperSize::Letter; },
           "letter (unless another is named) or a4")
       ->check(CLI::IsMember({"letter", "a4"}));
   command->callback([arguments] { Print(*arguments); });

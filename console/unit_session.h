@@ -5,6 +5,7 @@
 #include <string>
 
 #include "console/command.h"
+#include "console/qt_application.h"
 #include "unit/qt_serial_port.h"
 #include "unit/tracing_port.h"
 #include "unit/transfer.h"
@@ -41,6 +42,7 @@ class UnitSession {
  private:
   [[noreturn]] void Fail(const std::string& reason) const;
 
+  std::unique_ptr<QCoreApplication> application = MakePortApplication();
   std::string portName;
   QtSerialPort port;
   std::unique_ptr<TracingPort> tracing;

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "console/command.h"
+#include "console/qt_application.h"
 #include "core/number_picture.h"
 #include "unit/qt_serial_port.h"
 #include "unit/unit_connection.h"
@@ -31,6 +32,7 @@ void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("units", "Try the machine's serial ports and list the units that answer");
   command->footer("A line per unit: device, model, firmware version, whether the editor accepts it.");
   command->callback([] {
+    const auto application = MakePortApplication();
     const auto devices = SerialDevices();
     int answered = 0;
     for (const std::string& device : devices) answered += PrintUnit(device) ? 1 : 0;

@@ -26,17 +26,21 @@ std::optional<FrequencyRange> RangeOf(const SignalStandardRecord& record, double
   return FrequencyRange{ToWholeHertz(visible->Low), ToWholeHertz(visible->High)};
 }
 
+void AppendBands(std::vector<Band>& bands, const SignalStandardTable& table, int row) {
+  const SignalStandardRecord& record = table.Row(row);
+  if (const auto range = RangeOf(record, record.UplinkStartFreq))
+    bands.push_back({row, LinkDirection::Uplink, *range, {}});
+  if (const auto range = RangeOf(record, record.DownlinkStartFreq))
+    bands.push_back({row, LinkDirection::Downlink, *range, {}});
+}
+
 Lane LaneOf(const SignalStandardTable& table, int standard) {
-  Lane lane{standard, {}, {}};
+  Lane lane;
+  lane.Standard = standard;
   const int end = GroupEnd(table, standard);
-  const int first = end > standard + 1 ? standard + 1 : standard;
-  for (int row = first; row < end; ++row) {
-    const SignalStandardRecord& record = table.Row(row);
-    if (const auto range = RangeOf(record, record.UplinkStartFreq))
-      lane.Bands.push_back({row, LinkDirection::Uplink, *range, {}});
-    if (const auto range = RangeOf(record, record.DownlinkStartFreq))
-      lane.Bands.push_back({row, LinkDirection::Downlink, *range, {}});
-  }
+  const bool hasSubbands = end > standard + 1;
+  AppendBands(hasSubbands ? lane.OwnBands : lane.Bands, table, standard);
+  for (int row = standard + 1; row < end; ++row) AppendBands(lane.Bands, table, row);
   return lane;
 }
 

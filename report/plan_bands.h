@@ -33,17 +33,18 @@ struct Band {
   std::vector<FrequencyRange> Shared;  ///< parts that other standards use too; ascending, apart
 };
 
-/// A standard with the bands of its rows.
+/// A standard with the bands that it uses: those of its sub-bands or, when it has none, its own.
 struct Lane {
   int Standard = 0;  ///< table index
   std::vector<Band> Bands;
+  std::vector<Band> OwnBands;   ///< of a standard with sub-bands: its own row's
   std::vector<int> SharesWith;  ///< table indices of the standards that it shares carriers with, ascending
 };
 
 /// A lane for every standard, in table order. A row's bands reach from the start frequency over
 /// (StopChannel - StartChannel) times the spacing, and are cut to the spectrum that is looked at; a
-/// start frequency of 0 is none. A standard with sub-bands has theirs in place of its own, whose
-/// channel numbers may jump between them.
+/// start frequency of 0 is none. What standards share is told by the bands that they use: the own row of a
+/// standard with sub-bands also counts the channels that its numbers jump over.
 std::vector<Lane> PlanLanes(const SignalStandardTable& table);
 
 }  // namespace chanplan

@@ -23,12 +23,13 @@ constexpr double LanesTop = 76;
 constexpr double PlotLeft = 224;
 constexpr double PlotRight = ChartWidth - 32;
 constexpr double AxisHeight = 22;
-constexpr double LaneHeight = 24;
-constexpr double TextBaseline = 16;  // in an axis or a lane
-constexpr double MarkTop = 1.5;      // marks and bands: of uplinks from the lane's top, of downlinks from its bottom
-constexpr double MarkHeight = 2.5;
-constexpr double BandTop = 4.5;
-constexpr double BandHeight = 7;
+constexpr double LaneHeight = 28;
+constexpr double TextBaseline = 17;  // in an axis or a lane
+constexpr double MarkTop = 1;        // marks and bands: of uplinks from the lane's top, of downlinks from its bottom
+constexpr double MarkHeight = 2;
+constexpr double BandTop = 5.25;
+constexpr double BandHeight = 6.5;
+constexpr double OutlineDistance = 1.25;  // around bands
 constexpr double NarrowestBand = 2;
 
 constexpr std::size_t MostLanesInABlock = 30;  // an axis is in sight wherever a long chart is scrolled to
@@ -55,6 +56,7 @@ constexpr std::string_view Style =
     ".downlink { fill: url(#hatch); stroke: #a14f00; stroke-width: 1 }\n"
     ".hatch-ground { fill: #fbe3c8 }\n"
     ".hatch-line { stroke: #a14f00; stroke-width: 2 }\n"
+    ".own { fill: none; stroke: #7d8893 }\n"
     ".shared { fill: #c2005d }\n"
     "@media (prefers-color-scheme: dark) {\n"
     "text { fill: #e8eaed }\n"
@@ -66,6 +68,7 @@ constexpr std::string_view Style =
     ".downlink { stroke: #f0a04b }\n"
     ".hatch-ground { fill: #46301a }\n"
     ".hatch-line { stroke: #f0a04b }\n"
+    ".own { stroke: #87919b }\n"
     ".shared { fill: #ff6fb0 }\n"
     "}\n"
     "</style>\n"
@@ -145,7 +148,8 @@ double TotalOf(std::span<const FrequencyRange> ranges) {
 Axis AxisOver(const std::vector<Lane>& lanes) {
   std::vector<FrequencyRange> ranges;
   for (const Lane& lane : lanes)
-    for (const Band& band : lane.Bands) ranges.push_back(band.Range);
+    for (const auto* bands : {&lane.OwnBands, &lane.Bands})
+      for (const Band& band : *bands) ranges.push_back(band.Range);
   Axis axis;
   if (ranges.empty()) return axis;
   ranges = Merged(std::move(ranges));
@@ -199,9 +203,10 @@ std::string RangeText(const FrequencyRange& range) {
 
 std::string DirectionText(const Band& band) { return band.Direction == LinkDirection::Uplink ? "uplink" : "downlink"; }
 
-// A lane in words: "NAME; uplink 890 to 915 MHz; shares carriers with OTHER".
+// A lane in words: "NAME; own uplink 890 to 920 MHz; uplink 890 to 915 MHz; shares carriers with OTHER".
 std::string LaneText(const SignalStandardTable& table, const Lane& lane) {
   std::string text = NameText(table.Row(lane.Standard).Name);
+  for (const Band& band : lane.OwnBands) text += "; own " + DirectionText(band) + " " + RangeText(band.Range);
   for (const Band& band : lane.Bands) text += "; " + DirectionText(band) + " " + RangeText(band.Range);
   const std::size_t told = std::min(lane.SharesWith.size(), MostNamesTold);
   for (std::size_t index = 0; index < told; ++index)
@@ -210,26 +215,40 @@ std::string LaneText(const SignalStandardTable& table, const Lane& lane) {
   return text;
 }
 
-void AddBand(Svg& svg, const SignalStandardTable& table, const Band& band, const Axis& axis, double laneTop) {
-  const auto addPart = [&](std::string_view kind, const FrequencyRange& part, double top, double height,
-                           const std::string& title) {
-    const bool uplink = band.Direction == LinkDirection::Uplink;
-    const double left = axis.X(part.Low);
-    const double width = std::max(axis.X(part.High) - left, NarrowestBand);
-    svg.AddRect(kind, left, laneTop + (uplink ? top : LaneHeight - top - height), width, height, title);
-  };
-  const std::string name = NameText(table.Row(band.Row).Name) + ": ";
-  const std::string direction = DirectionText(band);
-  addPart(direction, band.Range, BandTop, BandHeight, name + direction + " " + RangeText(band.Range));
-  for (const FrequencyRange& part : band.Shared)
-    addPart("shared", part, MarkTop, MarkHeight, name + RangeText(part) + " shared with other standards");
-}
+// Draws in the half of a lane that `direction` has; `top` counts from the lane's edge there.
+struct HalfLane {
+  Svg& File;
+  const Axis& Scale;
+  double LaneTop;
+  LinkDirection Direction;
 
-void AddLane(Svg& svg, const SignalStandardTable& table, const Lane& lane, const Axis& axis, double top) {
+  void AddRect(std::string_view kind, const FrequencyRange& range, double top, double height,
+               const std::string& title) const {
+    const double left = Scale.X(range.Low);
+    const double width = std::max(Scale.X(range.High) - left, NarrowestBand);
+    const bool upper = Direction == LinkDirection::Uplink;
+    File.AddRect(kind, left, LaneTop + (upper ? top : LaneHeight - top - height), width, height, title);
+  }
+};
+
+void AddLane(Svg& svg, const SignalStandardTable& table, const Lane& lane, const Axis& axis, double laneTop) {
+  const std::string standard = NameText(table.Row(lane.Standard).Name);
   svg.Text += "<g role=\"img\"><title>" + LaneText(table, lane) + "</title>\n";
-  svg.AddText("label", Edge, top + TextBaseline, Label(table.Row(lane.Standard).Name));
-  if (lane.Bands.empty()) svg.AddText("note", PlotLeft, top + TextBaseline, "no frequencies from 0 to 9000 MHz");
-  for (const Band& band : lane.Bands) AddBand(svg, table, band, axis, top);
+  svg.AddText("label", Edge, laneTop + TextBaseline, Label(table.Row(lane.Standard).Name));
+  if (lane.OwnBands.empty() && lane.Bands.empty())
+    svg.AddText("note", PlotLeft, laneTop + TextBaseline, "no frequencies from 0 to 9000 MHz");
+  for (const Band& band : lane.OwnBands)
+    HalfLane{svg, axis, laneTop, band.Direction}.AddRect(
+        "own", band.Range, BandTop - OutlineDistance, BandHeight + 2 * OutlineDistance,
+        standard + ": own " + DirectionText(band) + " " + RangeText(band.Range));
+  for (const Band& band : lane.Bands) {
+    const HalfLane half{svg, axis, laneTop, band.Direction};
+    const std::string name = NameText(table.Row(band.Row).Name) + ": ";
+    half.AddRect(DirectionText(band), band.Range, BandTop, BandHeight,
+                 name + DirectionText(band) + " " + RangeText(band.Range));
+    for (const FrequencyRange& part : band.Shared)
+      half.AddRect("shared", part, MarkTop, MarkHeight, name + RangeText(part) + " shared with other standards");
+  }
   svg.Text += "</g>\n";
 }
 
@@ -270,9 +289,11 @@ void AddLegend(Svg& svg, std::string_view summary) {
     double Height;
     std::string_view Text;
   };
-  const std::array<Entry, 3> entries = {{{Edge, "uplink", 0, BandHeight, "uplink, in a lane's upper half"},
+  const std::array<Entry, 4> entries = {{{Edge, "uplink", 0, BandHeight, "uplink, in a lane's upper half"},
                                          {PlotLeft + 26, "downlink", 0, BandHeight, "downlink, in its lower half"},
-                                         {PlotLeft + 250, "shared", 2, MarkHeight, summary}}};
+                                         {PlotLeft + 250, "own", -OutlineDistance, BandHeight + 2 * OutlineDistance,
+                                          "own range of a standard with sub-bands"},
+                                         {PlotLeft + 560, "shared", 2, MarkHeight, summary}}};
   constexpr double sampleWidth = 28;
   for (const auto& [left, kind, top, height, text] : entries) {
     svg.AddRect(kind, left, LegendTop + top, sampleWidth, height);

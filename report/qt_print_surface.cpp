@@ -1,5 +1,7 @@
 #include "report/qt_print_surface.h"
 
+#include <QFontInfo>
+
 namespace chanplan {
 namespace {
 
@@ -13,6 +15,8 @@ QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDev
 
 void QtPrintSurface::SetFont(std::string_view name, double points) {
   QFont font(ToQString(name));
+  // The painter would draw no letter, and not say so.
+  if (QFontInfo(font).family().isEmpty()) throw PrintFailure("no font is installed to print with");
   font.setPointSizeF(points);
   font.setKerning(false);  // digits stand below each other
   painter.setFont(font);

@@ -23,9 +23,9 @@ struct Folder {
 const std::vector<Folder> Folders = {
     {"core", {}, {}},
     {"unit", {"core"}, {"qt_serial_port.h", "qt_serial_port.cpp"}},
-    {"report", {"core"}, {"qt_print_surface.h", "qt_print_surface.cpp"}},
+    {"report", {"core"}, {"pdf_listing.cpp", "qt_print_surface.h", "qt_print_surface.cpp"}},
     {"simulator", {"core", "unit"}, {}},
-    {"console", {"core", "unit", "report"}, {"main.cpp"}},
+    {"console", {"core", "unit", "report"}, {"qt_application.h", "qt_application.cpp"}},
     {"editor", {"core", "report"}, {"*"}},
     {"app", {"core", "unit", "report", "editor"}, {"*"}},
 };

@@ -5,6 +5,8 @@
 
 #include "tests/console/program.h"
 #include "tests/console/sig_text.h"
+#include "tests/core/run_in_child.h"
+#include "tests/core/small_disk.h"
 #include "tests/report/pdf_reader.h"
 
 namespace chanplan::testing {
@@ -62,7 +64,7 @@ TEST(Print, ListsTheTableOnTheirPaper) {
   };
   for (const auto& [options, paper] :
        {Case{{}, "612 x 792 pts (letter)"}, Case{{"--paper", "letter"}, "612 x 792 pts (letter)"},
-        Case{{"--paper", "a4"}, "595.276 x 841.89 pts (A4)"}}) {
+        Case{{"--paper", "a4"}, "595 x 842 pts (A4)"}}) {
     std::vector<std::string> arguments = {"print", "plan.sig", "out.pdf"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     const ProgramRun run = chanplan.Run(arguments);
@@ -86,6 +88,30 @@ TEST(Print, TakesTwoHundredRows) {
   EXPECT_NE(PdfText(pdf).find("S199 "), std::string::npos);
 }
 
+TEST(Print, NeedsNoDesktop) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  RunOptions options;
+  options.Environment = {"DISPLAY=", "WAYLAND_DISPLAY=", "XDG_RUNTIME_DIR=", "QT_QPA_PLATFORM=xcb"};
+  const ProgramRun run = chanplan.Run({"print", "plan.sig", "out.pdf"}, options);
+  EXPECT_EQ(run.Errors, "");
+  EXPECT_EQ(run.ExitStatus, 0);
+  EXPECT_EQ(PdfPages(ReadFile(chanplan.Folder / "out.pdf")), 1);
+}
+
+TEST(Print, FailsWithoutFonts) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Group);
+  WriteFile(chanplan.Folder / "out.pdf", "former");
+  WriteFile(chanplan.Folder / "fonts.conf", "<?xml version=\"1.0\"?><fontconfig></fontconfig>");
+  RunOptions options;
+  options.Environment = {"FONTCONFIG_FILE=" + (chanplan.Folder / "fonts.conf").string()};
+  const ProgramRun run = chanplan.Run({"print", "plan.sig", "out.pdf"}, options);
+  EXPECT_EQ(run.Errors, "chanplan: no font is installed to print with\n");
+  EXPECT_EQ(run.ExitStatus, 2);
+  EXPECT_EQ(ReadFile(chanplan.Folder / "out.pdf"), "former");
+}
+
 TEST(Chart, ShowsTheStandards) {
   const Chanplan chanplan;
   WriteFile(chanplan.Folder / "plan.sig", Group);
@@ -106,6 +132,34 @@ TEST(Print, KnowsTwoPapers) {
   EXPECT_TRUE(run.Errors.starts_with("--paper: a3 not in {")) << run.Errors;
   EXPECT_EQ(run.ExitStatus, 2);
   EXPECT_FALSE(fs::exists(chanplan.Folder / "out.pdf"));
+}
+
+TEST(WhatIsWritten, IsWholeOrNotThereOnAFullDisk) {
+  for (const char* command : {"report", "print", "chart"}) {
+    SCOPED_TRACE(command);
+    const Chanplan chanplan;
+    const std::string problem = RunInChild([&]() -> std::string {
+      MountSmallDisk(chanplan.Folder.Path());
+      WriteFile(chanplan.Folder / "small.sig", Group);
+      WriteFile(chanplan.Folder / "big.sig", SigText(NumberedRows(199)));
+      const ProgramRun first = chanplan.Run({command, "small.sig", "out"});
+      if (first.ExitStatus != 0) return "the small one did not fit: " + first.Errors;
+      const std::string former = ReadFile(chanplan.Folder / "out");
+      const auto left = fs::space(chanplan.Folder.Path()).available;
+      WriteFile(chanplan.Folder / "filler", std::string(left - 8192, 'x'));
+      for (const std::string out : {"out", "new"}) {
+        const ProgramRun run = chanplan.Run({command, "big.sig", out});
+        if (run.Errors != "chanplan: Error Saving File " + out + ": No space left on device\n" || run.ExitStatus != 2)
+          return "the big one as " + out + " came to " + std::to_string(run.ExitStatus) + " " + run.Errors;
+      }
+      if (ReadFile(chanplan.Folder / "out") != former) return "the former file is not whole";
+      if (NamesIn(chanplan.Folder.Path()) != std::set<std::string>{"big.sig", "filler", "out", "small.sig"})
+        return "something was left beside the file";
+      return {};
+    });
+    if (problem.starts_with(Impossible)) GTEST_SKIP() << problem;
+    EXPECT_EQ(problem, "");
+  }
 }
 
 TEST(WhatIsWritten, MayGoToAPipe) {

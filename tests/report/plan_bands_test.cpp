@@ -27,12 +27,14 @@ SignalStandardRecord Standard(double uplink, double downlink, int channels, int 
   return {"2", subbands, "S", uplink, downlink, 100, 100 + channels, 0.2, 0.2, 1};
 }
 
-Ranges RangesOf(const Lane& lane, LinkDirection direction) {
+Ranges RangesIn(const std::vector<Band>& bands, LinkDirection direction) {
   Ranges ranges;
-  for (const Band& band : lane.Bands)
+  for (const Band& band : bands)
     if (band.Direction == direction) ranges.push_back(band.Range);
   return ranges;
 }
+
+Ranges RangesOf(const Lane& lane, LinkDirection direction) { return RangesIn(lane.Bands, direction); }
 
 Ranges UplinksOf(const SignalStandardRecord& record) { return RangesOf(PlanLanes(TableOf({record})).at(0), Uplink); }
 
@@ -50,7 +52,7 @@ TEST(PlanLanes, ReachFromTheFirstCarrierToTheLast) {
   EXPECT_EQ(RangesOf(lanes[0], Downlink), (Ranges{{935.2, 959.8}}));
 }
 
-TEST(PlanLanes, ShowSubbandsInPlaceOfTheirStandard) {
+TEST(PlanLanes, UseTheSubbandsOfTheirStandard) {
   const auto lanes = PlanLanes(
       TableOf({Standard(890, 935, 1023, 2), Standard(890, 935, 124), Standard(880.2, 925.2, 48), Standard(1, 2, 5)}));
   ASSERT_EQ(lanes.size(), 2u);
@@ -59,11 +61,24 @@ TEST(PlanLanes, ShowSubbandsInPlaceOfTheirStandard) {
   EXPECT_EQ(lanes[0].Bands[3].Row, 2);
 }
 
+TEST(PlanLanes, KeepTheOwnBandsOfAStandardWithSubbandsApart) {
+  const auto lanes = PlanLanes(TableOf({Standard(890, 935, 1023, 1), Standard(880.2, 925.2, 48), Standard(890, 935, 10),
+                                        Standard(0, 9999, 10, 1), Standard(890, 935, 10)}));
+  ASSERT_EQ(lanes.size(), 3u);
+  EXPECT_EQ(RangesIn(lanes[0].OwnBands, Uplink), (Ranges{{890, 1094.6}}));
+  EXPECT_EQ(RangesIn(lanes[0].OwnBands, Downlink), (Ranges{{935, 1139.6}}));
+  EXPECT_EQ(lanes[0].OwnBands[0].Row, 0);
+  EXPECT_TRUE(lanes[1].OwnBands.empty());
+  EXPECT_TRUE(lanes[2].OwnBands.empty()) << "the own row has no frequency that is looked at";
+  EXPECT_FALSE(lanes[2].Bands.empty());
+}
+
 TEST(PlanLanes, StopAtTheTablesEnd) {
   for (const int subbands : {7, 200, std::numeric_limits<int>::max()}) {
     const auto lanes = PlanLanes(TableOf({Standard(890, 935, 10, subbands), Standard(900, 945, 10)}));
     ASSERT_EQ(lanes.size(), 1u);
     EXPECT_EQ(RangesOf(lanes[0], Uplink), (Ranges{{900, 902}}));
+    EXPECT_EQ(RangesIn(lanes[0].OwnBands, Uplink), (Ranges{{890, 892}}));
   }
   // A count that nothing follows leaves the standard's own bands.
   EXPECT_EQ(UplinksOf(Standard(890, 935, 10, 7)), (Ranges{{890, 892}}));
@@ -143,6 +158,22 @@ TEST(PlanLanes, ShareNothingWithThemselves) {
   ASSERT_EQ(lanes.size(), 1u);
   for (const Band& band : lanes[0].Bands) EXPECT_EQ(band.Shared, Ranges());
   EXPECT_TRUE(lanes[0].SharesWith.empty());
+}
+
+TEST(PlanLanes, ShareWhatTheirSubbandsShare) {
+  const SignalStandardRecord jumping = Standard(890, 935, 1023, 2);  // its own row reaches to 1094.6 and 1139.6
+  const auto lanes =
+      PlanLanes(TableOf({jumping, Standard(890, 935, 124), Standard(880.2, 925.2, 48), Standard(1000, 1100, 50),
+                         Standard(885, 0, 10), jumping, Standard(700, 750, 10), Standard(720, 770, 10)}));
+  ASSERT_EQ(lanes.size(), 4u);
+  EXPECT_EQ(lanes[0].SharesWith, (std::vector<int>{4})) << "not the standard in its own row's empty part";
+  EXPECT_EQ(lanes[1].SharesWith, std::vector<int>());
+  EXPECT_EQ(lanes[2].SharesWith, (std::vector<int>{0}));
+  EXPECT_EQ(lanes[3].SharesWith, std::vector<int>()) << "not by equal own rows";
+  EXPECT_EQ(lanes[0].Bands[0].Shared, Ranges());
+  EXPECT_EQ(lanes[0].Bands[2].Shared, (Ranges{{885, 887}}));
+  for (const Lane& lane : lanes)
+    for (const Band& band : lane.OwnBands) EXPECT_EQ(band.Shared, Ranges());
 }
 
 TEST(PlanLanes, TellASharedPartOnce) {

@@ -133,9 +133,9 @@ TEST(Chart, HasALaneForEveryStandardWithItsSubbandsInIt) {
   const SvgFile file = Chart({Standard("A", 890, 935, 1023, 2), Standard("A(A)", 890, 935, 100),
                               Standard("A(B)", 880, 925, 40), Standard("B", 1800, 1900, 100)});
   const auto labels = file.Of("text", "label");
-  ASSERT_EQ(labels.size(), 3u + 2u) << "three of the legend";
-  EXPECT_EQ(labels[3].Text, "A");
-  EXPECT_EQ(labels[4].Text, "B");
+  ASSERT_EQ(labels.size(), 4u + 2u) << "four of the legend";
+  EXPECT_EQ(labels[4].Text, "A");
+  EXPECT_EQ(labels[5].Text, "B");
   const auto uplinks = Drawn(file, "uplink");
   const auto downlinks = Drawn(file, "downlink");
   ASSERT_EQ(uplinks.size(), 3u);
@@ -148,6 +148,47 @@ TEST(Chart, HasALaneForEveryStandardWithItsSubbandsInIt) {
   EXPECT_GT(uplinks[2].Y, firstLane.Y + firstLane.Height);
   for (std::size_t place = 0; place < uplinks.size(); ++place)
     EXPECT_GE(downlinks[place].Y, uplinks[place].Y + uplinks[place].Height) << "uplinks stand above downlinks";
+}
+
+TEST(Chart, OutlinesTheOwnRangeOfAStandardWithSubbands) {
+  const SvgFile file =
+      Chart({Standard("A", 890, 935, 250, 1), Standard("A(A)", 900, 945, 100), Standard("B", 890, 935, 100)});
+  const auto ticks = TicksOf(file);
+  const auto [low, left] = *ticks.begin();
+  const double scale = (ticks.rbegin()->second - left) / (ticks.rbegin()->first - low);
+  const auto outlines = Drawn(file, "own");
+  ASSERT_EQ(outlines.size(), 2u) << "of A alone";
+  struct Case {
+    const char* Kind;
+    double Low;
+    const char* Title;
+  };
+  for (std::size_t place = 0;
+       const auto& [kind, start, title] :
+       {Case{"uplink", 890, "A: own uplink 890 to 940 MHz"}, Case{"downlink", 935, "A: own downlink 935 to 985 MHz"}}) {
+    const SvgElement& outline = outlines[place++];
+    const SvgElement band = Drawn(file, kind).at(0);
+    EXPECT_EQ(outline.Title, title);
+    EXPECT_NEAR(outline.X, left + (start - low) * scale, Pixel);
+    EXPECT_NEAR(outline.Width, 50 * scale, 2 * Pixel);
+    EXPECT_LT(outline.Y, band.Y) << "seen around the sub-band";
+    EXPECT_GT(outline.Y + outline.Height, band.Y + band.Height);
+  }
+  EXPECT_LT(outlines[0].Y + outlines[0].Height, outlines[1].Y);
+  for (const SvgElement& mark : Drawn(file, "shared"))
+    for (const SvgElement& outline : outlines)
+      EXPECT_TRUE(mark.Y + mark.Height < outline.Y || mark.Y > outline.Y + outline.Height) << mark.Title;
+  EXPECT_EQ(file.Lanes[0],
+            "A; own uplink 890 to 940 MHz; own downlink 935 to 985 MHz; uplink 900 to 920 MHz; downlink 945 to 965 "
+            "MHz; shares carriers with B");
+}
+
+TEST(Chart, OutlinesAnOwnRangeWithoutSubbandsInSight) {
+  const SvgFile file = Chart({Standard("A", 890, 0, 100, 1), Standard("A(A)", 0, 0, 100)});
+  EXPECT_EQ(Drawn(file, "own").size(), 1u);
+  EXPECT_TRUE(Drawn(file, "uplink").empty());
+  EXPECT_LE(TicksOf(file).begin()->first, 890);
+  EXPECT_EQ(file.Of("text", "note").size(), 2u) << "those of the axes alone";
 }
 
 TEST(Chart, CountsAndMarksWhatStandardsShare) {
