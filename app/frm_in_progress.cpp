@@ -6,14 +6,12 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "editor/text_edge.h"
+
 namespace chanplan {
 namespace {
 
 constexpr int BarWidth = 320;  // pixels
-
-QString ToText(std::string_view ascii) {
-  return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
-}
 
 }  // namespace
 
@@ -74,9 +72,9 @@ void frmInProgress::Abort() {
   set_Label("Aborting...");
 }
 
-void frmInProgress::SetLabel(std::string_view text) { set_Label(ToText(text)); }
+void frmInProgress::SetLabel(std::string_view text) { set_Label(TextOf(text)); }
 
-void frmInProgress::SetCaption(std::string_view text) { setWindowTitle(ToText(text)); }
+void frmInProgress::SetCaption(std::string_view text) { setWindowTitle(TextOf(text)); }
 
 void frmInProgress::closeEvent(QCloseEvent* event) {
   event->ignore();

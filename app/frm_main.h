@@ -60,7 +60,7 @@ class frmMain : public QMainWindow, public FrameOperations {
 
   /// Moves the table of `document` from or to the unit, shows how far it is and how it ended. False
   /// only when the unit did not answer.
-  bool Proc_Query(DocumentWindow& document, bool Download);
+  bool Proc_Query(DocumentWindow& document, bool Download = false);
   /// Merges the table of `source` into that of `base`.
   void MergeTables(DocumentWindow& base, DocumentWindow& source);
 

@@ -10,16 +10,10 @@
 #include "core/sig_file.h"
 #include "editor/default_printer.h"
 #include "editor/messages.h"
+#include "editor/text_edge.h"
 #include "report/html_report.h"
 
 namespace chanplan {
-namespace {
-
-QString Latin(std::string_view ascii) {
-  return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
-}
-
-}  // namespace
 
 void frmMain::mnuFileNew_Click() { app.NewDocument(); }
 
@@ -71,7 +65,7 @@ void frmMain::mnuFilePrint_Click() {
 }
 
 void frmMain::menuFileDefault_Click() {
-  const QString path = app.ProgramFolder + "/" + Latin(FactoryFileName);
+  const QString path = app.ProgramFolder + "/" + TextOf(FactoryFileName);
   if (QFileInfo(path).isFile()) OpenTableFile(*this, path);
 }
 

@@ -61,7 +61,7 @@ void frmMain::mnuToolsUpload_Click() {
     MergeTables(*transfers.Document, *transfers.Source);
   }
   if (!ConfirmLosses(*transfers.Document)) return;
-  Proc_Query(*transfers.Document, false);
+  Proc_Query(*transfers.Document);
 }
 
 // The user may have wished to stop while the unit was waited for.
@@ -108,8 +108,7 @@ void frmMain::AbortTransfer() {
 
 void frmMain::MergeTables(DocumentWindow& base, DocumentWindow& source) {
   const MergeOutcome merged = chanplan::MergeTables(base.Table(), source.Table(), app.Transfers.UploadReplaceMatching);
-  if (merged.Truncated)
-    ShowMessage(*this, QString::fromLatin1(MergeTruncatedText.data()), "Table Merge", QMessageBox::Information);
+  if (merged.Truncated) ShowMessage(*this, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
   GetTable(merged.Table, app.Shared.Transfer);
   base.SetTable();
 }

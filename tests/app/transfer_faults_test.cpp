@@ -131,6 +131,14 @@ TEST_F(FaultyUnit, ThatLosesBytesLeavesAnEmptyDocument) {
   ExpectNothingMoved();
 }
 
+// Nothing on the line tells a lost byte; the unit waits for the rest and then forgets what it got.
+TEST_F(FaultyUnit, ThatLosesBytesOfAnUploadKeepsItsTable) {
+  StartFaulty({"--fault", "drop-every-nth-byte", "--nth", "50"});
+  Upload(Choice::Overwrite);
+  EXPECT_EQ(Status(), CompletedText(3));
+  ExpectNothingMoved();
+}
+
 // What is added to a part of the table would cost the unit the rest.
 TEST_F(FaultyUnit, ThatSpoilsItsReplyStopsAnAppend) {
   for (const char* fault : {"truncate-reply", "wrong-count", "garbage"}) {
