@@ -40,7 +40,8 @@ bool AppMain::AnyDocumentOpen() const {
 }
 
 int AppMain::GetFreeDocumentSlot(bool newSlotRequested) {
-  const bool onlyFirst = Documents.size() == 1 && Documents[0] != nullptr && !DocumentStates[0].Released;
+  const bool onlyFirst =
+      Documents.size() == 1 && Documents[0] != nullptr && !DocumentStates[0].Released && !Transfers.Holds(Documents[0]);
   if (onlyFirst && !newSlotRequested && Documents[0]->IsUntitled() && !DocumentStates[0].Changed) return 1;
   std::size_t index = 0;
   while (index < DocumentStates.size() && !DocumentStates[index].Released) ++index;

@@ -200,8 +200,10 @@ void frmMain::SetPaneHeight(int proposed) {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  AbortTransfer();
-  if (app.Transfers.Running) return event->ignore();
+  if (app.Transfers.Running) {
+    AbortTransfer();
+    return event->ignore();
+  }
   if (QApplication::activeModalWidget() != nullptr) return event->ignore();  // it is to be answered first
   const auto opened = app.Documents;
   for (const QPointer<DocumentWindow>& document : opened) {

@@ -102,7 +102,13 @@ void frmMain::mnuOptionStatusBar_Click() { sbStatusBar->setVisible(sbStatusBar->
 
 void frmMain::mnuViewWarnings_Click() { WarningHolder->setVisible(WarningHolder->isHidden()); }
 
-void frmMain::menuOptionsCom_Click(int index) { app.Link.CommPort = static_cast<std::int16_t>(index); }
+void frmMain::menuOptionsCom_Click(int index) {
+  const auto port = static_cast<std::int16_t>(index);
+  if (app.Transfers.Running)
+    app.Transfers.PortForTheNext = port;
+  else
+    app.Link.CommPort = port;
+}
 
 void frmMain::menuOptionsBaud_Click(int index) {
   const QString caption = Action("menuOptionsBaud" + QString::number(index))->text();

@@ -181,8 +181,9 @@ void frmMain::mnuView_DropDown() {
 }
 
 void frmMain::menuOptions_DropDown() {
+  const int chosen = app.Transfers.PortForTheNext.value_or(app.Link.CommPort);
   for (int port = 1; port <= LastPort; ++port)
-    Action("menuOptionsCom" + QString::number(port))->setChecked(app.Link.CommPort == port);
+    Action("menuOptionsCom" + QString::number(port))->setChecked(chosen == port);
   for (int baud = 0; baud <= LastBaudRate; ++baud) {
     QAction* item = Action("menuOptionsBaud" + QString::number(baud));
     item->setChecked(item->text() == QString::fromStdString(app.Link.BaudRate) + " bps");

@@ -1,4 +1,6 @@
 // The main frame: moving tables between documents and the unit.
+#include <utility>
+
 #include "app/frm_in_progress.h"
 #include "app/frm_main.h"
 #include "app/frm_upload_optns.h"
@@ -16,6 +18,15 @@ constexpr char CanceledText[] = "Process canceled by user.";
 constexpr char NothingUploadedText[] =
     "The table of the unit could not be read whole, so nothing was uploaded: check the cable and start again.";
 
+bool FitsTheWire(const SignalStandardTable& table) {
+  try {
+    EncodeTable(table, 0);
+  } catch (const WireMisfit&) {
+    return false;
+  }
+  return true;
+}
+
 QString CompletedText(int records) {
   return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
 }
@@ -32,6 +43,7 @@ class frmMain::TransferCommand {
   }
   ~TransferCommand() {
     transfers.Running = false;
+    if (const auto port = std::exchange(transfers.PortForTheNext, {})) frame.app.Link.CommPort = *port;
     transfers.Document = transfers.Source = nullptr;
     frame.unsetCursor();
   }
@@ -84,13 +96,17 @@ bool frmMain::Download(bool toAppend) {
   const bool whole = app.Transfers.Result == LinkTrue;
   if (toAppend && answered && !whole && !app.Transfers.AbortRequested)
     ShowMessage(*this, NothingUploadedText, ApplicationTitle(), QMessageBox::Warning);
+  // An abort may have been asked for after the status bar had its text.
+  if (toAppend && app.Transfers.AbortRequested) ShowStatus(CanceledText);
   return whole && !app.Transfers.AbortRequested;
 }
 
+// A table that does not fit is not asked about: it will be refused.
 bool frmMain::ConfirmLosses(DocumentWindow& document) {
   constexpr std::size_t longestList = 10;
-  std::vector<std::string> losses = WireLosses(document.Table());
-  if (losses.empty()) return true;
+  const SignalStandardTable table = document.Table();
+  std::vector<std::string> losses = WireLosses(table);
+  if (losses.empty() || !FitsTheWire(table)) return true;
   if (losses.size() > longestList) {
     losses.resize(longestList);
     losses.push_back("...");
@@ -103,7 +119,7 @@ bool frmMain::ConfirmLosses(DocumentWindow& document) {
 
 void frmMain::AbortTransfer() {
   app.Transfers.AbortRequested = true;
-  if (app.Transfers.Running && progress != nullptr) progress->Abort();
+  if (progress != nullptr) progress->Abort();
 }
 
 void frmMain::MergeTables(DocumentWindow& base, DocumentWindow& source) {
@@ -111,6 +127,7 @@ void frmMain::MergeTables(DocumentWindow& base, DocumentWindow& source) {
   if (merged.Truncated) ShowMessage(*this, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
   GetTable(merged.Table, app.Shared.Transfer);
   base.SetTable();
+  if (merged.Table.Count > 0) base.State().Changed = true;  // it is in no file
 }
 
 bool frmMain::Proc_Query(DocumentWindow& document, bool Download) {
@@ -126,7 +143,7 @@ bool frmMain::Proc_Query(DocumentWindow& document, bool Download) {
                   [&] { return AbortRequested; });
   app.Transfers.Result = outcome.Result;
   document.UnitTableTag = moved.UnitTableTag;
-  const QString message = TextOf(outcome.Message);
+  const QString message = QString::fromStdString(outcome.Message);
   ShowStatus(!message.isEmpty() ? message : AbortRequested ? CanceledText : CompletedText(moved.Table.Count));
   progress->Finish();
   FinishTransfer(app.Link, outcome);

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QPointer>
+#include <cstdint>
+#include <optional>
 
 #include "editor/document_window.h"
 #include "unit/unit_link.h"
@@ -16,6 +18,8 @@ struct TransferState {
 
   /// A transfer command runs, from connecting to the unit to the closed port.
   bool Running = false;
+  /// The port that the user chose meanwhile: one command keeps to one unit.
+  std::optional<std::int16_t> PortForTheNext;
   /// Of the table that was moved last.
   LinkResult Result = LinkFalse;
   /// Whose tables it moves; they stay open until its end.

@@ -7,11 +7,6 @@
 #include "report/qt_print_surface.h"
 
 namespace chanplan {
-namespace {
-
-constexpr double Margin = 0.25;  // inches; leaves the listing's 7.75 on every usual paper
-
-}  // namespace
 
 QString DefaultPrinterName() { return QPrinterInfo::defaultPrinterName(); }
 
@@ -22,7 +17,7 @@ void PrintOnDefaultPrinter(const QString& title, const std::function<void(PrintS
     throw PrintFailure("the printer " + info.printerName().toStdString() + " does not accept documents");
   QPrinter printer(info, QPrinter::HighResolution);
   printer.setDocName(title);
-  printer.setPageMargins({Margin, Margin, Margin, Margin}, QPageLayout::Inch);
+  printer.setPageMargins({PageMargin, PageMargin, PageMargin, PageMargin}, QPageLayout::Inch);
   QtPrintSurface surface(printer);
   draw(surface);
 }

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 
+#include "editor/entry_box.h"
 #include "editor/muted_selection.h"
 
 namespace chanplan {
@@ -99,7 +100,7 @@ void Grid::focusInEvent(QFocusEvent* event) {
 
 void Grid::focusOutEvent(QFocusEvent* event) {
   QTableWidget::focusOutEvent(event);
-  emit FocusLost();
+  if (FocusMovedOn(*event)) emit FocusLost();
 }
 
 void Grid::keyPressEvent(QKeyEvent* event) {

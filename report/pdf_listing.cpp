@@ -10,11 +10,10 @@ namespace chanplan {
 namespace {
 
 constexpr int DotsPerInch = 600;
-constexpr double Margin = 0.25;  // inches; what printers commonly cannot reach
 
 QPageLayout PageLayout(PaperSize paper) {
   const QPageSize size(paper == PaperSize::A4 ? QPageSize::A4 : QPageSize::Letter);
-  return {size, QPageLayout::Portrait, QMarginsF(Margin, Margin, Margin, Margin), QPageLayout::Inch};
+  return {size, QPageLayout::Portrait, QMarginsF(PageMargin, PageMargin, PageMargin, PageMargin), QPageLayout::Inch};
 }
 
 }  // namespace

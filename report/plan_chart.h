@@ -10,7 +10,8 @@ namespace chanplan {
 
 /// The chart of `table` as an SVG file (UTF-8) in the colours that the reader prefers, light or
 /// dark: a lane for every standard, its uplink bands above its downlink bands, with the parts that
-/// other standards use too marked; a standard with sub-bands has them in outlines of its own bands. `caption` is UTF-8; what XML cannot hold becomes U+FFFD.
+/// other standards use too marked; a standard with sub-bands has them in outlines of its own bands. `caption` is UTF-8;
+/// what XML cannot hold becomes U+FFFD.
 std::string ChartSvg(const SignalStandardTable& table, std::string_view caption);
 
 }  // namespace chanplan

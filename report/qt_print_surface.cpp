@@ -10,13 +10,13 @@ QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(),
 }  // namespace
 
 QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDevice) {
+  // Without fonts the painter would draw no letter, and not say so. A document that has begun is printed.
+  if (QFontInfo(QFont()).family().isEmpty()) throw PrintFailure("no font is installed to print with");
   if (!painter.begin(&device)) throw PrintFailure("the printer does not take a document");
 }
 
 void QtPrintSurface::SetFont(std::string_view name, double points) {
   QFont font(ToQString(name));
-  // The painter would draw no letter, and not say so.
-  if (QFontInfo(font).family().isEmpty()) throw PrintFailure("no font is installed to print with");
   font.setPointSizeF(points);
   font.setKerning(false);  // digits stand below each other
   painter.setFont(font);

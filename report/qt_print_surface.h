@@ -8,6 +8,10 @@
 
 namespace chanplan {
 
+/// What printers commonly cannot reach at a page's edges, inches. It leaves the listing's 7.75 on every
+/// usual paper.
+inline constexpr double PageMargin = 0.25;
+
 /// Draws on a printer or PDF writer, whose page size and margins are the caller's: the listing is
 /// 7.75 inches wide. A QGuiApplication must live. What the device only finds out once its queue has
 /// taken the document, it tells nobody.

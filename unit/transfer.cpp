@@ -1,5 +1,6 @@
 #include "unit/transfer.h"
 
+#include "core/text_encoding.h"
 #include "unit/unit_connection.h"
 #include "unit/wire_encoding.h"
 
@@ -61,12 +62,15 @@ LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress
   const std::uint16_t tag = document.UnitTableTag == 0 ? FirstTableTag : document.UnitTableTag;
   const std::string message = EncodeTable(document.Table, tag);
   document.UnitTableTag = tag;
-  link.SendCommString(link.CommHandle, {&ReceiveTableCommand, 1});
+  const auto sendInTime = [&](const char& byte) {
+    const auto start = link.Now();
+    link.SendCommString(link.CommHandle, {&byte, 1});
+    return !link.PortFailure() && link.Now() - start <= LongestPause;
+  };
+  if (!sendInTime(ReceiveTableCommand)) return LinkFalse;
   progress.SetRange(0, static_cast<int>(message.size()));
   for (std::size_t sent = 0; sent < message.size(); ++sent) {
-    const auto start = link.Now();
-    link.SendCommString(link.CommHandle, {&message[sent], 1});
-    if (link.PortFailure() || link.Now() - start > LongestPause) return LinkFalse;
+    if (!sendInTime(message[sent])) return LinkFalse;
     progress.SetValue(static_cast<int>(sent + 1));
   }
   progress.SetCaption(std::to_string(message.size()));
@@ -89,7 +93,7 @@ TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTab
       EncodeTable(document.Table, document.UnitTableTag);
     } catch (const WireMisfit& misfit) {
       outcome.Misfit = true;
-      outcome.Message = misfit.what();
+      outcome.Message = Utf8FromWindows1252(misfit.what());
       return outcome;
     }
   }

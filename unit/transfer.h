@@ -48,7 +48,7 @@ struct TransferOutcome {
   bool Misfit = false;            ///< a value does not fit, so the unit was not asked
   bool Aborted = false;           ///< the user had asked to stop before the table was moved
   LinkResult Result = LinkFalse;  ///< of moving the table
-  /// What to tell the user: no answer, a value that does not fit, a port that broke, an upload that
+  /// What to tell the user, UTF-8: no answer, a value that does not fit, a port that broke, an upload that
   /// was held up. Otherwise empty, also when the unit's table did not arrive in time.
   std::string Message;
 };

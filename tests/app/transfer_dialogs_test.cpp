@@ -225,6 +225,7 @@ TEST_F(ProgressDialog, TransferThatEndsTakesTheQuestionAway) {
            EXPECT_TRUE(question->isVisible());
          });
   Choose("mnuToolsUpload");
+  EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(question, nullptr);
   EXPECT_EQ(Status(), CompletedText(5));
 }

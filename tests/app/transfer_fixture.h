@@ -12,12 +12,18 @@
 
 namespace chanplan::testing {
 
-/// A serial port that knows when the last byte moved.
+/// A serial port that knows when the last byte moved and which numbers it was opened by.
 class WatchedPort : public QtSerialPort {
  public:
   using QtSerialPort::QtSerialPort;
 
   std::chrono::steady_clock::time_point LastByte = std::chrono::steady_clock::now();
+  std::vector<int> Numbers;
+
+  void SetPortNumber(int number) override {
+    Numbers.push_back(number);
+    QtSerialPort::SetPortNumber(number);
+  }
 
   void TransmitCommChar(std::intptr_t handle, char byte) override {
     LastByte = std::chrono::steady_clock::now();

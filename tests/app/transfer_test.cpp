@@ -1,4 +1,5 @@
 // Downloads and uploads from the Tools menu, through a serial line to a simulated unit.
+#include "app/file_io.h"
 #include "tests/app/transfer_fixture.h"
 
 using namespace chanplan;
@@ -188,6 +189,39 @@ TEST_F(Uploading, AsksBeforeAValueArrivesAsAnother) {
   EXPECT_EQ(UnitsTable().Row(0).UplinkStartFreq, 0);
 }
 
+TEST_F(Uploading, ListsTenValuesThatArriveAsOthersAndNoMore) {
+  StartUnit();
+  const std::vector<std::string> rows(12, "2|0|High|5000|935|1|124|0.2|0.2|1");
+  Start({TableFile("mine.sig", rows)});
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage(QMessageBox::Cancel);
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(messages.back().Text.count("High"), 10);
+  EXPECT_TRUE(messages.back().Text.contains("\n...\n"));
+}
+
+TEST_F(Uploading, OfAValueThatDoesNotFitAsksAboutNoOther) {
+  StartUnit();
+  Start({TableFile("mine.sig", {"2|0|High|5000|935|1|124|0.2|0.2|1", "2|0|Gr\xFCn|890|935|1|70000|0.2|0.2|1"})});
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  EXPECT_TRUE(messages.back().Text.startsWith("row 2 (Gr\u00FCn): Stop Channel")) << messages.back().Text.toStdString();
+}
+
+// The message box takes the activation, not the focus's place.
+TEST_F(Uploading, LeavesItsOutcomeInTheStatusBarWhereverTheFocusWas) {
+  StartUnit();
+  Start({TableFile("mine.sig", {"2|0|Bad|890|935|1|70000|0.2|0.2|1"})});
+  auto* details = Frame().ActiveDocument()->findChild<Grid*>("GridDetails");
+  details->setFocus();
+  details->setCurrentCell(5, 1);
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(Status(), messages.back().Text);
+}
+
 TEST_F(Appending, KeepsTheUnitsStandards) {
   StartUnit(Rows({"A", "B"}));
   const QString mine = TableFile("mine.sig", {"130|0|B|1710|1805|1|2|0.2|0.2|1", "130|0|C|1710|1805|1|2|0.2|0.2|1"});
@@ -241,6 +275,17 @@ TEST_F(Appending, FromAnUntouchedDocumentLeavesItAlone) {
   app->DocumentStates[1].Changed = false;
 }
 
+// It is in no file either.
+TEST_F(Appending, MarksTheMergedTableAsChanged) {
+  StartUnit();
+  Start({TableFile("mine.sig", Rows({"A"}))});
+  Upload(Choice::Append);
+  EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
+  EXPECT_TRUE(app->DocumentStates[1].Changed);
+  EXPECT_FALSE(app->DocumentStates[0].Changed);
+  app->DocumentStates[1].Changed = false;
+}
+
 TEST_F(Appending, MergesIntoTheDownloadAlthoughAnotherDocumentBecameActive) {
   StartUnit(NumberedRows(40), {"--baud", "19200"});
   const QString mine = TableFile("mine.sig", Rows({"C"}));
@@ -283,6 +328,62 @@ TEST_F(MeanwhileInATransfer, AnotherDocumentCanBeEdited) {
   EXPECT_EQ(app->Document(1)->Table().Count, 2);
   EXPECT_EQ(UnitsTable().Count, 10);
   app->DocumentStates[0].Changed = false;
+}
+
+TEST_F(MeanwhileInATransfer, AFileThatIsOpenedGetsAWindowOfItsOwn) {
+  StartUnit(NumberedRows(60), {"--baud", "38400"});
+  const QString mine = TableFile("mine.sig", Rows({"Mine"}));
+  Start();
+  During([this] { return IsDownloading(); }, [this, mine] { OpenTableFile(Frame(), mine); });
+  Download();
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(Captions(), QStringList({"Untitled(Query) 1", mine}));
+  EXPECT_EQ(NamesOf(app->Document(2)->Table()), QStringList({"Mine"}));
+  EXPECT_EQ(app->Document(1)->Table().Count, 60);
+  app->DocumentStates[0].Changed = false;
+}
+
+TEST_F(MeanwhileInATransfer, APortThatIsChosenIsForTheNextOne) {
+  StartUnit(NumberedRows(40), {"--baud", "19200"});
+  Start({TableFile("mine.sig", Rows({"C"}))});
+  port->Numbers.clear();  // those that were looked for at the start
+  During([this] { return IsDownloading(); }, [this] { Choose("menuOptionsCom2"); });
+  Upload(Choice::Append);
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(port->Numbers, std::vector<int>(port->Numbers.size(), 1));
+  EXPECT_EQ(app->Link.CommPort, 2);
+  EXPECT_EQ(UnitsTable().Count, 41);
+  app->DocumentStates[1].Changed = false;
+}
+
+TEST_F(MeanwhileInATransfer, TheTableThatArrivesReplacesWhatWasEnteredInItsWindow) {
+  StartUnit(NumberedRows(60), {"--baud", "38400"});
+  Start();
+  During([this] { return IsDownloading(); }, [this] { Press("Add"); });
+  Download();
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(app->Document(1)->Table().Count, 60);
+  app->DocumentStates[0].Changed = false;
+}
+
+// The exchange is being ended: the status bar has its text, and the dialog is gone.
+TEST_F(MeanwhileInATransfer, ClosingTheFrameAtTheEndOfAnAppendsDownloadStopsIt) {
+  StartUnit(NumberedRows(2));
+  Start({TableFile("mine.sig", Rows({"C"}))});
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [this, &watch] {
+    if (Progress() == nullptr || Progress()->isVisible() || Status() != CompletedText(2)) return;
+    watch.stop();
+    EXPECT_TRUE(app->Transfers.Running);
+    Frame().close();
+  });
+  watch.start(0);
+  Upload(Choice::Append);
+  EXPECT_FALSE(watch.isActive());
+  EXPECT_EQ(Status(), CanceledText);
+  EXPECT_FALSE(UnitGotATable());
+  EXPECT_TRUE(Frame().isVisible());
+  app->DocumentStates[1].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, AnEditOfItsDocumentIsForTheNextUpload) {

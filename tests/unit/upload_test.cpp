@@ -66,6 +66,21 @@ TEST(UploadChanplans, SendsTheTagThatADownloadBrought) {
   }
 }
 
+// By then the unit may take the rest for commands.
+TEST(UploadChanplans, IsGivenUpAfterAPauseOfMoreThanTwoSeconds) {
+  for (const std::size_t heldUpBehind : {1u, 2u, 50u}) {
+    for (const auto& [pause, result] : {std::pair{1900ms, LinkTrue}, {2100ms, LinkFalse}}) {
+      Upload upload({NamedRow("GSM")});
+      upload.Port.Script = [&, heldUp = pause](std::string_view sent) {
+        if (sent.size() == heldUpBehind) upload.Clock.Time += heldUp;
+        return std::vector<DelayedBytes>();
+      };
+      EXPECT_EQ(upload.Run(), result) << heldUpBehind;
+      EXPECT_EQ(upload.Port.SentBytes().size(), result == LinkTrue ? 1 + 4 + 48u : heldUpBehind);
+    }
+  }
+}
+
 TEST(UploadChanplans, SendsFrequenciesInHertz) {
   struct Case {
     double Megahertz;
