@@ -6,7 +6,7 @@
 #include <QStyledItemDelegate>
 #include <QTextLayout>
 
-#include "editor/muted_selection.h"
+#include "editor/item_colours.h"
 
 namespace chanplan {
 namespace {

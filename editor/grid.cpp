@@ -5,7 +5,7 @@
 #include <QKeyEvent>
 
 #include "editor/entry_box.h"
-#include "editor/muted_selection.h"
+#include "editor/item_colours.h"
 
 namespace chanplan {
 namespace {
@@ -117,6 +117,7 @@ void Grid::keyPressEvent(QKeyEvent* event) {
 void Grid::initViewItemOption(QStyleOptionViewItem* option) const {
   QTableWidget::initViewItemOption(option);
   MuteSelection(*option, *this);
+  ShowGridLines(*option);
 }
 
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
