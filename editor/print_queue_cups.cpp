@@ -12,16 +12,16 @@ namespace {
 // The library that the platform library prints with, found when it is needed: linked to the program
 // it would take a tenth more memory from every start.
 template <typename Function>
-Function* Resolve(Function& /*declared*/, const char* name) {
+Function* Resolve(const char* name) {
   return reinterpret_cast<Function*>(QLibrary::resolve("cups", 2, name));
 }
 
 }  // namespace
 
 bool QueueAcceptsJobs(const std::string& name) {
-  const auto getDestination = Resolve(cupsGetNamedDest, "cupsGetNamedDest");
-  const auto getOption = Resolve(cupsGetOption, "cupsGetOption");
-  const auto freeDestinations = Resolve(cupsFreeDests, "cupsFreeDests");
+  const auto getDestination = Resolve<decltype(cupsGetNamedDest)>("cupsGetNamedDest");
+  const auto getOption = Resolve<decltype(cupsGetOption)>("cupsGetOption");
+  const auto freeDestinations = Resolve<decltype(cupsFreeDests)>("cupsFreeDests");
   if (getDestination == nullptr || getOption == nullptr || freeDestinations == nullptr) return true;
   cups_dest_t* queue = getDestination(CUPS_HTTP_DEFAULT, name.c_str(), nullptr);
   if (queue == nullptr) return true;
