@@ -2,6 +2,7 @@
 // dialogs, prints a line for each step and leaves a picture of each in FOLDER. It fails at the first
 // step that does not come out as it must.
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -272,9 +273,11 @@ class Tour {
   void EnterFileName(QFileDialog& dialog, const QString& path) {
     auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
     name->selectAll();
-    QTest::keyClicks(name, path);
+    // Pasted: typed, each folder on the way may stay selected, and be entered in place of saving.
+    QGuiApplication::clipboard()->setText(path);
+    QTest::keyClick(name, Qt::Key_V, Qt::ControlModifier);
     Picture(dialog.acceptMode() == QFileDialog::AcceptSave ? "save-dialog" : "open-dialog");
-    // Not with Enter, which a list of completions that comes late would take.
+    // Not Enter, which a list of completions that comes late would take.
     const auto* buttons = dialog.findChild<QDialogButtonBox*>("buttonBox");
     const bool saves = dialog.acceptMode() == QFileDialog::AcceptSave;
     QTest::mouseClick(buttons->button(saves ? QDialogButtonBox::Save : QDialogButtonBox::Open), Qt::LeftButton);
