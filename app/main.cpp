@@ -12,10 +12,7 @@ int main(int argc, char* argv[]) {
   QGuiApplication::setDesktopFileName("chanplan-editor");  // so that the desktop finds the icon
   QStringList paths;
   for (const QString& argument : QApplication::arguments().mid(1)) paths += QFileInfo(argument).absoluteFilePath();
-  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(),
-              [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-                return std::make_unique<frmDocument>(frame, state, shared);
-              });
+  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(), frmDocument::Make);
   app.Main(paths);
   QObject::connect(app.Frame.get(), &frmMain::Ended, &application, [] { QApplication::exit(); });
   return QApplication::exec();

@@ -11,10 +11,7 @@
 namespace chanplan {
 
 inline std::unique_ptr<AppMain> StartEditor() {
-  auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(),
-                                       [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-                                         return std::make_unique<frmDocument>(frame, state, shared);
-                                       });
+  auto app = std::make_unique<AppMain>(std::make_unique<QtSerialPort>(), SystemTiming(), frmDocument::Make);
   app->Main();
   return app;
 }

@@ -113,11 +113,7 @@ void LinkUpload(benchmark::State& state) {
 // The editor with a full table.
 class Editor {
  public:
-  Editor()
-      : app(std::make_unique<QtSerialPort>(unit.Path().toStdString()), SystemTiming(),
-            [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-              return std::make_unique<frmDocument>(frame, state, shared);
-            }) {
+  Editor() : app(std::make_unique<QtSerialPort>(unit.Path().toStdString()), SystemTiming(), frmDocument::Make) {
     app.Main();
     app.Document(1)->ShowUnitTable(FullTable());
   }

@@ -3,6 +3,7 @@
 
 #include <QComboBox>
 #include <QSpinBox>
+#include <memory>
 
 #include "core/signal_standard_table.h"
 #include "editor/document_window.h"
@@ -26,6 +27,12 @@ class frmDocument : public DocumentWindow {
   frmDocument(FrameOperations& frameUsed, DocumentState& documentState, SharedTables& sharedTables,
               QWidget* parent = nullptr);
   ~frmDocument() override;
+
+  /// What start-up makes documents with.
+  static std::unique_ptr<DocumentWindow> Make(FrameOperations& frameUsed, DocumentState& documentState,
+                                              SharedTables& sharedTables) {
+    return std::make_unique<frmDocument>(frameUsed, documentState, sharedTables);
+  }
 
   DocumentState& State() override { return state; }
   QString WarningsText() const override { return warningsText; }

@@ -26,8 +26,6 @@ class BusyPointer {
   QWidget& widget;
 };
 
-QString ToText(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
-
 }  // namespace
 
 bool frmDocument::LoadSigStandards(const QString& path) {
@@ -40,11 +38,11 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   if (!outcome.Ok()) {
     FillStandardList();
     ShowSelectedStandard();
-    ShowFailure(*this, frame.ApplicationTitle(), ToText(LoadErrorText(path.toStdString(), table.Count)));
+    ShowFailure(*this, frame.ApplicationTitle(), QString::fromUtf8(LoadErrorText(path.toStdString(), table.Count)));
     return false;
   }
-  if (outcome.Truncated) ShowFailure(*this, "File Error", ToText(FileTruncatedText));
-  setWindowTitle(ToText(CaptionOfFile(PathOf(path))));
+  if (outcome.Truncated) ShowFailure(*this, "File Error", QString::fromUtf8(FileTruncatedText));
+  setWindowTitle(QString::fromUtf8(CaptionOfFile(PathOf(path))));
   ValidateTable();
   FillStandardList();
   if (GridList->rowCount() > 0) GridList->setCurrentCell(0, 1);
@@ -69,7 +67,7 @@ bool frmDocument::SaveChanplans(const QString& path) {
 
 QString frmDocument::TableProperties() {
   CommitEdit();
-  return ToText(chanplan::TableProperties(table, windowTitle().toStdString()));
+  return QString::fromUtf8(chanplan::TableProperties(table, windowTitle().toStdString()));
 }
 
 bool frmDocument::SigReport(const QString& ReportName) {
@@ -87,7 +85,7 @@ void frmDocument::PrintSigs() {
     PrintOnDefaultPrinter(windowTitle(),
                           [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
   } catch (const PrintFailure& failure) {
-    ShowFailure(*this, "Print", "The listing was not printed: " + ToText(failure.what()) + ".");
+    ShowFailure(*this, "Print", "The listing was not printed: " + QString::fromUtf8(failure.what()) + ".");
   }
 }
 

@@ -24,7 +24,7 @@ std::string PdfListing(const SignalStandardTable& table, std::string_view captio
   QPdfWriter writer(&file);
   writer.setResolution(DotsPerInch);
   writer.setPageLayout(PageLayout(paper));
-  writer.setTitle(QString::fromUtf8(caption.data(), static_cast<qsizetype>(caption.size())));
+  writer.setTitle(QString::fromUtf8(caption));
   writer.setCreator("Chanplan Editor");
   QtPrintSurface surface(writer);
   PrintListing(surface, table, caption);

@@ -3,12 +3,6 @@
 #include <QFontInfo>
 
 namespace chanplan {
-namespace {
-
-QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
-
-}  // namespace
-
 QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDevice) {
   // Without fonts the painter would draw no letter, and not say so. A document that has begun is printed.
   if (QFontInfo(QFont()).family().isEmpty()) throw PrintFailure("no font is installed to print with");
@@ -16,14 +10,14 @@ QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDev
 }
 
 void QtPrintSurface::SetFont(std::string_view name, double points) {
-  QFont font(ToQString(name));
+  QFont font(QString::fromUtf8(name));
   font.setPointSizeF(points);
   font.setKerning(false);  // digits stand below each other
   painter.setFont(font);
 }
 
 double QtPrintSurface::TextWidth(std::string_view text) const {
-  return Metrics().horizontalAdvance(ToQString(text)) / device.logicalDpiX();
+  return Metrics().horizontalAdvance(QString::fromUtf8(text)) / device.logicalDpiX();
 }
 
 double QtPrintSurface::PrintableHeight() const { return static_cast<double>(device.height()) / device.logicalDpiY(); }
@@ -38,7 +32,7 @@ void QtPrintSurface::EndDocument() {
 }
 
 void QtPrintSurface::DrawText(double x, double y, std::string_view text) {
-  painter.drawText(Dots(x, y) + QPointF(0, Metrics().ascent()), ToQString(text));
+  painter.drawText(Dots(x, y) + QPointF(0, Metrics().ascent()), QString::fromUtf8(text));
 }
 
 double QtPrintSurface::LineHeight() const { return Metrics().height() / device.logicalDpiY(); }

@@ -332,10 +332,7 @@ int main(int argc, char* argv[]) {
     std::fputs("chanplan-tour: the simulated unit does not start\n", stderr);
     return 1;
   }
-  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(),
-              [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-                return std::make_unique<frmDocument>(frame, state, shared);
-              });
+  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(), frmDocument::Make);
   app.Main();
   app.Frame->activateWindow();
   if (!QTest::qWaitForWindowActive(app.Frame.get())) std::fputs("the frame was not activated\n", stderr);

@@ -221,9 +221,7 @@ class AppTest : public ::testing::Test {
   };
 
  private:
-  void Make(DocumentFactory factory = [](FrameOperations& frame, DocumentState& state, SharedTables& shared) {
-    return std::make_unique<frmDocument>(frame, state, shared);
-  }) {
+  void Make(DocumentFactory factory = frmDocument::Make) {
     app = std::make_unique<AppMain>(MakePort(), MakeTiming(), std::move(factory));
     app->ProgramFolder = QString::fromStdString(folder.Path().string());
   }

@@ -47,6 +47,13 @@ inline SignalStandardTable TableOfNames(const std::vector<std::string>& names) {
   return table;
 }
 
+/// As many standards as a table takes, named "S0" and so on.
+inline SignalStandardTable FullTableOfNames() {
+  SignalStandardTable table;
+  while (table.Count < MaxRecords) table.Append(NamedRow("S" + std::to_string(table.Count)));
+  return table;
+}
+
 /// The names of all rows in use.
 inline std::vector<std::string> RowNames(const SignalStandardTable& table) {
   std::vector<std::string> names;

@@ -17,6 +17,7 @@ namespace chanplan {
 namespace {
 
 using testing::BlackRuns;
+using testing::FullTableOfNames;
 using testing::NamedRow;
 using testing::PdfPages;
 using testing::PdfPicture;
@@ -27,12 +28,6 @@ using testing::TableOfNames;
 
 std::string ListingOf(const SignalStandardTable& table, PaperSize paper = PaperSize::Letter) {
   return PdfListing(table, "x", paper);
-}
-
-SignalStandardTable FullTable() {
-  SignalStandardTable table;
-  while (table.Count < MaxRecords) table.Append(NamedRow("S" + std::to_string(table.Count)));
-  return table;
 }
 
 std::vector<std::string> PageTexts(const std::string& pdf) {
@@ -61,7 +56,7 @@ TEST(PdfListing, HasEveryRecordOnAPageWithAHead) {
   };
   for (const auto& [paper, records] :
        {Case{PaperSize::Letter, {55, 57, 57, 31}}, Case{PaperSize::A4, {59, 62, 62, 17}}}) {
-    const auto pages = PageTexts(ListingOf(FullTable(), paper));
+    const auto pages = PageTexts(ListingOf(FullTableOfNames(), paper));
     ASSERT_EQ(pages.size(), records.size());
     int record = 0;
     for (std::size_t page = 0; page < pages.size(); ++page) {

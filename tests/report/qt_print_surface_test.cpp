@@ -22,17 +22,12 @@ namespace chanplan {
 namespace {
 
 using testing::BlackRuns;
+using testing::FullTableOfNames;
 using testing::NamedRow;
 using testing::PdfPages;
 using testing::PdfPicture;
 using testing::TableOf;
 using testing::TempFolder;
-
-SignalStandardTable FullTable() {
-  SignalStandardTable table;
-  while (table.Count < MaxRecords) table.Append(NamedRow("S" + std::to_string(table.Count)));
-  return table;
-}
 
 void SetUpPage(QPagedPaintDevice& device) {
   device.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
@@ -141,7 +136,7 @@ TEST(QtPrintSurface, FailsWhereTheDeviceTakesNoOtherPage) {
   buffer.open(QIODevice::WriteOnly);
   OnePage writer(&buffer);
   QtPrintSurface surface(writer);
-  EXPECT_THROW(PrintListing(surface, FullTable(), "x"), PrintFailure);
+  EXPECT_THROW(PrintListing(surface, FullTableOfNames(), "x"), PrintFailure);
 }
 
 TEST(QtPrintSurface, PrintsOnAPrinter) {
@@ -150,7 +145,7 @@ TEST(QtPrintSurface, PrintsOnAPrinter) {
   printer.setOutputFileName(QString::fromStdString((folder / "x.pdf").string()));
   SetUpPage(printer);
   QtPrintSurface surface(printer);
-  PrintListing(surface, FullTable(), "x");
+  PrintListing(surface, FullTableOfNames(), "x");
   EXPECT_EQ(PdfPages(testing::ReadFile(folder / "x.pdf")), 4);
 }
 
