@@ -70,7 +70,10 @@ void frmMain::menuFileDefault_Click() {
 }
 
 void frmMain::mnuFileProperties_Click() {
-  if (DocumentWindow* document = ActiveDocument()) ShowMessage(*this, document->TableProperties(), "Table Properties");
+  DocumentWindow* document = ActiveDocument();
+  if (document == nullptr) return;
+  document->CommitEdit();
+  ShowMessage(*this, document->TableProperties(), "Table Properties");
 }
 
 void frmMain::mnuRecentFile_Click(int index) {

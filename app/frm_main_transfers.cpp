@@ -104,7 +104,8 @@ bool frmMain::Download(bool toAppend) {
 // A table that does not fit is not asked about: it will be refused.
 bool frmMain::ConfirmLosses(DocumentWindow& document) {
   constexpr std::size_t longestList = 10;
-  const SignalStandardTable table = document.Table();
+  document.CommitEdit();
+  const SignalStandardTable& table = document.Table();
   std::vector<std::string> losses = WireLosses(table);
   if (losses.empty() || !FitsTheWire(table)) return true;
   if (losses.size() > longestList) {
@@ -123,6 +124,7 @@ void frmMain::AbortTransfer() {
 }
 
 void frmMain::MergeTables(DocumentWindow& base, DocumentWindow& source) {
+  for (DocumentWindow* document : {&base, &source}) document->CommitEdit();
   const MergeOutcome merged = chanplan::MergeTables(base.Table(), source.Table(), app.Transfers.UploadReplaceMatching);
   if (merged.Truncated) ShowMessage(*this, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
   GetTable(merged.Table, app.Shared.Transfer);
@@ -137,6 +139,7 @@ bool frmMain::Proc_Query(DocumentWindow& document, bool Download) {
   progress->Set_on_top(true);
   progress->ShowOverFrame();
 
+  document.CommitEdit();
   UnitTable moved{document.Table(), document.UnitTableTag};
   const TransferOutcome outcome =
       RunTransfer(app.Link, Download ? TransferDirection::Download : TransferDirection::Upload, moved, *progress,

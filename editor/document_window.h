@@ -44,7 +44,9 @@ class DocumentWindow : public QMdiSubWindow {
   /// Stores open edits, validates and writes the table. On success the caption is the path; false,
   /// after a message, when writing failed. Leaves `Changed` to the caller.
   virtual bool SaveChanplans(const QString& path) = 0;
-  virtual QString TableProperties() = 0;
+  /// Stores an edit that is open, so that what follows finds the table as the user sees it.
+  virtual void CommitEdit() = 0;
+  virtual QString TableProperties() const = 0;
 
   /// Writes the table as an HTML report to the path `ReportName`, whole or not at all. False, after a
   /// message, when that failed.
@@ -60,12 +62,12 @@ class DocumentWindow : public QMdiSubWindow {
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
 
-  /// The table, open edits in it.
-  virtual SignalStandardTable Table() = 0;
+  /// The table, without an edit that is open.
+  virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.
   virtual void ShowUnitTable(const SignalStandardTable& received) = 0;
   /// Whole tables, through the shared transfer table.
-  virtual void GetTable() = 0;
+  virtual void GetTable() const = 0;
   virtual void SetTable() = 0;
 };
 

@@ -336,11 +336,6 @@ void frmDocument::FindSSEntry(const QString& name) {
       if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
 }
 
-SignalStandardTable frmDocument::Table() {
-  CommitEdit();
-  return table;
-}
-
 void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   shownIndex = -1;  // an edit that is open belongs to the former table
   CommitEdit();
@@ -350,10 +345,7 @@ void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   if (table.Count > 0) MarkChanged();
 }
 
-void frmDocument::GetTable() {
-  CommitEdit();
-  chanplan::GetTable(table, shared.Transfer);
-}
+void frmDocument::GetTable() const { chanplan::GetTable(table, shared.Transfer); }
 
 void frmDocument::SetTable() {
   chanplan::SetTable(shared.Transfer, table);

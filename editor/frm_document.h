@@ -39,7 +39,8 @@ class frmDocument : public DocumentWindow {
 
   bool LoadSigStandards(const QString& path) override;
   bool SaveChanplans(const QString& path) override;
-  QString TableProperties() override;
+  void CommitEdit() override;
+  QString TableProperties() const override;
   bool SigReport(const QString& ReportName) override;
   void PrintSigs() override;
   void ProcPrint() override;
@@ -47,9 +48,9 @@ class frmDocument : public DocumentWindow {
   void Paste() override;
   void InsertBlank() override;
   void FindSSEntry(const QString& name) override;
-  SignalStandardTable Table() override;
+  const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
-  void GetTable() override;
+  void GetTable() const override;
   void SetTable() override;
 
  protected:
@@ -90,7 +91,6 @@ class frmDocument : public DocumentWindow {
   void CloseEntry();
   void CancelEntry();
   void CloseChoice(QComboBox& choice);
-  void CommitEdit();
   void StoreGridsToTable();
   void StoreDetails(SignalStandardRecord& standard);
   bool StoreBands(int index);

@@ -65,8 +65,7 @@ bool frmDocument::SaveChanplans(const QString& path) {
   return true;
 }
 
-QString frmDocument::TableProperties() {
-  CommitEdit();
+QString frmDocument::TableProperties() const {
   return QString::fromUtf8(chanplan::TableProperties(table, windowTitle().toStdString()));
 }
 

@@ -121,11 +121,8 @@ class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned
   void ExpectTheListOfTheTable() {
     DocumentWindow* document = Frame().ActiveDocument();
     if (document == nullptr) return;
-    document->GetTable();
-    SignalStandardTable table;
-    std::ranges::copy(app->Shared.Transfer, table.Records.begin());
-    const QString count = document->TableProperties().section("Record count:     \t", 1).section(' ', 0, 0);
-    table.Count = count.toShort();
+    document->CommitEdit();
+    const SignalStandardTable& table = document->Table();
     ASSERT_LE(table.Count, MaxRecords);
     const QTableWidget* list = document->findChild<QTableWidget*>("GridList");
     std::vector<int> indices;

@@ -35,8 +35,8 @@ class StandInDocument : public DocumentWindow {
     if (Saves) setWindowTitle(path);
     return Saves;
   }
-  QString TableProperties() override {
-    Calls += "TableProperties";
+  void CommitEdit() override { Calls += "CommitEdit"; }
+  QString TableProperties() const override {
     return "Record count:     \t8 of 200\r\nSignal Standards: \t3";
   }
   bool SigReport(const QString& ReportName) override {
@@ -49,12 +49,12 @@ class StandInDocument : public DocumentWindow {
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
-  SignalStandardTable Table() override { return Rows; }
+  const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";
     Rows = received;
   }
-  void GetTable() override { Calls += "GetTable"; }
+  void GetTable() const override {}
   void SetTable() override { Calls += "SetTable"; }
 
  protected:

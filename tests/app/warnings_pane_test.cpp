@@ -224,7 +224,7 @@ TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
 TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherIsValidated) {
   WriteFile(folder / "doubtful.sig", "header\r\n2\t1\tDCS\t9850\t1805.2\t512\t885\t0.2\t0.2\t1\r\n");
   Start({InFolder("doubtful.sig"), Table("b.sig")});
-  app->Document(1)->GetTable();
+  app->Document(1)->CommitEdit();
   EXPECT_EQ(Lines(), QStringList());
   app->DocumentStates[0].Changed = true;
   AnswerMessage(QMessageBox::Cancel);

@@ -708,9 +708,13 @@ INSTANTIATE_TEST_SUITE_P(
                    }}),
     [](const auto& given) { return given.param.Name; });
 
-TEST_F(CellEditing, TableThatIsFetchedHasTheOpenEdit) {
+TEST_F(CellEditing, TableThatIsFetchedHasTheEditOnceThatIsStored) {
   const Document document = Open(Standards(1));
   document.Overwrite(StopRow, "9");
+  document.Window->GetTable();
+  EXPECT_EQ(shared.Transfer[0].StopChannel, 810);
+  EXPECT_TRUE(document.Box->isVisible());
+  document.Window->CommitEdit();
   document.Window->GetTable();
   EXPECT_EQ(shared.Transfer[0].StopChannel, 9);
 }

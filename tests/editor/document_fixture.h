@@ -260,8 +260,9 @@ class DocumentTest : public ::testing::Test {
 
   QString PathText(const std::string& fileName) const { return QString::fromStdString((folder / fileName).string()); }
 
-  /// The document's table, up to the last row that is not empty. Edits that are still open come with it.
+  /// The document's table, up to the last row that is not empty. Stores an edit that is open.
   SignalStandardTable TableIn(const Document& document) {
+    document.Window->CommitEdit();
     document.Window->GetTable();
     std::vector<SignalStandardRecord> rows = shared.Transfer;
     while (!rows.empty() && rows.back() == SignalStandardRecord()) rows.pop_back();

@@ -186,12 +186,16 @@ TEST_F(DocumentLifecycle, DecimalsAreTypedWithAPointWhateverTheLocale) {
   EXPECT_EQ(TableIn(document).Row(1).UplinkStartFreq, 890.25);
 }
 
-TEST_F(DocumentLifecycle, PropertiesCountTheOpenEdit) {
+TEST_F(DocumentLifecycle, PropertiesAndTableLeaveAnOpenEditAlone) {
   const Document document = Open(Standards(1));
   const QString former = document.Window->TableProperties();
   document.Overwrite(SubbandsRow, "2");
+  EXPECT_EQ(document.Window->TableProperties(), former);
+  EXPECT_EQ(document.Window->Table().Count, 1);
+  EXPECT_TRUE(document.Box->isVisible());
+  document.Window->CommitEdit();
   EXPECT_NE(document.Window->TableProperties(), former);
-  EXPECT_EQ(TableIn(document).Count, 3);
+  EXPECT_EQ(document.Window->Table().Count, 3);
 }
 
 // --- Closing
