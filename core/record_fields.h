@@ -2,6 +2,7 @@
 // know of a field beyond its value.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -38,7 +39,7 @@ struct RecordField {
   FieldMember Member;
   std::size_t WireSize;           ///< bytes
   std::string_view GridPicture;   ///< in the editor's grids; empty where the text stands as it is
-  std::string_view PrintPicture;  ///< in reports and listings
+  std::string_view PrintPicture;  ///< in reports and listings; empty where they show no number
 };
 
 /// Indexed by `Field`. The header of the downlink start frequency says "Stop" all the same.
@@ -50,8 +51,8 @@ inline constexpr std::array<RecordField, FieldCount> RecordFields = [] {
       {Field::Name, "Name", "Name", &R::Name, 24, "", ""},
       {Field::UplinkStartFreq, "Uplink Start Frequency", "Uplink Start Freq.", &R::UplinkStartFreq, 4, "#0.0000",
        "#,##0.000000"},
-      {Field::DownlinkStartFreq, "Downlink Start Frequency", "Downlink Stop Freq.", &R::DownlinkStartFreq, 4,
-       "#0.0000", "#,##0.000000"},
+      {Field::DownlinkStartFreq, "Downlink Start Frequency", "Downlink Stop Freq.", &R::DownlinkStartFreq, 4, "#0.0000",
+       "#,##0.000000"},
       {Field::StartChannel, "Start Channel", "Start Channel", &R::StartChannel, 2, "#0", "#,##0"},
       {Field::StopChannel, "Stop Channel", "Stop Channel", &R::StopChannel, 2, "#0", "#,##0"},
       {Field::Bandwidth, "Bandwidth", "Bandwidth", &R::Bandwidth, 4, "#0.0000", "#,##0.000"},
@@ -61,5 +62,20 @@ inline constexpr std::array<RecordField, FieldCount> RecordFields = [] {
 }();
 
 constexpr const RecordField& FieldOf(Field id) { return RecordFields[static_cast<std::size_t>(id)]; }
+
+static_assert(std::ranges::all_of(RecordFields, [](const RecordField& field) { return &FieldOf(field.Id) == &field; }),
+              "a field stands at its own index");
+
+/// Calls `use` with the value that `field` has in `record`: a std::string, std::int32_t or double.
+template <typename Record, typename Use>
+decltype(auto) VisitField(Record& record, const RecordField& field, Use&& use) {
+  return std::visit([&](auto member) -> decltype(auto) { return use(record.*member); }, field.Member);
+}
+
+/// What to do with a value of each type, as one thing to call.
+template <typename... Uses>
+struct ByType : Uses... {
+  using Uses::operator()...;
+};
 
 }  // namespace chanplan

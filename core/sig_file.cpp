@@ -68,26 +68,30 @@ SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader
   if (count < FieldCount)
     reader.Fail(ReadFailure::TooFewFields, " has " + std::to_string(count) + " fields where 10 are needed");
 
-  const auto integer = [&](std::size_t column) {
-    const auto value = RoundToInteger(LeadingNumber(fields[column]));
-    if (!value)
-      reader.Fail(ReadFailure::IntegerOutOfRange,
-                  ": the value of \"" + std::string(HeaderNames[column]) + "\" is out of range");
-    return *value;
-  };
-
   SignalStandardRecord record;
-  record.State = ShortestDecimal(LeadingNumber(fields[0]));
-  record.Subbands = integer(1);
-  record.Name = fields[2];
-  record.UplinkStartFreq = LeadingNumber(fields[3]);
-  record.DownlinkStartFreq = LeadingNumber(fields[4]);
-  record.StartChannel = integer(5);
-  record.StopChannel = integer(6);
-  record.Bandwidth = LeadingNumber(fields[7]);
-  record.Spacing = LeadingNumber(fields[8]);
-  record.Step = integer(9);
+  for (std::size_t column = 0; column < FieldCount; ++column) {
+    const std::string_view text = fields[column];
+    const auto readInteger = [&](std::int32_t& value) {
+      const auto integer = RoundToInteger(LeadingNumber(text));
+      if (!integer)
+        reader.Fail(ReadFailure::IntegerOutOfRange,
+                    ": the value of \"" + std::string(RecordFields[column].Header) + "\" is out of range");
+      value = *integer;
+    };
+    VisitField(record, RecordFields[column],
+               ByType{[&](std::string& value) { value = text; }, [&](double& value) { value = LeadingNumber(text); },
+                      readInteger});
+  }
+  record.State = ShortestDecimal(LeadingNumber(record.State));
   return record;
+}
+
+void AppendField(std::string& bytes, const SignalStandardRecord& record, const RecordField& field,
+                 char decimalSeparator) {
+  VisitField(record, field,
+             ByType{[&](const std::string& value) { bytes += value; },
+                    [&](std::int32_t value) { bytes += std::to_string(value); },
+                    [&](double value) { bytes += ShortestDecimal(value, decimalSeparator); }});
 }
 
 ReadOutcome Failed(ReadFailure failure, int line, std::string reason) {
@@ -126,28 +130,24 @@ ReadOutcome LoadSigFile(const std::filesystem::path& path) {
 }
 
 std::array<std::string, FieldCount> FieldTexts(const SignalStandardRecord& record, char decimalSeparator) {
-  const auto decimal = [&](double value) { return ShortestDecimal(value, decimalSeparator); };
-  return {record.State,
-          std::to_string(record.Subbands),
-          record.Name,
-          decimal(record.UplinkStartFreq),
-          decimal(record.DownlinkStartFreq),
-          std::to_string(record.StartChannel),
-          std::to_string(record.StopChannel),
-          decimal(record.Bandwidth),
-          decimal(record.Spacing),
-          std::to_string(record.Step)};
+  std::array<std::string, FieldCount> texts;
+  for (std::size_t column = 0; column < FieldCount; ++column)
+    AppendField(texts[column], record, RecordFields[column], decimalSeparator);
+  return texts;
 }
 
 std::string WriteSigTable(const SignalStandardTable& table, char decimalSeparator) {
   std::string bytes;
-  const auto writeLine = [&](const auto& fields) {
-    for (const auto& field : fields) bytes.append(field) += '\t';
-    bytes.pop_back();
-    bytes += "\r\n";
-  };
-  writeLine(HeaderNames);
-  for (int index = 0; index < table.Count; ++index) writeLine(FieldTexts(table.Row(index), decimalSeparator));
+  const auto endLine = [&] { bytes.replace(bytes.size() - 1, 1, "\r\n"); };  // in place of a TAB
+  for (const RecordField& field : RecordFields) bytes.append(field.Header) += '\t';
+  endLine();
+  for (int index = 0; index < table.Count; ++index) {
+    for (const RecordField& field : RecordFields) {
+      AppendField(bytes, table.Row(index), field, decimalSeparator);
+      bytes += '\t';
+    }
+    endLine();
+  }
   return bytes;
 }
 

@@ -11,16 +11,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/record_fields.h"
 #include "core/signal_standard_table.h"
 
 namespace chanplan {
-
-inline constexpr std::size_t FieldCount = 10;
-
-/// The header line's names. The fifth column holds the downlink start frequency all the same.
-inline constexpr std::array<std::string_view, FieldCount> HeaderNames = {
-    "State",     "Subbands", "Name", "Uplink Start Freq.", "Downlink Stop Freq.", "Start Channel", "Stop Channel",
-    "Bandwidth", "Spacing",  "Step"};
 
 /// A line longer than this is a read failure, which bounds the memory any input can take.
 inline constexpr std::size_t MaxLineLength = 65536;

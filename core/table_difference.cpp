@@ -6,17 +6,6 @@
 
 namespace chanplan {
 
-const std::array<std::string_view, 10> FieldNames = {"State",
-                                                     "Sub-bands",
-                                                     "Name",
-                                                     "Uplink Start Frequency",
-                                                     "Downlink Start Frequency",
-                                                     "Start Channel",
-                                                     "Stop Channel",
-                                                     "Bandwidth",
-                                                     "Spacing",
-                                                     "Step"};
-
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -26,9 +15,9 @@ void AppendFieldDifferences(const std::string& prefix, const SignalStandardRecor
                             const SignalStandardRecord& right, Lines& lines) {
   const auto leftTexts = FieldTexts(left);
   const auto rightTexts = FieldTexts(right);
-  for (std::size_t field = 0; field < FieldNames.size(); ++field)
+  for (std::size_t field = 0; field < FieldCount; ++field)
     if (leftTexts[field] != rightTexts[field])
-      lines.push_back(prefix + ": " + std::string(FieldNames[field]) + ": " + leftTexts[field] + " -> " +
+      lines.push_back(prefix + ": " + std::string(RecordFields[field].Name) + ": " + leftTexts[field] + " -> " +
                       rightTexts[field]);
 }
 

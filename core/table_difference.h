@@ -8,9 +8,6 @@
 
 namespace chanplan {
 
-/// Field names for people, in the order of a record's fields.
-extern const std::array<std::string_view, 10> FieldNames;
-
 /// One line per difference, empty when the tables hold the same groups in the same order:
 ///   "- NAME"  a standard that only `left` has;  "+ NAME"  one that only `right` has
 ///   "~ NAME: FIELD: LEFT -> RIGHT"  a field of a standard or ("sub-band A of NAME") sub-band

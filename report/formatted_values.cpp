@@ -5,15 +5,18 @@
 
 namespace chanplan {
 
-std::array<std::string, 8> FormattedValues(const SignalStandardRecord& record) {
-  return {FormatNumber(LeadingNumber(record.State), "#0"),
-          FormatNumber(record.UplinkStartFreq, "#,##0.000000"),
-          FormatNumber(record.DownlinkStartFreq, "#,##0.000000"),
-          FormatNumber(record.StartChannel, "#,##0"),
-          FormatNumber(record.StopChannel, "#,##0"),
-          FormatNumber(record.Bandwidth, "#,##0.000"),
-          FormatNumber(record.Spacing, "#0.0000"),
-          FormatNumber(record.Step, "#,##0")};
+std::array<std::string, PrintedValues> FormattedValues(const SignalStandardRecord& record) {
+  std::array<std::string, PrintedValues> values;
+  auto next = values.begin();
+  for (const RecordField& field : RecordFields) {
+    if (field.PrintPicture.empty()) continue;
+    const double number = VisitField(
+        record, field,
+        ByType{[](const std::string& text) { return LeadingNumber(text); }, [](double value) { return value; },
+               [](std::int32_t value) { return static_cast<double>(value); }});
+    *next++ = FormatNumber(number, field.PrintPicture);
+  }
+  return values;
 }
 
 }  // namespace chanplan

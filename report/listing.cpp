@@ -29,14 +29,14 @@ struct ValueColumn {
   double HeadLeft;
   double ValueRight;
 };
-constexpr std::array<ValueColumn, 8> ValueColumns = {{{"Type", 2.75, 3.0},
-                                                      {"Uplink Freq.", 3.25, 4.0},
-                                                      {"Downlink Freq.", 4.25, 5.0},
-                                                      {"Start", 5.25, 5.5},
-                                                      {"Stop", 5.65, 6.0},
-                                                      {"BW", 6.2, 6.5},
-                                                      {"Space", 6.8, 7.25},
-                                                      {"Step", 7.4, 7.65}}};
+constexpr std::array<ValueColumn, PrintedValues> ValueColumns = {{{"Type", 2.75, 3.0},
+                                                                  {"Uplink Freq.", 3.25, 4.0},
+                                                                  {"Downlink Freq.", 4.25, 5.0},
+                                                                  {"Start", 5.25, 5.5},
+                                                                  {"Stop", 5.65, 6.0},
+                                                                  {"BW", 6.2, 6.5},
+                                                                  {"Space", 6.8, 7.25},
+                                                                  {"Step", 7.4, 7.65}}};
 
 void PrintAt(PrintSurface& surface, double x, std::string_view text) {
   surface.MoveTo(x, surface.CurrentY());

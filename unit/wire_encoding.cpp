@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/number_picture.h"
-#include "core/table_difference.h"
+#include "core/record_fields.h"
 
 namespace chanplan {
 namespace {
@@ -14,59 +14,58 @@ constexpr double FourByteLimit = 4294967296.0;  // 2^32
 
 int ByteValue(char byte) { return static_cast<unsigned char>(byte); }
 
-enum Field {
-  State,
-  Subbands,
-  Name,
-  UplinkStartFreq,
-  DownlinkStartFreq,
-  StartChannel,
-  StopChannel,
-  Bandwidth,
-  Spacing,
-  Step
-};
-
 std::string RowText(const SignalStandardRecord& record, int rowNumber) {
   return "row " + std::to_string(rowNumber) + " (" + record.Name + "): ";
 }
 
-// Appends a record's fields, knowing the row to name when one does not fit.
-class RecordEncoder {
- public:
-  RecordEncoder(const SignalStandardRecord& encoded, int number) : record(encoded), rowNumber(number) {}
+// The bytes of a record's field; knows what to name when the value does not fit.
+struct FieldEncoder {
+  const SignalStandardRecord& Record;
+  int RowNumber;
+  const RecordField& Encoded;
 
-  void AppendByte(Field field, std::int64_t value) {
-    Check(field, value, 255);
-    bytes += static_cast<char>(value);
+  std::string Bytes() const { return VisitField(Record, Encoded, *this); }
+
+  std::string operator()(const std::string& text) const {
+    return Encoded.Id == Field::State ? Whole(StateValue(Record)) : TextToFixedBytes(text, Encoded.WireSize);
   }
 
-  void AppendTwoBytes(Field field, std::int32_t value) {
-    Check(field, value, 65535);
-    bytes += IntegerToTwoBytes(value);
-  }
+  std::string operator()(std::int32_t value) const { return Whole(value); }
 
-  void AppendFrequency(Field field, double megahertz) {
-    if (!(megahertz >= 0)) Refuse(field, ShortestDecimal(megahertz) + " MHz does not fit, it must not be negative");
+  std::string operator()(double megahertz) const {
+    if (!(megahertz >= 0)) Refuse(ShortestDecimal(megahertz) + " MHz does not fit, it must not be negative");
     double hertz = HertzOf(megahertz);
-    bytes += SingleToFourBytes(hertz);
+    return SingleToFourBytes(hertz);
   }
-
-  std::string bytes;
 
  private:
-  void Check(Field field, std::int64_t value, int highest) const {
+  std::string Whole(std::int64_t value) const {
+    const int highest = Encoded.WireSize == 1 ? 255 : 65535;
     if (value < 0 || value > highest)
-      Refuse(field, std::to_string(value) + " does not fit, it must be 0 to " + std::to_string(highest));
+      Refuse(std::to_string(value) + " does not fit, it must be 0 to " + std::to_string(highest));
+    return IntegerToTwoBytes(static_cast<int>(value)).substr(2 - Encoded.WireSize);
   }
 
-  [[noreturn]] void Refuse(Field field, const std::string& problem) const {
-    throw WireMisfit(RowText(record, rowNumber) + std::string(FieldNames[field]) + " " + problem);
+  [[noreturn]] void Refuse(const std::string& problem) const {
+    throw WireMisfit(RowText(Record, RowNumber) + std::string(Encoded.Name) + " " + problem);
   }
-
-  const SignalStandardRecord& record;
-  int rowNumber;
 };
+
+// In what form a value reaches a unit, if in another one than it has here.
+std::string WireLoss(const SignalStandardRecord& record, const RecordField& field) {
+  const auto ofText = [&](const std::string& text) -> std::string {
+    if (field.Id == Field::State)
+      return StateValue(record) == ByteValue(EndOfListState) ? "255 ends the list when the unit's table is read" : "";
+    return text.size() > field.WireSize ? "is longer than 24 characters and is cut off" : "";
+  };
+  const auto ofNumber = [](double megahertz) -> std::string {
+    if (HertzOf(megahertz) < FourByteLimit) return {};
+    return ShortestDecimal(megahertz) + " MHz is more than a unit can take and goes out as 0";
+  };
+  return VisitField(record, field, ByType{ofText, ofNumber, [](std::int32_t) { return std::string(); }});
+}
+
+int WholeNumber(std::string_view bytes) { return bytes.size() == 1 ? ByteValue(bytes[0]) : TwoBytesToInteger(bytes); }
 
 }  // namespace
 
@@ -115,36 +114,23 @@ double HertzOf(double megahertz) {
 }
 
 std::string EncodeRecord(const SignalStandardRecord& record, int rowNumber) {
-  RecordEncoder encoder(record, rowNumber);
-  encoder.AppendByte(State, StateValue(record));
-  encoder.AppendByte(Subbands, record.Subbands);
-  encoder.bytes += TextToFixedBytes(record.Name, WireNameSize);
-  encoder.AppendFrequency(UplinkStartFreq, record.UplinkStartFreq);
-  encoder.AppendFrequency(DownlinkStartFreq, record.DownlinkStartFreq);
-  encoder.AppendTwoBytes(StartChannel, record.StartChannel);
-  encoder.AppendTwoBytes(StopChannel, record.StopChannel);
-  encoder.AppendFrequency(Bandwidth, record.Bandwidth);
-  encoder.AppendFrequency(Spacing, record.Spacing);
-  encoder.AppendTwoBytes(Step, record.Step);
-  return encoder.bytes;
+  std::string bytes;
+  bytes.reserve(WireRecordSize);
+  for (const RecordField& field : RecordFields) bytes += FieldEncoder{record, rowNumber, field}.Bytes();
+  return bytes;
 }
 
 SignalStandardRecord DecodeRecord(std::string_view bytes) {
-  const auto megahertz = [&](std::size_t offset) {
-    return FourBytesToDouble(bytes.substr(offset, 4)) / HertzPerMegahertz;
-  };
-  const auto integer = [&](std::size_t offset) { return TwoBytesToInteger(bytes.substr(offset, 2)); };
   SignalStandardRecord record;
-  record.State = std::to_string(ByteValue(bytes[0]));
-  record.Subbands = ByteValue(bytes[1]);
-  record.Name = FixedBytesToText(bytes.substr(2, WireNameSize), WireNameSize);
-  record.UplinkStartFreq = megahertz(26);
-  record.DownlinkStartFreq = megahertz(30);
-  record.StartChannel = integer(34);
-  record.StopChannel = integer(36);
-  record.Bandwidth = megahertz(38);
-  record.Spacing = megahertz(42);
-  record.Step = integer(46);
+  for (const RecordField& field : RecordFields) {
+    const std::string_view part = bytes.substr(0, field.WireSize);
+    VisitField(record, field,
+               ByType{[&](std::string& text) { text = FixedBytesToText(part, field.WireSize); },
+                      [&](std::int32_t& value) { value = WholeNumber(part); },
+                      [&](double& megahertz) { megahertz = FourBytesToDouble(part) / HertzPerMegahertz; }});
+    if (field.Id == Field::State) record.State = std::to_string(WholeNumber(part));
+    bytes.remove_prefix(field.WireSize);
+  }
   return record;
 }
 
@@ -158,17 +144,9 @@ std::vector<std::string> WireLosses(const SignalStandardTable& table) {
   std::vector<std::string> losses;
   for (int index = 0; index < table.Count; ++index) {
     const SignalStandardRecord& record = table.Row(index);
-    const auto add = [&](Field field, const std::string& loss) {
-      losses.push_back(RowText(record, index + 1) + std::string(FieldNames[field]) + " " + loss);
-    };
-    if (StateValue(record) == ByteValue(EndOfListState)) add(State, "255 ends the list when the unit's table is read");
-    if (record.Name.size() > WireNameSize) add(Name, "is longer than 24 characters and is cut off");
-    for (const auto& [field, value] : {std::pair{UplinkStartFreq, record.UplinkStartFreq},
-                                       {DownlinkStartFreq, record.DownlinkStartFreq},
-                                       {Bandwidth, record.Bandwidth},
-                                       {Spacing, record.Spacing}})
-      if (HertzOf(value) >= FourByteLimit)
-        add(field, ShortestDecimal(value) + " MHz is more than a unit can take and goes out as 0");
+    for (const RecordField& field : RecordFields)
+      if (const std::string loss = WireLoss(record, field); !loss.empty())
+        losses.push_back(RowText(record, index + 1) + std::string(field.Name) + " " + loss);
   }
   return losses;
 }

@@ -1,8 +1,7 @@
 // How values, records and whole tables travel: unsigned big-endian numbers, frequencies in hertz.
 //
-// A table is a header (tag, record count; 2 bytes each) and 48 bytes a record: State 1, Subbands 1,
-// Name 24, UplinkStartFreq 4, DownlinkStartFreq 4, StartChannel 2, StopChannel 2, Bandwidth 4,
-// Spacing 4, Step 2.
+// A table is a header (tag, record count; 2 bytes each) and 48 bytes a record: its fields in their
+// order, each in as many bytes as `RecordFields` says.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/record_fields.h"
 #include "core/signal_standard_table.h"
 
 namespace chanplan {
@@ -20,8 +20,12 @@ inline constexpr char SendTableCommand = 0x4F;
 inline constexpr char ReceiveTableCommand = 0x4E;
 inline constexpr char SyncByte = '\xFF';  ///< ends an exchange; the unit echoes it
 inline constexpr std::size_t WireHeaderSize = 4;
-inline constexpr std::size_t WireRecordSize = 48;
-inline constexpr std::size_t WireNameSize = 24;
+inline constexpr std::size_t WireRecordSize = [] {
+  std::size_t size = 0;
+  for (const RecordField& field : RecordFields) size += field.WireSize;
+  return size;
+}();
+static_assert(WireRecordSize == 48, "units know no other records");
 /// In place of a record's `State`: the list ends here.
 inline constexpr char EndOfListState = '\xFF';
 

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "core/table_difference.h"
 #include "tests/core/table_of.h"
 #include "tests/unit/wire_bytes.h"
 
@@ -259,27 +258,31 @@ TEST(EncodeRecord, SendsFrequenciesBeyondTheFieldAsZero) {
 
 struct MisfitCase {
   const char* Description;
-  std::size_t Field;  // index into FieldNames
+  Field Misfit;
   void (*Set)(SignalStandardRecord& record);
 };
 
 constexpr MisfitCase MisfitCases[] = {
-    {"State above a byte", 0, [](SignalStandardRecord& record) { record.State = "256"; }},
-    {"State below zero", 0, [](SignalStandardRecord& record) { record.State = "-1"; }},
-    {"State beyond all integers", 0, [](SignalStandardRecord& record) { record.State = "1e99"; }},
-    {"Subbands above a byte", 1, [](SignalStandardRecord& record) { record.Subbands = 256; }},
-    {"Subbands below zero", 1, [](SignalStandardRecord& record) { record.Subbands = -1; }},
-    {"Subbands much above a byte", 1, [](SignalStandardRecord& record) { record.Subbands = 0x7FFFFF00; }},
-    {"uplink below zero", 3, [](SignalStandardRecord& record) { record.UplinkStartFreq = -0.000001; }},
-    {"downlink below zero", 4, [](SignalStandardRecord& record) { record.DownlinkStartFreq = -900; }},
-    {"start channel below zero", 5, [](SignalStandardRecord& record) { record.StartChannel = -1; }},
-    {"start channel above two bytes", 5, [](SignalStandardRecord& record) { record.StartChannel = 65536; }},
-    {"stop channel below zero", 6, [](SignalStandardRecord& record) { record.StopChannel = -1; }},
-    {"stop channel above two bytes", 6, [](SignalStandardRecord& record) { record.StopChannel = 65536; }},
-    {"bandwidth below zero", 7, [](SignalStandardRecord& record) { record.Bandwidth = -0.2; }},
-    {"spacing below zero", 8, [](SignalStandardRecord& record) { record.Spacing = -1e300; }},
-    {"step below zero", 9, [](SignalStandardRecord& record) { record.Step = -1; }},
-    {"step above two bytes", 9, [](SignalStandardRecord& record) { record.Step = 65536; }},
+    {"State above a byte", Field::State, [](SignalStandardRecord& record) { record.State = "256"; }},
+    {"State below zero", Field::State, [](SignalStandardRecord& record) { record.State = "-1"; }},
+    {"State beyond all integers", Field::State, [](SignalStandardRecord& record) { record.State = "1e99"; }},
+    {"Subbands above a byte", Field::Subbands, [](SignalStandardRecord& record) { record.Subbands = 256; }},
+    {"Subbands below zero", Field::Subbands, [](SignalStandardRecord& record) { record.Subbands = -1; }},
+    {"Subbands much above a byte", Field::Subbands, [](SignalStandardRecord& record) { record.Subbands = 0x7FFFFF00; }},
+    {"uplink below zero", Field::UplinkStartFreq,
+     [](SignalStandardRecord& record) { record.UplinkStartFreq = -0.000001; }},
+    {"downlink below zero", Field::DownlinkStartFreq,
+     [](SignalStandardRecord& record) { record.DownlinkStartFreq = -900; }},
+    {"start channel below zero", Field::StartChannel, [](SignalStandardRecord& record) { record.StartChannel = -1; }},
+    {"start channel above two bytes", Field::StartChannel,
+     [](SignalStandardRecord& record) { record.StartChannel = 65536; }},
+    {"stop channel below zero", Field::StopChannel, [](SignalStandardRecord& record) { record.StopChannel = -1; }},
+    {"stop channel above two bytes", Field::StopChannel,
+     [](SignalStandardRecord& record) { record.StopChannel = 65536; }},
+    {"bandwidth below zero", Field::Bandwidth, [](SignalStandardRecord& record) { record.Bandwidth = -0.2; }},
+    {"spacing below zero", Field::Spacing, [](SignalStandardRecord& record) { record.Spacing = -1e300; }},
+    {"step below zero", Field::Step, [](SignalStandardRecord& record) { record.Step = -1; }},
+    {"step above two bytes", Field::Step, [](SignalStandardRecord& record) { record.Step = 65536; }},
 };
 
 std::string MisfitOf(const SignalStandardTable& table) {
@@ -301,7 +304,7 @@ TEST(WireMisfit, NamesRowAndFieldOfAValueThatDoesNotFit) {
     misfit.Set(table.Row(1));
     const std::string text = MisfitOf(table);
     EXPECT_NE(text.find("row 2 (CDMA 800)"), std::string::npos) << text;
-    EXPECT_NE(text.find(": " + std::string(FieldNames[misfit.Field]) + " "), std::string::npos) << text;
+    EXPECT_NE(text.find(": " + std::string(FieldOf(misfit.Misfit).Name) + " "), std::string::npos) << text;
   }
 }
 
@@ -356,17 +359,20 @@ TEST(WireLosses, AreNoneInATableThatReachesTheUnitAsItIs) {
 
 struct LossCase {
   const char* Description;
-  std::size_t Field;  // index into FieldNames
+  Field Lost;
   void (*Set)(SignalStandardRecord& record);
 };
 
 constexpr LossCase LossCases[] = {
-    {"a State that ends the list", 0, [](SignalStandardRecord& record) { record.State = "255"; }},
-    {"a name of 25 characters", 2, [](SignalStandardRecord& record) { record.Name = "exactly 25 characters, it"; }},
-    {"uplink too high", 3, [](SignalStandardRecord& record) { record.UplinkStartFreq = 4294.967296; }},
-    {"downlink too high", 4, [](SignalStandardRecord& record) { record.DownlinkStartFreq = 5000; }},
-    {"bandwidth too wide", 7, [](SignalStandardRecord& record) { record.Bandwidth = 4294.967296; }},
-    {"spacing too wide", 8, [](SignalStandardRecord& record) { record.Spacing = 1e300; }},
+    {"a State that ends the list", Field::State, [](SignalStandardRecord& record) { record.State = "255"; }},
+    {"a name of 25 characters", Field::Name,
+     [](SignalStandardRecord& record) { record.Name = "exactly 25 characters, it"; }},
+    {"uplink too high", Field::UplinkStartFreq,
+     [](SignalStandardRecord& record) { record.UplinkStartFreq = 4294.967296; }},
+    {"downlink too high", Field::DownlinkStartFreq,
+     [](SignalStandardRecord& record) { record.DownlinkStartFreq = 5000; }},
+    {"bandwidth too wide", Field::Bandwidth, [](SignalStandardRecord& record) { record.Bandwidth = 4294.967296; }},
+    {"spacing too wide", Field::Spacing, [](SignalStandardRecord& record) { record.Spacing = 1e300; }},
 };
 
 TEST(WireLosses, NameRowAndFieldOfWhatTheUnitGetsInAnotherForm) {
@@ -378,7 +384,8 @@ TEST(WireLosses, NameRowAndFieldOfWhatTheUnitGetsInAnotherForm) {
     loss.Set(table.Row(1));
     const Lines lines = WireLosses(table);
     ASSERT_EQ(lines.size(), 1u);
-    EXPECT_TRUE(lines[0].starts_with("row 2 (" + table.Row(1).Name + "): " + std::string(FieldNames[loss.Field]) + " "))
+    EXPECT_TRUE(
+        lines[0].starts_with("row 2 (" + table.Row(1).Name + "): " + std::string(FieldOf(loss.Lost).Name) + " "))
         << lines[0];
   }
 }
