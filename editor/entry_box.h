@@ -2,14 +2,16 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QSet>
 #include <QValidator>
 
 namespace chanplan {
 
 enum EntryMode : qint16 { FreeText = 0, WholeNumber = 1, DecimalNumber = 2 };
 
-/// Lets in what the entry mode allows, character by character, however it comes: typed, pasted or
-/// dropped. Characters that are refused are left out; the others go in as long as there is room.
+/// Lets in what the entry mode allows: each character that is typed, and a text that comes in one
+/// piece as a whole or not at all. What the box held before may always come back, so that undoing
+/// gives back texts that could not be typed, and nothing else.
 class EntryFilter : public QValidator {
  public:
   using QValidator::QValidator;
@@ -17,16 +19,17 @@ class EntryFilter : public QValidator {
   qint16 EntryMode = FreeText;  ///< an unknown mode accepts nothing
   qint16 EntryMaxLength = 0;
 
-  /// Whether `character` may be inserted into a box that holds `text` besides the selected text.
-  bool Accepts(QChar character, const QString& text) const;
+  /// Whether `inserted` may be put into a box that holds `text` besides the selected text.
+  bool Accepts(const QString& inserted, const QString& text) const;
 
-  /// Makes `text` the content against which the next change is seen.
-  void SetContent(const QString& text) { content = text; }
+  /// Begins anew with a box that holds `text`.
+  void SetContent(const QString& text);
 
   State validate(QString& candidate, int& cursor) const override;
 
  private:
   mutable QString content;  // as it was before the change that is being looked at
+  mutable QSet<QString> held;
 };
 
 class EntryBox : public QLineEdit {
@@ -36,21 +39,26 @@ class EntryBox : public QLineEdit {
   explicit EntryBox(QWidget* parent);
 
   EntryFilter& Filter() { return *filter; }
-  /// Replaces the text without filtering it.
+  /// Replaces the text without filtering it; there is nothing to undo then.
   void SetContent(const QString& text);
+  /// Replaces the text as a user does it, who can undo it.
+  void Replace(const QString& text);
 
  signals:
-  void Accepted();              ///< Enter
-  void Cancelled();             ///< Escape
-  void Stepped(int direction);  ///< the Up key, 1, or the Down key, -1
-  void Backspaced();
-  void FocusLost();
+  /// A key was accepted, also one that left the text as it was, or a text came in.
+  void Edited();
+  /// A text that was pasted or dropped cannot stand here.
+  void Refused(const QString& text);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
-  void focusOutEvent(QFocusEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
+  void TakeIn(const QString& text);
+
   EntryFilter* filter;
 };
 

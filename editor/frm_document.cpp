@@ -1,7 +1,6 @@
 // The document window: set-up, layout, and filling the grids from the table.
 #include "editor/frm_document.h"
 
-#include <QAbstractItemView>
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QScopedValueRollback>
@@ -29,9 +28,11 @@ constexpr int MostValueLetters = 24;
 
 int TextWidth(const QWidget& widget, const QString& text) { return widget.fontMetrics().horizontalAdvance(text); }
 
-QString NumberText(const SignalStandardRecord& record, const NumberField& field) {
-  return field.Decimal != nullptr ? TextOf(FormatNumber(record.*field.Decimal, FrequencyPicture))
-                                  : TextOf(FormatNumber(record.*field.Integer, IntegerPicture));
+QString FieldText(const SignalStandardRecord& record, Field field) {
+  const RecordField& shown = FieldOf(field);
+  return TextOf(VisitField(record, shown,
+                           ByType{[](const std::string& text) { return text; },
+                                  [&](double number) { return FormatNumber(number, shown.GridPicture); }}));
 }
 
 }  // namespace
@@ -46,18 +47,16 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
       GridList(new Grid("GridList", 1, area)),
       GridDetails(new Grid("GridDetails", 1, area)),
       GridBands(new Grid("GridBands", 1, area)),
-      txtEntry(new EntryBox(area)),
-      cmboSelected(new QComboBox(area)),
-      cmboModType(new QComboBox(area)),
       UpDown(new QSpinBox(area)),
+      editor(*area),
       ActiveGrid(GridList) {
   setObjectName("frmDocument");
   setAttribute(Qt::WA_DeleteOnClose);
   setWidget(area);
-  BuildEditors();
+  BuildUpDown();
   BuildGrids();
   ConnectGrids();
-  ConnectEditors();
+  ConnectEditor();
   area->installEventFilter(this);
   connect(this, &QMdiSubWindow::windowStateChanged, this, [this](Qt::WindowStates former, Qt::WindowStates now) {
     if ((former & Qt::WindowActive) != 0 && (now & Qt::WindowActive) == 0) CommitEdit();
@@ -69,15 +68,15 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
 
 // The controls still send events while they go; nothing may be stored then.
 frmDocument::~frmDocument() {
-  SuppressListEvents = true;
+  editor.disconnect(this);
+  for (Grid* grid : {GridList, GridDetails, GridBands}) grid->disconnect(this);
   disconnect(this, &QMdiSubWindow::windowStateChanged, this, nullptr);
-  for (QComboBox* choice : {cmboSelected, cmboModType}) choice->removeEventFilter(this);
   delete area;
 }
 
 void frmDocument::BuildGrids() {
   const int margin = TextWidth(*this, "HH");
-  const int rowHeight = txtEntry->height();
+  const int rowHeight = editor.txtEntry->height();
 
   GridList->setAccessibleName("Signal Standards");
   GridList->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -116,12 +115,6 @@ void frmDocument::BuildGrids() {
   GridBands->setColumnWidth(0, TextWidth(*this, BandColumns[0].Title) + margin);
   GridBands->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
   GridBands->horizontalHeader()->setFixedHeight(qRound(BandsHeaderLines * rowHeight));
-
-  QWidget* former = GridList;
-  for (QWidget* next : std::initializer_list<QWidget*>{GridDetails, txtEntry, cmboSelected, cmboModType, GridBands}) {
-    QWidget::setTabOrder(former, next);
-    former = next;
-  }
 }
 
 void frmDocument::ColourTitles() {
@@ -136,30 +129,24 @@ void frmDocument::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) ColourTitles();
 }
 
-void frmDocument::BuildEditors() {
-  txtEntry->setObjectName("txtEntry");
-  txtEntry->resize(0, fontMetrics().height() + 4);
-  cmboSelected->setObjectName("cmboSelected");
-  cmboSelected->addItems({"Standby", "Now active"});
-  cmboSelected->setAccessibleName(DetailRows[DisplayModeRow].Title);
-  cmboModType->setObjectName("cmboModType");
-  for (const std::string_view text : ModulationTexts) cmboModType->addItem(TextOf(text));
-  cmboModType->setAccessibleName(DetailRows[ModulationRow].Title);
+void frmDocument::BuildUpDown() {
   UpDown->setObjectName("UpDown");
   UpDown->setRange(0, std::numeric_limits<int>::max());
   UpDown->setAccessibleName(DetailRows[SubbandsRow].Title);
-  for (QWidget* editor : std::initializer_list<QWidget*>{txtEntry, cmboSelected, cmboModType, UpDown}) editor->hide();
+  UpDown->hide();
+  connect(UpDown, &QSpinBox::valueChanged, this, &frmDocument::UpDown_Change);
 }
 
 void frmDocument::ConnectGrids() {
   for (Grid* grid : {GridList, GridDetails, GridBands}) {
     connect(grid, &Grid::FocusGained, this, [this, grid] {
       // In a window that was not the active one, an editor is left without losing the focus.
-      if (txtEntry->isVisible() || cmboSelected->isVisible() || cmboModType->isVisible()) CommitEdit();
+      if (editor.IsOpen()) CommitEdit();
       ActiveGrid = grid;
     });
-    connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
-    connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceEditBox);
+    connect(grid, &Grid::Tabbed, this, [this, grid](bool forwards) { MoveByTab(*grid, forwards); });
+    connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, &editor, &CellEditor::Place);
+    connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, &editor, &CellEditor::Place);
   }
   connect(GridList, &Grid::CurrentCellMoved, this, &frmDocument::ListRowChanged);
   connect(GridList, &Grid::DeleteReleased, this, [this] {
@@ -172,9 +159,8 @@ void frmDocument::ConnectGrids() {
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
-    reported = false;
-    CommitEdit();
-    if (row >= 0 && !reported) frame.ShowStatus("Double-click cell to edit parameter value.");
+    const bool stored = StoreGridsToTable();
+    if (row >= 0 && stored) frame.ShowStatus("Double-click cell to edit parameter value.");
   });
   for (Grid* grid : {GridDetails, GridBands}) {
     connect(grid, &Grid::FocusLost, this, [this] { frame.ShowStatus(""); });
@@ -182,7 +168,7 @@ void frmDocument::ConnectGrids() {
   }
   connect(GridDetails, &Grid::CellTyped, this, [this](QChar character) {
     const int row = GridDetails->currentRow();
-    if (!txtEntry->isVisible() && (row == NameRow || row >= FirstNumberRow))
+    if (!editor.IsOpen() && (row == NameRow || row >= FirstNumberRow))
       BeginCellEdit(static_cast<qint16>(character.unicode()));
   });
 }
@@ -195,11 +181,6 @@ void frmDocument::focusInEvent(QFocusEvent* event) {
 
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
   if (watched == area && event->type() == QEvent::Resize) LayOut();
-  if ((watched == cmboSelected || watched == cmboModType) && event->type() == QEvent::FocusOut) {
-    QComboBox& choice = *static_cast<QComboBox*>(watched);
-    // Its own list that drops down takes the focus without saying that it does.
-    if (FocusMovedOn(*static_cast<QFocusEvent*>(event)) && !choice.view()->isVisible()) CloseChoice(choice);
-  }
   return DocumentWindow::eventFilter(watched, event);
 }
 
@@ -221,7 +202,7 @@ void frmDocument::LayOut() {
   const int height = area->height() - top - Margin;
   const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
   GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
-  PlaceEditBox();
+  editor.Place();
 }
 
 int frmDocument::SelectedIndex() const {
@@ -272,13 +253,10 @@ void frmDocument::ShowDetails(const SignalStandardRecord& standard) {
   };
   fill(NameRow, TextOf(standard.Name));
   fill(SubbandsRow, QString::number(standard.Subbands));
-  {
-    const QSignalBlocker silent(UpDown);
-    UpDown->setValue(standard.Subbands);
-  }
+  UpDown->setValue(standard.Subbands);
   ShowStateCode(static_cast<int>(StateValue(standard) & 0xFF));
   for (int row = FirstNumberRow; row < GridDetails->rowCount(); ++row)
-    fill(row, NumberText(standard, DetailRows[static_cast<std::size_t>(row)].Field));
+    fill(row, FieldText(standard, DetailRows[static_cast<std::size_t>(row)].Shown));
 }
 
 void frmDocument::ShowBands(int index, int count) {
@@ -290,7 +268,7 @@ void frmDocument::ShowBands(int index, int count) {
     GridBands->FillCell(row, 0, band);
     for (int column = 1; column < GridBands->columnCount(); ++column) {
       const BandColumn& shape = BandColumns[static_cast<std::size_t>(column)];
-      GridBands->FillCell(row, column, NumberText(table.Row(index + 1 + row), shape.Field), band + ", " + shape.Title);
+      GridBands->FillCell(row, column, FieldText(table.Row(index + 1 + row), shape.Shown), band + ", " + shape.Title);
     }
   }
 }
@@ -337,8 +315,7 @@ void frmDocument::FindSSEntry(const QString& name) {
 }
 
 void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
-  shownIndex = -1;  // an edit that is open belongs to the former table
-  CommitEdit();
+  editor.Close();  // it belongs to the former table
   table = received;
   RefillAfterEdit();
   ValidateTable();

@@ -1,13 +1,13 @@
 // The document window: one table, shown and edited in three linked grids.
 #pragma once
 
-#include <QComboBox>
 #include <QSpinBox>
 #include <memory>
 
+#include "core/cell_edits.h"
 #include "core/signal_standard_table.h"
+#include "editor/cell_editor.h"
 #include "editor/document_window.h"
-#include "editor/entry_box.h"
 #include "editor/frame_operations.h"
 #include "editor/grid.h"
 #include "editor/shared_tables.h"
@@ -20,6 +20,8 @@ namespace chanplan {
 ///   GridList     the standards; a hidden column holds each one's table index
 ///   GridDetails  the values of the standard that is current in GridList
 ///   GridBands    its sub-bands
+///
+/// `editor` holds the one edit that may be open. It is stored when it is left: `StoreGridsToTable`.
 class frmDocument : public DocumentWindow {
   Q_OBJECT
 
@@ -63,9 +65,9 @@ class frmDocument : public DocumentWindow {
   // Set-up and layout
   void BuildGrids();
   void ColourTitles();
-  void BuildEditors();
+  void BuildUpDown();
   void ConnectGrids();
-  void ConnectEditors();
+  void ConnectEditor();
   void LayOut();
 
   // The view
@@ -83,25 +85,19 @@ class frmDocument : public DocumentWindow {
 
   // Cell editing
   void BeginCellEdit(qint16 keyCode);
-  void PositionEditBox(bool withUpDown);
-  void PlaceEditBox();
-  void ShowChoice(QComboBox& choice);
-  void SetEntryRules();
-  void MirrorEntry(const QString& text);
-  void CloseEntry();
-  void CancelEntry();
-  void CloseChoice(QComboBox& choice);
-  void StoreGridsToTable();
-  void StoreDetails(SignalStandardRecord& standard);
-  bool StoreBands(int index);
-  int GetStateCode() const;
+  void BeginListEdit(int row);
+  void PositionEditBox(std::optional<QChar> typed);
+  void MoveByTab(const Grid& from, bool forwards);
+  bool StoreGridsToTable();
+  bool StoreCell(const CellEdit& edit);
+  bool StoreCount(int count);
+  void ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome);
   void ShowStateCode(int code);
   void ValidateTable();
 
   // Clipboard, insertion and deletion
   void CopyStandards();
   void DeleteStandards();
-  bool SetSubbandCount(int count);
   void UpDown_Change(int value);
 
   bool AskToSave();
@@ -117,18 +113,12 @@ class frmDocument : public DocumentWindow {
   Grid* GridList;
   Grid* GridDetails;
   Grid* GridBands;
-  EntryBox* txtEntry;
-  QComboBox* cmboSelected;
-  QComboBox* cmboModType;
-  QSpinBox* UpDown;
+  QSpinBox* UpDown;  ///< shows the count of sub-bands to whoever looks for it; hidden, as the count is typed
+  CellEditor editor;
 
   Grid* ActiveGrid;
-  QString OriginalCellText;
-  int shownIndex = -1;  // table index of the standard in GridDetails and GridBands, -1 = none
+  int shownIndex = -1;  ///< table index of the standard in GridDetails and GridBands, -1 = none
   bool SuppressListEvents = false;
-  bool storing = false;
-  bool closing = false;
-  bool reported = false;  // the status bar says why a cell kept its old value
 };
 
 }  // namespace chanplan

@@ -35,17 +35,8 @@ void frmDocument::CopyCut(bool Cut) {
     CopyStandards();
     if (Cut) DeleteStandards();
   } else if (ActiveGrid->currentItem() != nullptr) {
-    const int row = ActiveGrid->currentRow();
-    const int column = ActiveGrid->currentColumn();
-    QGuiApplication::clipboard()->setText(ActiveGrid->CellText(row, column));
-    if (Cut) {
-      if (txtEntry->isVisible()) {
-        txtEntry->SetContent("");
-        MirrorEntry("");
-      } else {
-        ActiveGrid->EditCell(row, column, "");
-      }
-    }
+    QGuiApplication::clipboard()->setText(ActiveGrid->CellText(ActiveGrid->currentRow(), ActiveGrid->currentColumn()));
+    if (Cut && shownIndex >= 0) editor.Cut(*ActiveGrid);
   }
   if (Cut) MarkChanged();
 }
@@ -91,39 +82,11 @@ void frmDocument::InsertBlank() {
   RefillAfterEdit();
 }
 
-bool frmDocument::SetSubbandCount(int count) {
-  // A damaged count that does not match the rows is put right first. Then one at a time, through
-  // the spin control, until that refuses.
-  if (table.Row(shownIndex).Subbands != SubbandRows()) {
-    table.Row(shownIndex).Subbands = SubbandRows();
-    MarkChanged();
-  }
-  {
-    const QSignalBlocker silent(UpDown);
-    UpDown->setValue(table.Row(shownIndex).Subbands);
-  }
-  while (table.Row(shownIndex).Subbands != count) {
-    const int former = table.Row(shownIndex).Subbands;
-    UpDown->setValue(former + (count > former ? 1 : -1));
-    if (table.Row(shownIndex).Subbands == former) return false;
-  }
-  return true;
-}
-
+// The count is typed, but whoever drives the control otherwise gets what its value says.
 void frmDocument::UpDown_Change(int value) {
-  if (shownIndex < 0) return;
-  const int former = table.Row(shownIndex).Subbands;
-  if (value == former) return;
-  if (value > former && !AddSubband(table, shownIndex)) {
-    UpDown->setValue(former);
-    ShowFailure(*this, "Warning:  Size limit reached.",
-                "You have reached the maximum number of records in the Signal Standard table. Cannot add "
-                "another sub-band.");
-    return;
-  }
-  if (value < former) RemoveSubband(table, shownIndex);
+  if (shownIndex < 0 || value == table.Row(shownIndex).Subbands) return;
   MarkChanged();
-  if (storing) return;  // a typed count is shown once, when all its steps are done
+  StoreCount(value);
   FillStandardList();
   ShowStandard();
 }

@@ -1,13 +1,11 @@
 // The document window: editing cells and writing them back into the table.
-#include <QFocusEvent>
-#include <QLocale>
 #include <QMdiArea>
-#include <QScopedValueRollback>
 
 #include "core/lenient_number.h"
 #include "core/validation.h"
 #include "editor/frm_document.h"
 #include "editor/grid_columns.h"
+#include "editor/messages.h"
 #include "editor/text_edge.h"
 
 namespace chanplan {
@@ -15,224 +13,116 @@ namespace {
 
 constexpr QStringView DisplayModeLetters = u"SN";  // of the two entries, in their order
 
-// The whole text as a number, unlike the lenient reading of the details.
-std::optional<double> WholeTextAsNumber(const QString& text) {
-  bool isNumber = false;
-  const double value = QLocale::c().toDouble(text.trimmed(), &isNumber);
-  return isNumber ? std::optional(value) : std::nullopt;
-}
-
-// Stores `value`; false when a whole number is out of range.
-bool StoreNumber(SignalStandardRecord& record, const NumberField& field, double value) {
-  if (field.Decimal != nullptr) {
-    record.*field.Decimal = value;
-    return true;
-  }
-  const auto integer = RoundToInteger(value);
-  if (integer) record.*field.Integer = *integer;
-  return integer.has_value();
-}
+const DetailRow& DetailOf(int row) { return DetailRows[static_cast<std::size_t>(row)]; }
+const BandColumn& BandOf(int column) { return BandColumns[static_cast<std::size_t>(column)]; }
 
 }  // namespace
 
-void frmDocument::ConnectEditors() {
-  connect(txtEntry, &QLineEdit::textEdited, this, [this](const QString& text) {
-    MarkChanged();
-    MirrorEntry(text);
+void frmDocument::ConnectEditor() {
+  connect(&editor, &CellEditor::TextEdited, this, &frmDocument::MarkChanged);
+  connect(&editor, &CellEditor::Mirrored, this, [this](const CellEdit& edit, const QString& text) {
+    if (edit.IsCell(GridDetails, NameRow, 1)) GridList->EditCell(GridList->currentRow(), 1, text);
   });
-  connect(txtEntry, &EntryBox::Backspaced, this, [this] { MarkChanged(); });
-  connect(txtEntry, &EntryBox::Accepted, this, [this] { ActiveGrid->setFocus(); });
-  connect(txtEntry, &EntryBox::Cancelled, this, &frmDocument::CancelEntry);
-  connect(txtEntry, &EntryBox::FocusLost, this, &frmDocument::CloseEntry);
-  connect(txtEntry, &EntryBox::Stepped, this, [this](int direction) {
-    if (ActiveGrid != GridDetails || GridDetails->currentRow() != SubbandsRow) return;
-    // A damaged count, as long as nobody has typed over it, gives way to what there is.
-    const int former = txtEntry->text() == OriginalCellText
-                           ? SubbandRows()
-                           : static_cast<int>(LeadingNumber(BytesOf(txtEntry->text())));
-    if (SetSubbandCount(former)) SetSubbandCount(qMax(0, former + direction));
-    ShowStandard();
-    OriginalCellText = GridDetails->CellText(SubbandsRow, 1);
-    txtEntry->SetContent(OriginalCellText);
+  connect(&editor, &CellEditor::Left, this, &frmDocument::CommitEdit);
+  connect(editor.txtEntry, &EntryBox::Refused, this, [this](const QString& text) {
+    frame.ShowStatus("\"" + text + "\" cannot stand in this cell, which stays as it is.");
   });
-  connect(UpDown, &QSpinBox::valueChanged, this, &frmDocument::UpDown_Change);
-  for (QComboBox* choice : {cmboSelected, cmboModType}) {
-    choice->installEventFilter(this);
-    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-      QAction* leave = new QAction(choice);
-      leave->setShortcut(key);
-      leave->setShortcutContext(Qt::WidgetShortcut);
-      choice->addAction(leave);
-      connect(leave, &QAction::triggered, this, [this, choice, key] {
-        if (key == Qt::Key_Escape) choice->setCurrentText(OriginalCellText);
-        GridDetails->setFocus();
-      });
-    }
-  }
 }
 
 void frmDocument::BeginCellEdit(qint16 keyCode) {
-  if (SelectedIndex() < 0 || ActiveGrid == GridList || ActiveGrid->currentRow() < 0) return;
-  SetEntryRules();
-  const QChar typed(static_cast<ushort>(keyCode));
-  const bool backspace = typed == '\b';
-  if (keyCode != 0 && !backspace && !txtEntry->Filter().Accepts(typed, "")) return;
+  if (shownIndex < 0 || ActiveGrid == GridList || ActiveGrid->currentRow() < 0) return;
   const bool onDetails = ActiveGrid == GridDetails;
-  if (onDetails && ActiveGrid->currentRow() == DisplayModeRow) return ShowChoice(*cmboSelected);
-  if (onDetails && ActiveGrid->currentRow() == ModulationRow) return ShowChoice(*cmboModType);
-  PositionEditBox(false);
-  if (keyCode == 0) return;
-  MarkChanged();
-  txtEntry->SetContent(backspace ? QString() : QString(typed));
-  MirrorEntry(txtEntry->text());
+  const int row = ActiveGrid->currentRow();
+  if (onDetails && (row == DisplayModeRow || row == ModulationRow)) return BeginListEdit(row);
+  EntryFilter& filter = editor.txtEntry->Filter();
+  const BandColumn& column = BandOf(ActiveGrid->currentColumn());
+  filter.EntryMode = onDetails ? DetailOf(row).Mode : column.Mode;
+  filter.EntryMaxLength = onDetails ? DetailOf(row).MaxLength : column.MaxLength;
+  if (keyCode == 0) return PositionEditBox(std::nullopt);
+  const QChar typed(static_cast<ushort>(keyCode));
+  if (typed == '\b' || filter.Accepts(typed, "")) PositionEditBox(typed);
 }
 
-void frmDocument::SetEntryRules() {
-  EntryFilter& filter = txtEntry->Filter();
-  if (ActiveGrid == GridDetails) {
-    const DetailRow& row = DetailRows[static_cast<std::size_t>(GridDetails->currentRow())];
-    filter.EntryMode = row.Mode;
-    filter.EntryMaxLength = row.MaxLength;
-  } else {
-    const BandColumn& column = BandColumns[static_cast<std::size_t>(GridBands->currentColumn())];
-    filter.EntryMode = column.Mode;
-    filter.EntryMaxLength = column.MaxLength;
-  }
+void frmDocument::BeginListEdit(int row) {
+  const QString text = GridDetails->CellText(row, 1);
+  if (row == ModulationRow) return editor.OpenList(*GridDetails, *editor.cmboModType, editor.cmboModType->findText(text));
+  const qsizetype letter = text.isEmpty() ? -1 : DisplayModeLetters.indexOf(text.front());
+  editor.OpenList(*GridDetails, *editor.cmboSelected, static_cast<int>(letter));
 }
 
-void frmDocument::ShowChoice(QComboBox& choice) {
-  const QString text = GridDetails->CellText(GridDetails->currentRow(), 1);
-  OriginalCellText = text;
-  if (&choice == cmboSelected)
-    choice.setCurrentIndex(text.isEmpty() ? -1 : static_cast<int>(DisplayModeLetters.indexOf(text.front())));
+void frmDocument::PositionEditBox(std::optional<QChar> typed) { editor.OpenBox(*ActiveGrid, typed); }
+
+// As one reads: the list, the values of the standard, its sub-bands, and round again.
+void frmDocument::MoveByTab(const Grid& from, bool forwards) {
+  const int details = shownIndex < 0 ? 0 : GridDetails->rowCount();
+  const int bandValues = GridBands->columnCount() - 1;
+  const int stops = 1 + details + GridBands->rowCount() * bandValues;
+  int stop = 0;
+  if (&from == GridDetails) stop = 1 + qMax(GridDetails->currentRow(), 0);
+  if (&from == GridBands)
+    stop = 1 + details + qMax(GridBands->currentRow(), 0) * bandValues + qMax(GridBands->currentColumn(), 1) - 1;
+  stop = (stop + (forwards ? 1 : -1) + stops) % stops;
+  const auto reason = forwards ? Qt::TabFocusReason : Qt::BacktabFocusReason;
+  if (stop == 0) return GridList->setFocus(reason);
+  const int band = stop - 1 - details;
+  (band < 0 ? GridDetails : GridBands)->setFocus(reason);
+  if (band < 0)
+    GridDetails->SetCurrent(stop - 1, 1);
   else
-    choice.setCurrentIndex(choice.findText(text));
-  QRect cell = GridDetails->visualItemRect(GridDetails->currentItem());
-  cell.moveTopLeft(GridDetails->viewport()->mapTo(area, cell.topLeft()));
-  choice.setGeometry(cell);
-  choice.raise();
-  choice.show();
-  choice.setFocus();
+    GridBands->SetCurrent(band / bandValues, 1 + band % bandValues);
 }
 
-void frmDocument::CloseChoice(QComboBox& choice) {
-  if (!choice.isVisible()) return;
-  choice.hide();
-  if (choice.currentIndex() >= 0)
-    GridDetails->EditCell(&choice == cmboSelected ? DisplayModeRow : ModulationRow, 1, choice.currentText());
-  StoreGridsToTable();
+void frmDocument::CommitEdit() { StoreGridsToTable(); }
+
+// False when the cell kept its old value, which the status bar tells.
+bool frmDocument::StoreGridsToTable() {
+  const std::optional<CellEdit> edit = editor.Close();
+  if (!edit || shownIndex < 0) return true;
+  const bool stored = StoreCell(*edit);
+  // What was typed is shown as the table now has it.
+  const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
+  if (shapesList) FillStandardList();
+  ShowStandard();
+  ValidateTable();
+  return stored;
 }
 
-void frmDocument::PositionEditBox(bool withUpDown) {
-  ActiveGrid->scrollToItem(ActiveGrid->currentItem());
-  OriginalCellText = ActiveGrid->CellText(ActiveGrid->currentRow(), ActiveGrid->currentColumn());
-  txtEntry->SetContent(OriginalCellText);
-  txtEntry->setAlignment(Qt::AlignVCenter |
-                         Qt::Alignment(ActiveGrid->currentItem()->textAlignment() & Qt::AlignHorizontal_Mask));
-  txtEntry->setAccessibleName(ActiveGrid->CellLabel(ActiveGrid->currentRow(), ActiveGrid->currentColumn()));
-  txtEntry->setReadOnly(withUpDown);
-  UpDown->setVisible(withUpDown);
-  txtEntry->show();
-  PlaceEditBox();
-  txtEntry->raise();
-  txtEntry->selectAll();
-  txtEntry->setFocus();
+bool frmDocument::StoreCell(const CellEdit& edit) {
+  const QString text = edit.EditedGrid->CellText(edit.Row, edit.Column);
+  SignalStandardRecord& standard = table.Row(shownIndex);
+  CellOutcome outcome = CellOutcome::Stored;
+  if (edit.EditedGrid == GridBands)
+    outcome = StoreBand(table, shownIndex, edit.Row + 1, BandOf(edit.Column).Shown, BytesOf(text));
+  else if (edit.Row == SubbandsRow)
+    return StoreCount(static_cast<int>(LeadingNumber(BytesOf(text))));
+  else if (edit.Row == DisplayModeRow)
+    SetStateCode(standard, GetStateCode(static_cast<int>(Modulation(standard)), editor.cmboSelected->currentIndex()));
+  else if (edit.Row == ModulationRow)
+    SetStateCode(standard, GetStateCode(editor.cmboModType->currentIndex(), ActiveDisplayMode(standard) ? 1 : 0));
+  else
+    outcome = StoreDetail(table, shownIndex, DetailOf(edit.Row).Shown, BytesOf(text));
+  if (outcome != CellOutcome::Stored) ReportRefusal(edit, text, outcome);
+  return outcome == CellOutcome::Stored;
 }
 
-void frmDocument::PlaceEditBox() {
-  if (!txtEntry->isVisible() || ActiveGrid->currentItem() == nullptr) return;
-  QRect cell = ActiveGrid->visualItemRect(ActiveGrid->currentItem());
-  cell.moveTopLeft(ActiveGrid->viewport()->mapTo(area, cell.topLeft()));
-  if (UpDown->isVisible()) {
-    cell.setWidth(cell.width() - UpDown->width());
-    UpDown->setGeometry(cell.right() + 1, cell.top(), UpDown->width(), cell.height());
-    UpDown->raise();
-  }
-  txtEntry->setGeometry(cell);
+bool frmDocument::StoreCount(int count) {
+  if (SetSubbandCount(table, shownIndex, count) == CountOutcome::Set) return true;
+  ShowFailure(*this, "Warning:  Size limit reached.",
+              "You have reached the maximum number of records in the Signal Standard table. Cannot add "
+              "another sub-band.");
+  return false;
 }
 
-void frmDocument::MirrorEntry(const QString& text) {
-  ActiveGrid->EditCell(ActiveGrid->currentRow(), ActiveGrid->currentColumn(), text);
-  if (ActiveGrid == GridDetails && GridDetails->currentRow() == NameRow)
-    GridList->EditCell(GridList->currentRow(), 1, text);
-}
-
-void frmDocument::CloseEntry() {
-  if (!txtEntry->isVisible()) return;
-  txtEntry->hide();
-  UpDown->hide();
-  StoreGridsToTable();
-}
-
-void frmDocument::CancelEntry() {
-  txtEntry->SetContent(OriginalCellText);
-  MirrorEntry(OriginalCellText);
-  ActiveGrid->setFocus();
-}
-
-void frmDocument::CommitEdit() {
-  // An editor that hides with the focus would pass it on to whatever comes next.
-  for (const QWidget* editor : std::initializer_list<QWidget*>{txtEntry, cmboSelected, cmboModType})
-    if (editor->hasFocus()) ActiveGrid->setFocus();
-  for (QComboBox* choice : {cmboSelected, cmboModType})
-    if (choice->isVisible()) CloseChoice(*choice);
-  if (txtEntry->isVisible()) CloseEntry();
-  StoreGridsToTable();
-}
-
-int frmDocument::GetStateCode() const {
-  return qMax(cmboModType->currentIndex(), 0) +
-         static_cast<int>(ActiveDisplayBit) * qMax(cmboSelected->currentIndex(), 0);
+void frmDocument::ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome) {
+  frame.ShowStatus(edit.EditedGrid->CellLabel(edit.Row, edit.Column) + ": \"" + text +
+                   (outcome == CellOutcome::OutOfRange ? "\" is out of range" : "\" is not a number") +
+                   "; the old value was kept.");
 }
 
 void frmDocument::ShowStateCode(int code) {
-  cmboModType->setCurrentIndex(code & 3);
-  cmboSelected->setCurrentIndex((code & ActiveDisplayBit) != 0 ? 1 : 0);
-  GridDetails->FillCell(DisplayModeRow, 1, cmboSelected->currentText(), DetailRows[DisplayModeRow].Title);
-  GridDetails->FillCell(ModulationRow, 1, cmboModType->currentText(), DetailRows[ModulationRow].Title);
-}
-
-void frmDocument::StoreGridsToTable() {
-  if (SuppressListEvents || storing || shownIndex < 0) return;
-  const QScopedValueRollback busy(storing, true);
-  const QString count = GridDetails->CellText(SubbandsRow, 1);
-  const bool countEdited = GridDetails->CellEdited(SubbandsRow, 1);
-  const bool nameEdited = GridDetails->CellEdited(NameRow, 1);
-  StoreDetails(table.Row(shownIndex));
-  reported = !StoreBands(shownIndex);
-  if (countEdited) SetSubbandCount(static_cast<int>(LeadingNumber(BytesOf(count))));
-  if (countEdited || nameEdited) FillStandardList();
-  // What was typed is shown as the table now has it, and is not looked at as an edit again.
-  ShowStandard();
-  ValidateTable();
-}
-
-void frmDocument::StoreDetails(SignalStandardRecord& standard) {
-  if (GridDetails->CellEdited(NameRow, 1)) standard.Name = BytesOf(GridDetails->CellText(NameRow, 1));
-  if (GridDetails->CellEdited(DisplayModeRow, 1) || GridDetails->CellEdited(ModulationRow, 1)) {
-    const std::int64_t otherBits = StateValue(standard) & ~(ActiveDisplayBit | 3);
-    standard.State = std::to_string(otherBits | GetStateCode());
-  }
-  for (int row = FirstNumberRow; row < GridDetails->rowCount(); ++row)
-    if (GridDetails->CellEdited(row, 1))
-      StoreNumber(standard, DetailRows[static_cast<std::size_t>(row)].Field,
-                  LeadingNumber(BytesOf(GridDetails->CellText(row, 1))));
-}
-
-bool frmDocument::StoreBands(int index) {
-  bool allStored = true;
-  for (int row = 0; row < GridBands->rowCount(); ++row)
-    for (int column = 1; column < GridBands->columnCount(); ++column) {
-      if (!GridBands->CellEdited(row, column)) continue;
-      const QString text = GridBands->CellText(row, column);
-      const auto value = WholeTextAsNumber(text);
-      const NumberField& field = BandColumns[static_cast<std::size_t>(column)].Field;
-      if (value && StoreNumber(table.Row(index + 1 + row), field, *value)) continue;
-      allStored = false;
-      frame.ShowStatus(GridBands->CellLabel(row, column) + ": \"" + text +
-                       (value ? "\" is out of range" : "\" is not a number") + "; the old value was kept.");
-    }
-  return allStored;
+  const int mode = (code & ActiveDisplayBit) != 0 ? 1 : 0;
+  GridDetails->FillCell(DisplayModeRow, 1, editor.cmboSelected->itemText(mode), DetailRows[DisplayModeRow].Title);
+  GridDetails->FillCell(ModulationRow, 1, editor.cmboModType->itemText(code & 3), DetailRows[ModulationRow].Title);
 }
 
 void frmDocument::ValidateTable() {

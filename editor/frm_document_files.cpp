@@ -31,7 +31,7 @@ class BusyPointer {
 bool frmDocument::LoadSigStandards(const QString& path) {
   const BusyPointer busy(*this);
   const QScopedValueRollback suppressed(SuppressListEvents, true);
-  shownIndex = -1;
+  editor.Close();  // it belongs to the former table
   ReadOutcome outcome = LoadSigFile(PathOf(path));
   table = std::move(outcome.Table);
   UnitTableTag = 0;
@@ -107,11 +107,9 @@ bool frmDocument::AskToSave() {
 
 void frmDocument::closeEvent(QCloseEvent* event) {
   // A message box is on the screen, which is to be answered first: it belongs to this window.
-  if (closing || QApplication::activeModalWidget() != nullptr) return event->ignore();
-  const QScopedValueRollback asking(closing, true);
+  if (QApplication::activeModalWidget() != nullptr) return event->ignore();
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
-  shownIndex = -1;  // a window that goes is left, but has nothing more to store or to warn of
   frame.Warnings("", -1);
   state.Released = true;
   DocumentWindow::closeEvent(event);

@@ -10,8 +10,7 @@
 namespace chanplan {
 namespace {
 
-constexpr int FilledTextRole = Qt::UserRole;
-constexpr int LabelRole = Qt::UserRole + 1;
+constexpr int LabelRole = Qt::UserRole;
 
 // Keeps the current cell out of the title columns, whichever way it moves.
 class ValueColumnsSelection : public QItemSelectionModel {
@@ -64,7 +63,6 @@ void Grid::SetText(QTableWidgetItem& cell, const QString& text) {
 void Grid::FillCell(int row, int column, const QString& text, const QString& label) {
   QTableWidgetItem& cell = Cell(row, column);
   if (cell.data(LabelRole).toString() != label) cell.setData(LabelRole, label);
-  if (cell.data(FilledTextRole).toString() != text) cell.setData(FilledTextRole, text);
   SetText(cell, text);
 }
 
@@ -80,9 +78,9 @@ QString Grid::CellLabel(int row, int column) const {
   return cell == nullptr ? QString() : cell->data(LabelRole).toString();
 }
 
-bool Grid::CellEdited(int row, int column) const {
-  const QTableWidgetItem* cell = item(row, column);
-  return cell != nullptr && cell->text() != cell->data(FilledTextRole).toString();
+void Grid::SetCurrent(int row, int column) {
+  const auto extent = selectionBehavior() == SelectRows ? QItemSelectionModel::Rows : QItemSelectionModel::NoUpdate;
+  selectionModel()->setCurrentIndex(model()->index(row, column), QItemSelectionModel::ClearAndSelect | extent);
 }
 
 void Grid::SetColumnAlignment(int column, Qt::Alignment alignment) { alignments.insert(column, alignment); }
@@ -91,6 +89,11 @@ void Grid::SetRows(int rows, int height) {
   const int former = rowCount();
   setRowCount(rows);
   for (int row = former; row < rows; ++row) setRowHeight(row, height);
+}
+
+bool Grid::focusNextPrevChild(bool next) {
+  emit Tabbed(next);
+  return true;
 }
 
 void Grid::focusInEvent(QFocusEvent* event) {

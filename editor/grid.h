@@ -19,8 +19,9 @@ class Grid : public QTableWidget {
   void EditCell(int row, int column, const QString& text);
   QString CellText(int row, int column) const;
   QString CellLabel(int row, int column) const;
-  /// The cell no longer holds what the program put there.
-  bool CellEdited(int row, int column) const;
+
+  /// Makes a cell current and alone selected, whatever keys are held.
+  void SetCurrent(int row, int column);
 
   /// Alignment of a column's cells that are filled from now on.
   void SetColumnAlignment(int column, Qt::Alignment alignment);
@@ -37,8 +38,11 @@ class Grid : public QTableWidget {
   /// Enter or F2 was pressed, or the current cell double-clicked.
   void EditRequested();
   void DeleteReleased();
+  /// Tab, or Shift+Tab for backwards, was pressed.
+  void Tabbed(bool forwards);
 
  protected:
+  bool focusNextPrevChild(bool next) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

@@ -3,22 +3,16 @@
 
 #include <array>
 
-#include "core/signal_standard_table.h"
+#include "core/record_fields.h"
 #include "editor/entry_box.h"
 
 namespace chanplan {
-
-/// A value of a record that is shown as a number: one of the two members is set.
-struct NumberField {
-  double SignalStandardRecord::*Decimal = nullptr;
-  std::int32_t SignalStandardRecord::*Integer = nullptr;
-};
 
 struct DetailRow {
   const char* Title;
   EntryMode Mode;
   qint16 MaxLength;
-  NumberField Field;  // of the rows that are plain numbers
+  Field Shown;
 };
 
 enum DetailRowNumber {
@@ -29,20 +23,18 @@ enum DetailRowNumber {
   FirstNumberRow = 4,
 };
 
-using Record = SignalStandardRecord;
-
 inline constexpr std::array<DetailRow, 11> DetailRows = {{
-    {"Signal Standard", FreeText, 24, {}},
-    {"Sub-bands", WholeNumber, 7, {}},
-    {"Active Display Mode", FreeText, 0, {}},
-    {"Modulation Type", FreeText, 0, {}},
-    {"Uplink Start Frequency (MHz)", DecimalNumber, 9, {&Record::UplinkStartFreq, nullptr}},
-    {"Downlink Start Frequency (MHz)", DecimalNumber, 9, {&Record::DownlinkStartFreq, nullptr}},
-    {"Start Channel", WholeNumber, 7, {nullptr, &Record::StartChannel}},
-    {"Stop Channel", WholeNumber, 7, {nullptr, &Record::StopChannel}},
-    {"Occupied Bandwidth (MHz)", DecimalNumber, 9, {&Record::Bandwidth, nullptr}},
-    {"Channel Spacing (MHz)", DecimalNumber, 9, {&Record::Spacing, nullptr}},
-    {"Channel Step", WholeNumber, 7, {nullptr, &Record::Step}},
+    {"Signal Standard", FreeText, 24, Field::Name},
+    {"Sub-bands", WholeNumber, 7, Field::Subbands},
+    {"Active Display Mode", FreeText, 0, Field::State},
+    {"Modulation Type", FreeText, 0, Field::State},
+    {"Uplink Start Frequency (MHz)", DecimalNumber, 9, Field::UplinkStartFreq},
+    {"Downlink Start Frequency (MHz)", DecimalNumber, 9, Field::DownlinkStartFreq},
+    {"Start Channel", WholeNumber, 7, Field::StartChannel},
+    {"Stop Channel", WholeNumber, 7, Field::StopChannel},
+    {"Occupied Bandwidth (MHz)", DecimalNumber, 9, Field::Bandwidth},
+    {"Channel Spacing (MHz)", DecimalNumber, 9, Field::Spacing},
+    {"Channel Step", WholeNumber, 7, Field::Step},
 }};
 
 struct BandColumn {
@@ -50,18 +42,15 @@ struct BandColumn {
   int WidthInDigits;
   EntryMode Mode;
   qint16 MaxLength;
-  NumberField Field;
+  Field Shown;  // of all but the first column, the band's letter
 };
 
 inline constexpr std::array<BandColumn, 5> BandColumns = {{
-    {"Sub-bands", 0, FreeText, 0, {}},
-    {"Uplink Freq. (MHz)", 14, DecimalNumber, 9, {&Record::UplinkStartFreq, nullptr}},
-    {"Downlink Freq. (MHz)", 14, DecimalNumber, 9, {&Record::DownlinkStartFreq, nullptr}},
-    {"Start Channel", 10, WholeNumber, 7, {nullptr, &Record::StartChannel}},
-    {"Stop Channel", 10, WholeNumber, 7, {nullptr, &Record::StopChannel}},
+    {"Sub-bands", 0, FreeText, 0, Field::Name},
+    {"Uplink Freq. (MHz)", 14, DecimalNumber, 9, Field::UplinkStartFreq},
+    {"Downlink Freq. (MHz)", 14, DecimalNumber, 9, Field::DownlinkStartFreq},
+    {"Start Channel", 10, WholeNumber, 7, Field::StartChannel},
+    {"Stop Channel", 10, WholeNumber, 7, Field::StopChannel},
 }};
-
-inline constexpr const char* FrequencyPicture = "#0.0000";
-inline constexpr const char* IntegerPicture = "#0";
 
 }  // namespace chanplan

@@ -1,6 +1,8 @@
 // What gets into the edit box, however it comes.
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <limits>
 
@@ -29,9 +31,9 @@ TEST(EntryFilter, EntryModeSaysWhichCharacters) {
     filter.EntryMode = expected.Mode;
     filter.EntryMaxLength = 5;
     for (const char16_t character : expected.Accepted)
-      EXPECT_TRUE(filter.Accepts(character, "")) << "mode " << expected.Mode << " code " << int{character};
+      EXPECT_TRUE(filter.Accepts(QChar(character), "")) << "mode " << expected.Mode << " code " << int{character};
     for (const char16_t character : expected.Refused)
-      EXPECT_FALSE(filter.Accepts(character, "")) << "mode " << expected.Mode << " code " << int{character};
+      EXPECT_FALSE(filter.Accepts(QChar(character), "")) << "mode " << expected.Mode << " code " << int{character};
   }
 }
 
@@ -39,15 +41,18 @@ TEST(EntryFilter, AcceptsOnePointOnly) {
   EntryFilter filter;
   filter.EntryMode = DecimalNumber;
   filter.EntryMaxLength = 9;
-  EXPECT_TRUE(filter.Accepts('.', "12"));
-  EXPECT_FALSE(filter.Accepts('.', "1.2"));
+  EXPECT_TRUE(filter.Accepts(".", "12"));
+  EXPECT_FALSE(filter.Accepts(".", "1.2"));
+  EXPECT_TRUE(filter.Accepts("1.2", "34"));
+  EXPECT_FALSE(filter.Accepts("1.2.", "34"));
 }
 
 TEST(EntryFilter, FullBoxTakesNothing) {
   EntryFilter filter;
   filter.EntryMaxLength = 3;
-  EXPECT_TRUE(filter.Accepts('x', "ab"));
-  EXPECT_FALSE(filter.Accepts('x', "abc"));
+  EXPECT_TRUE(filter.Accepts("x", "ab"));
+  EXPECT_FALSE(filter.Accepts("x", "abc"));
+  EXPECT_FALSE(filter.Accepts("xy", "ab"));
 }
 
 // An edit box alone in a window.
@@ -58,7 +63,8 @@ class EntryBoxTest : public ::testing::Test {
     window.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     box->setFocus();
-    QObject::connect(box, &QLineEdit::textEdited, box, [this] { ++edits; });
+    QObject::connect(box, &EntryBox::Edited, box, [this] { ++edits; });
+    QObject::connect(box, &EntryBox::Refused, box, [this](const QString& text) { refused += text; });
   }
 
   void Hold(EntryMode mode, qint16 maxLength, const QString& text) {
@@ -70,6 +76,7 @@ class EntryBoxTest : public ::testing::Test {
   QWidget window;
   EntryBox* box;
   int edits = 0;
+  QStringList refused;
 };
 
 struct InsertCase {
@@ -87,24 +94,6 @@ void PrintTo(const InsertCase& given, std::ostream* output) {
   *output << given.Inserted.toStdString() << " into " << given.Former.toStdString() << ", mode " << given.Mode;
 }
 
-const std::vector<InsertCase> InsertCases = {
-    {FreeText, 24, "GSM", 3, 0, " 900", "GSM 900", 7},
-    {FreeText, 5, "GSM", 3, 0, " 900", "GSM 9", 5},
-    {FreeText, 3, "GSM", 3, 0, "X", "GSM", 3},
-    {FreeText, 3, "GSM", 1, 1, "x", "GxM", 2},
-    {FreeText, 24, "aa", 1, 0, "a", "aaa", 2},
-    {WholeNumber, 7, "12", 1, 0, "9", "192", 2},
-    {WholeNumber, 7, "12", 2, 0, ".5", "125", 3},
-    {WholeNumber, 7, "12", 0, 2, "abc", "12", 2},
-    {WholeNumber, 2, "12", 0, 2, "789", "78", 2},
-    {DecimalNumber, 9, "1.5", 3, 0, ".7", "1.57", 4},
-    {DecimalNumber, 9, "1.5", 0, 3, "2.2.5", "2.25", 4},
-    {DecimalNumber, 9, "1.5", 1, 1, ".", "1.5", 2},
-    {DecimalNumber, 9, "890.2000", 8, 0, "777", "890.20007", 9},
-    {DecimalNumber, 9, "", 0, 0, "890,2 MHz", "8902", 4},
-    {UnknownMode, 9, "1", 1, 0, "2a.", "1", 1},
-};
-
 class Insertions : public EntryBoxTest, public ::testing::WithParamInterface<InsertCase> {
  protected:
   void SetUp() override {
@@ -118,41 +107,115 @@ class Insertions : public EntryBoxTest, public ::testing::WithParamInterface<Ins
   void ExpectOutcome() {
     EXPECT_EQ(box->text(), GetParam().Expected);
     EXPECT_EQ(box->cursorPosition(), GetParam().Cursor);
-    // "." over "." is a change to the user, and nothing else that leaves the text as it was is one.
-    const bool typedOver = GetParam().Inserted == ".";
-    EXPECT_EQ(edits > 0, typedOver || GetParam().Expected != GetParam().Former);
+    // What is put over the same text is an edit, too.
+    const bool same = GetParam().Inserted == GetParam().Former.mid(GetParam().SelectionStart, GetParam().SelectionLength);
+    EXPECT_EQ(edits > 0, same || GetParam().Expected != GetParam().Former);
   }
 };
 
-TEST_P(Insertions, ByTyping) {
+class Typing : public Insertions {};
+
+TEST_P(Typing, LeavesOutTheCharactersThatAreRefused) {
   Type(GetParam().Inserted.toStdString());
   ExpectOutcome();
+  EXPECT_EQ(refused, QStringList()) << "no message while typing";
 }
 
-TEST_P(Insertions, ByTheKeyboardsPaste) {
+INSTANTIATE_TEST_SUITE_P(EntryBox, Typing,
+                         ::testing::Values(InsertCase{FreeText, 24, "GSM", 3, 0, " 900", "GSM 900", 7},
+                                           InsertCase{FreeText, 5, "GSM", 3, 0, " 900", "GSM 9", 5},
+                                           InsertCase{FreeText, 3, "GSM", 3, 0, "X", "GSM", 3},
+                                           InsertCase{FreeText, 3, "GSM", 1, 1, "x", "GxM", 2},
+                                           InsertCase{FreeText, 24, "aa", 1, 0, "a", "aaa", 2},
+                                           InsertCase{WholeNumber, 7, "12", 1, 0, "9", "192", 2},
+                                           InsertCase{WholeNumber, 7, "12", 2, 0, ".5", "125", 3},
+                                           InsertCase{WholeNumber, 7, "12", 0, 2, "abc", "12", 2},
+                                           InsertCase{WholeNumber, 2, "12", 0, 2, "789", "78", 2},
+                                           InsertCase{DecimalNumber, 9, "1.5", 3, 0, ".7", "1.57", 4},
+                                           InsertCase{DecimalNumber, 9, "1.5", 0, 3, "2.2.5", "2.25", 4},
+                                           InsertCase{DecimalNumber, 9, "1.5", 1, 1, ".", "1.5", 2},
+                                           InsertCase{DecimalNumber, 9, "890.2000", 8, 0, "777", "890.20007", 9},
+                                           InsertCase{UnknownMode, 9, "1", 1, 0, "2a.", "1", 1}));
+
+class Pasting : public Insertions {
+ protected:
+  void ExpectOutcomeOfAPaste() {
+    ExpectOutcome();
+    EXPECT_EQ(refused, edits > 0 ? QStringList() : QStringList(GetParam().Inserted));
+  }
+};
+
+TEST_P(Pasting, GoesInAsAWholeOrNotAtAll) {
   QGuiApplication::clipboard()->setText(GetParam().Inserted);
   QTest::keySequence(box, QKeySequence::Paste);
-  ExpectOutcome();
+  ExpectOutcomeOfAPaste();
 }
 
-TEST_P(Insertions, ByTheContextMenusPaste) {
+TEST_P(Pasting, FromTheContextMenuDoesTheSame) {
   QGuiApplication::clipboard()->setText(GetParam().Inserted);
-  box->paste();
-  ExpectOutcome();
+  QTimer::singleShot(0, box, [] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    QAction* paste = nullptr;
+    for (QAction* action : menu->actions())
+      if (action->text().startsWith("&Paste")) paste = action;
+    ASSERT_NE(paste, nullptr);
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(paste).center());
+  });
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(1, 1), box->mapToGlobal(QPoint(1, 1)));
+  QApplication::sendEvent(box, &event);
+  ExpectOutcomeOfAPaste();
 }
 
-INSTANTIATE_TEST_SUITE_P(EntryBox, Insertions, ::testing::ValuesIn(InsertCases));
+INSTANTIATE_TEST_SUITE_P(EntryBox, Pasting,
+                         ::testing::Values(InsertCase{FreeText, 24, "GSM", 3, 0, " 900", "GSM 900", 7},
+                                           InsertCase{FreeText, 24, "GSM", 3, 0, "900\n", "GSM900", 6},
+                                           InsertCase{FreeText, 24, "GSM", 3, 0, "a\nb", "GSM", 3},
+                                           InsertCase{FreeText, 5, "GSM", 3, 0, " 900", "GSM", 3},
+                                           InsertCase{FreeText, 3, "GSM", 1, 1, "x", "GxM", 2},
+                                           InsertCase{FreeText, 24, "", 0, 0, "Gr\u00fcn", "", 0},
+                                           InsertCase{WholeNumber, 7, "12", 2, 0, ".5", "12", 2},
+                                           InsertCase{WholeNumber, 7, "12", 0, 2, "abc", "12", 2},
+                                           InsertCase{WholeNumber, 7, "12", 0, 2, "12", "12", 2},
+                                           InsertCase{WholeNumber, 2, "12", 0, 2, "789", "12", 2},
+                                           InsertCase{WholeNumber, 7, "12", 0, 2, "\t789 \r\n", "789", 3},
+                                           InsertCase{WholeNumber, 7, "", 0, 0, "7 8", "", 0},
+                                           InsertCase{DecimalNumber, 9, "1.5", 3, 0, ".7", "1.5", 3},
+                                           InsertCase{DecimalNumber, 9, "1.5", 0, 3, "2.25", "2.25", 4},
+                                           InsertCase{DecimalNumber, 9, "", 0, 0, "824,04", "", 0},
+                                           InsertCase{DecimalNumber, 9, "", 0, 0, " 824.04 ", "824.04", 6},
+                                           InsertCase{DecimalNumber, 9, "", 0, 0, "890.2 MHz", "", 0},
+                                           InsertCase{DecimalNumber, 9, "", 0, 0, "-1", "", 0},
+                                           InsertCase{UnknownMode, 9, "1", 1, 0, "2", "1", 1}));
 
-TEST_F(EntryBoxTest, DroppedTextIsFiltered) {
-  Hold(DecimalNumber, 9, "");
-  QMimeData dropped;
-  dropped.setText("89O.5x.1");
-  QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(box, &enter);
-  QDropEvent drop(QPointF(1, 1), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(box, &drop);
-  EXPECT_EQ(box->text(), "89.51");
-  EXPECT_GT(edits, 0);
+TEST_F(EntryBoxTest, PastingByProgramGoesInAsAWholeOrNotAtAll) {
+  for (const auto& [pasted, expected] : std::vector<std::pair<QString, QString>>{{"824,04", "1"}, {"82404", "82404"}}) {
+    Hold(WholeNumber, 7, "1");
+    box->selectAll();
+    QGuiApplication::clipboard()->setText(pasted);
+    box->paste();
+    EXPECT_EQ(box->text(), expected);
+  }
+}
+
+struct DropCase {
+  const char* Dropped;
+  const char* Expected;
+};
+
+TEST_F(EntryBoxTest, DroppedTextGoesInAsAWholeOrNotAtAll) {
+  for (const DropCase& given : {DropCase{"89O.5x.1", ""}, {"89.51", "89.51"}, {" 89.51\n", "89.51"}}) {
+    Hold(DecimalNumber, 9, "");
+    refused.clear();
+    QMimeData dropped;
+    dropped.setText(given.Dropped);
+    QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(box, &enter);
+    QDropEvent drop(QPointF(1, 1), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(box, &drop);
+    EXPECT_EQ(box->text(), given.Expected);
+    EXPECT_EQ(refused.size(), box->text().isEmpty() ? 1 : 0);
+  }
 }
 
 TEST_F(EntryBoxTest, RefusedKeyKeepsTheSelectedText) {
@@ -182,50 +245,84 @@ TEST_F(EntryBoxTest, TextOfACellIsShownWhateverTheRules) {
   EXPECT_EQ(box->text(), "-1234");
 }
 
-struct FocusCase {
-  Qt::FocusReason Reason;
-  bool Lost;
+struct UndoCase {
+  EntryMode Mode;
+  qint16 MaxLength;
+  const char* Former;
+  const char* Typed;
 };
 
-TEST_F(EntryBoxTest, MenusListsAndOtherProgramsOnlyBorrowTheFocus) {
-  int losses = 0;
-  QObject::connect(box, &EntryBox::FocusLost, box, [&] { ++losses; });
+// What a file brings need not be what can be typed: undoing has to give it back all the same, and
+// opens the box for nothing else.
+TEST_F(EntryBoxTest, UndoGivesBackTheVeryTextAndTheRulesStillHold) {
+  for (const UndoCase& given : {UndoCase{DecimalNumber, 9, "890.2000", "7"},
+                                {DecimalNumber, 9, "-1234567.0000", "12"},
+                                {WholeNumber, 7, "-12345", "9"},
+                                {FreeText, 24, "a name of thirty-eight characters, all", "GSM"}}) {
+    Hold(given.Mode, given.MaxLength, given.Former);
+    box->selectAll();
+    Type(given.Typed);
+    EXPECT_EQ(box->text(), given.Typed);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(box->text(), given.Former);
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(box->text(), given.Typed);
+    if (given.Mode != FreeText) Type("x,-e");
+    EXPECT_EQ(box->text(), given.Typed);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press(Qt::Key_End);
+    Type(given.Mode == FreeText ? "x" : "x,-");
+    EXPECT_EQ(box->text(), given.Former);
+  }
+}
+
+TEST_F(EntryBoxTest, UndoBringsTextsThatWereShortenedBackStepByStep) {
+  Hold(FreeText, 3, "abcdef");
+  Press(Qt::Key_End);
+  Press(Qt::Key_Backspace);
+  Press(Qt::Key_Backspace);
+  Type("x");
+  EXPECT_EQ(box->text(), "abcd");
+  while (box->isUndoAvailable()) Press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(box->text(), "abcdef");
+}
+
+TEST_F(EntryBoxTest, BackspaceIsAnEditAlsoWhereNothingIsLeft) {
+  Hold(FreeText, 24, "a");
+  Press(Qt::Key_Backspace);
+  EXPECT_EQ(edits, 1);
+  Press(Qt::Key_Backspace);
+  EXPECT_EQ(edits, 2);
+  for (const Qt::Key key : {Qt::Key_Left, Qt::Key_End, Qt::Key_Delete}) Press(key);
+  EXPECT_EQ(edits, 2);
+}
+
+TEST_F(EntryBoxTest, ReplacedTextCanBeUndone) {
+  Hold(DecimalNumber, 9, "890.2000");
+  box->Replace("7");
+  EXPECT_EQ(box->text(), "7");
+  EXPECT_EQ(edits, 1);
+  Press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(box->text(), "890.2000");
+  box->Replace("");
+  box->Replace("");
+  EXPECT_EQ(box->text(), "");
+  EXPECT_EQ(edits, 4);
+}
+
+struct FocusCase {
+  Qt::FocusReason Reason;
+  bool MovedOn;
+};
+
+TEST(FocusMovedOn, MenusListsAndOtherProgramsOnlyBorrowTheFocus) {
   for (const FocusCase& given : {FocusCase{Qt::PopupFocusReason, false},
                                  {Qt::MenuBarFocusReason, false},
                                  {Qt::ActiveWindowFocusReason, false},
                                  {Qt::MouseFocusReason, true},
                                  {Qt::TabFocusReason, true},
-                                 {Qt::OtherFocusReason, true}}) {
-    losses = 0;
-    QFocusEvent out(QEvent::FocusOut, given.Reason);
-    QApplication::sendEvent(box, &out);
-    EXPECT_EQ(losses, given.Lost ? 1 : 0) << given.Reason;
-  }
-}
-
-struct KeyCase {
-  Qt::Key Key;
-  const char* Signal;
-};
-
-TEST_F(EntryBoxTest, KeysWithAMeaningOfTheirOwn) {
-  std::vector<std::string> heard;
-  QObject::connect(box, &EntryBox::Accepted, box, [&] { heard.emplace_back("accepted"); });
-  QObject::connect(box, &EntryBox::Cancelled, box, [&] { heard.emplace_back("cancelled"); });
-  QObject::connect(box, &EntryBox::Backspaced, box, [&] { heard.emplace_back("backspaced"); });
-  QObject::connect(box, &EntryBox::Stepped, box, [&](int by) { heard.push_back("step " + std::to_string(by)); });
-  const std::vector<KeyCase> cases = {
-      {Qt::Key_Return, "accepted"}, {Qt::Key_Enter, "accepted"}, {Qt::Key_Escape, "cancelled"},
-      {Qt::Key_Up, "step 1"},       {Qt::Key_Down, "step -1"},   {Qt::Key_Backspace, "backspaced"},
-  };
-  Hold(FreeText, 24, "");
-  for (const KeyCase& expected : cases) {
-    heard.clear();
-    Press(expected.Key);
-    EXPECT_EQ(heard, std::vector<std::string>{expected.Signal});
-    EXPECT_EQ(box->text(), "");
-  }
-  EXPECT_EQ(edits, 0);
+                                 {Qt::OtherFocusReason, true}})
+    EXPECT_EQ(FocusMovedOn(QFocusEvent(QEvent::FocusOut, given.Reason)), given.MovedOn) << given.Reason;
 }
 
 }  // namespace

@@ -36,22 +36,9 @@ TEST_F(GridTest, TitleColumnIsNeverCurrent) {
   EXPECT_EQ(Current(), std::pair(0, 1));
 }
 
-TEST_F(GridTest, CellIsEditedWhileItDiffersFromWhatTheProgramPutThere) {
-  EXPECT_FALSE(grid->CellEdited(1, 1));
-  grid->EditCell(1, 1, "typed");
-  EXPECT_TRUE(grid->CellEdited(1, 1));
-  EXPECT_FALSE(grid->CellEdited(1, 2));
-  grid->EditCell(1, 1, "1/1");
-  EXPECT_FALSE(grid->CellEdited(1, 1));
-  grid->EditCell(1, 1, "typed");
-  grid->FillCell(1, 1, "typed");
-  EXPECT_FALSE(grid->CellEdited(1, 1));
-}
-
 TEST_F(GridTest, CellsThatAreNotThereAreEmpty) {
   EXPECT_EQ(grid->CellText(9, 9), "");
   EXPECT_EQ(grid->CellLabel(9, 9), "");
-  EXPECT_FALSE(grid->CellEdited(9, 9));
 }
 
 TEST_F(GridTest, LabelIsSpokenBeforeTheText) {
