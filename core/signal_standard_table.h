@@ -13,6 +13,10 @@ namespace chanplan {
 /// Records a table holds at most, standards and sub-bands together.
 inline constexpr int MaxRecords = 200;
 
+/// Where start frequencies lie in a sound table, both bounds included.
+inline constexpr double LowestMegahertz = 0;
+inline constexpr double HighestMegahertz = 9000;
+
 /// One table row: a Signal Standard, or one sub-band of the standard above it. Texts are
 /// Windows-1252 bytes. The field order is the column order of the file and of the wire.
 struct SignalStandardRecord {
