@@ -113,7 +113,7 @@ bool frmMain::ConfirmLosses(DocumentWindow& document) {
     losses.push_back("...");
   }
   QString text = "The unit cannot hold these values as they stand in the table:\n";
-  for (const std::string& loss : losses) text += "\n" + TextOf(loss);
+  for (const std::string& loss : losses) text += "\n" + QString::fromStdString(loss);
   return Ask(*this, QMessageBox::Warning, ApplicationTitle(), text + "\n\nUpload the table all the same?",
              QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
