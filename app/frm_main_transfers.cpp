@@ -113,7 +113,7 @@ bool frmMain::ConfirmLosses(DocumentWindow& document) {
     losses.push_back("...");
   }
   QString text = "The unit cannot hold these values as they stand in the table:\n";
-  for (const std::string& loss : losses) text += "\n" + TextOf(loss);
+  for (const std::string& loss : losses) text += "\n" + QString::fromStdString(loss);
   return Ask(*this, QMessageBox::Warning, ApplicationTitle(), text + "\n\nUpload the table all the same?",
              QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
@@ -127,7 +127,7 @@ void frmMain::MergeTables(DocumentWindow& base, DocumentWindow& source) {
   for (DocumentWindow* document : {&base, &source}) document->CommitEdit();
   const MergeOutcome merged = chanplan::MergeTables(base.Table(), source.Table(), app.Transfers.UploadReplaceMatching);
   if (merged.Truncated) ShowMessage(*this, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
-  GetTable(merged.Table, app.Shared.Transfer);
+  GetTable(merged.Table, app.Shared.Passed);
   base.SetTable();
   if (merged.Table.Count > 0) base.State().Changed = true;  // it is in no file
 }

@@ -21,7 +21,7 @@ SignalStandardTable FullTable() {
     table.Append({"2", head ? groupSize - 1 : 0, "Standard " + std::to_string(index / groupSize), 890.2 + index,
                   935.2 + index, index, index + 124, 0.2, 0.00625, 1});
   }
-  ValidateTable(table, {});
+  AlignSubbands(table);
   return table;
 }
 
@@ -57,7 +57,10 @@ void Read(benchmark::State& state) {
 void Validate(benchmark::State& state) {
   SignalStandardTable table = FullTable();
   const auto names = ListNames(table);
-  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(ValidateTable(table, names));
+  for ([[maybe_unused]] auto _ : state) {
+    AlignSubbands(table);
+    benchmark::DoNotOptimize(WarningsText(FindWarnings(table, names)));
+  }
 }
 
 void Write(benchmark::State& state) {

@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "console/command.h"
-#include "core/text_encoding.h"
 #include "core/validation.h"
 
 namespace chanplan {
@@ -11,9 +10,9 @@ namespace {
 // Prints the findings as the warnings pane holds them once an edit has been committed: by then the
 // list view is filled, so that duplicate names are found. Returns whether there are any.
 bool CheckFile(const std::filesystem::path& file, const std::string& prefix) {
-  SignalStandardTable table = OpenTable(file);
-  const std::string warnings = ValidateTable(table, ListNames(table));
-  for (const std::string_view line : WarningLines(warnings)) std::cout << prefix << Utf8FromWindows1252(line) << '\n';
+  const SignalStandardTable table = OpenTable(file);
+  const std::vector<Warning> warnings = FindWarnings(table, ListNames(table));
+  for (const Warning& warning : warnings) std::cout << prefix << WarningText(warning) << '\n';
   return !warnings.empty();
 }
 

@@ -13,12 +13,12 @@ SignalStandardTable OpenTable(const std::filesystem::path& file) {
   ReadOutcome outcome = LoadSigFile(file);
   if (!outcome.Ok()) throw CommandFailure(LoadErrorText(file.string(), 0) + ": " + outcome.Reason);
   if (outcome.Truncated) Note(file.string() + ": " + std::string(FileTruncatedText));
-  ValidateTable(outcome.Table, {});
+  AlignSubbands(outcome.Table);
   return outcome.Table;
 }
 
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
-  ValidateTable(table, ListNames(table));
+  AlignSubbands(table);
   FailUnlessSaved(file, SaveSigFile(file, table));
 }
 

@@ -35,11 +35,11 @@ void AddDownloadCommand(CLI::App& app, int& exitCode);
 void AddUploadCommand(CLI::App& app, int& exitCode);
 void AddUnitsCommand(CLI::App& app, int& exitCode);
 
-/// The table in `file` as it stands once the editor has opened it: read and validated. Says so on
+/// The table in `file` as it stands once the editor has opened it: read, its sub-bands in line. Says so on
 /// standard error when it was truncated; throws CommandFailure when it cannot be read.
 SignalStandardTable OpenTable(const std::filesystem::path& file);
 
-/// Validates `table` and writes it to `file`; throws CommandFailure.
+/// Brings the sub-bands of `table` into line and writes it to `file`; throws CommandFailure.
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 
 /// Throws CommandFailure when `error` is one: what writing `file` came to.

@@ -2,7 +2,6 @@
 
 #include "console/command.h"
 #include "core/table_difference.h"
-#include "core/text_encoding.h"
 
 namespace chanplan {
 
@@ -15,7 +14,7 @@ void AddDiffCommand(CLI::App& app, int& exitCode) {
   command->callback([files, &exitCode] {
     const SignalStandardTable left = OpenTable(files->first);
     const auto differences = TableDifferences(left, OpenTable(files->second));
-    for (const std::string& line : differences) std::cout << Utf8FromWindows1252(line) << '\n';
+    for (const std::string& line : differences) std::cout << line << '\n';
     exitCode = differences.empty() ? ExitDone : ExitDifferent;
   });
 }

@@ -1,7 +1,6 @@
 #include "console/unit_session.h"
 #include "core/table_difference.h"
 #include "core/table_merge.h"
-#include "core/text_encoding.h"
 #include "core/validation.h"
 #include "unit/wire_encoding.h"
 
@@ -16,14 +15,14 @@ struct UploadArguments {
   bool Verify = false;
 };
 
-// The unit keeps only the standard's name for its sub-bands; validation gives both tables the rest.
+// The unit keeps only the standard's name for its sub-bands; both tables are given the rest.
 void Verify(UnitSession& session, SignalStandardTable sent) {
   SignalStandardTable held = session.Download().Table;
-  ValidateTable(sent, {});
-  ValidateTable(held, {});
+  AlignSubbands(sent);
+  AlignSubbands(held);
   const auto differences = RowDifferences(sent, held);
   if (differences.empty()) return;
-  for (const std::string& line : differences) Note(Utf8FromWindows1252(line));
+  for (const std::string& line : differences) Note(line);
   throw CommandFailure("the unit's table is not the one that was sent: upload it again");
 }
 
@@ -39,7 +38,7 @@ void Upload(const UploadArguments& arguments) {
     if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
     document = {std::move(merged.Table), unitDocument.UnitTableTag};
   }
-  for (const std::string& loss : WireLosses(document.Table)) Note(Utf8FromWindows1252(loss));
+  for (const std::string& loss : WireLosses(document.Table)) Note(loss);
   session.Upload(document);
   if (arguments.Verify) Verify(session, document.Table);
 }
@@ -62,7 +61,7 @@ void AddUploadCommand(CLI::App& app, int& /*exitCode*/) {
     try {
       Upload(*arguments);
     } catch (const WireMisfit& misfit) {
-      throw CommandFailure(Utf8FromWindows1252(misfit.what()) + "; nothing was sent");
+      throw CommandFailure(std::string(misfit.what()) + "; nothing was sent");
     }
   });
 }

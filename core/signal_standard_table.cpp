@@ -62,17 +62,17 @@ char SubbandLetter(int number) {
   return static_cast<char>(first + (number - 1) % letters);
 }
 
-void GetTable(const SignalStandardTable& table, TransferTable& transfer) {
-  transfer.assign(MaxRecords, {});
-  for (int index = 0; index < table.Count; ++index) transfer.at(static_cast<std::size_t>(index)) = table.Row(index);
+void GetTable(const SignalStandardTable& table, PassedRows& rows) {
+  rows.assign(MaxRecords, {});
+  for (int index = 0; index < table.Count; ++index) rows.at(static_cast<std::size_t>(index)) = table.Row(index);
 }
 
-void SetTable(const TransferTable& transfer, SignalStandardTable& table) {
-  const std::size_t copied = std::min(transfer.size(), table.Records.size());
+void SetTable(const PassedRows& rows, SignalStandardTable& table) {
+  const std::size_t copied = std::min(rows.size(), table.Records.size());
   std::size_t lastNamed = 0;
   for (std::size_t index = 0; index < copied; ++index) {
-    table.Records[index] = transfer[index];
-    if (!transfer[index].Name.empty()) lastNamed = index;
+    table.Records[index] = rows[index];
+    if (!rows[index].Name.empty()) lastNamed = index;
   }
   table.Count = static_cast<std::int16_t>(lastNamed + 1);
 }

@@ -1,4 +1,4 @@
-// The table of Signal Standards: its records, its groups, and whole-table transfer between documents.
+// The table of Signal Standards: its records, its groups, and passing whole tables between documents.
 #pragma once
 
 #include <array>
@@ -12,6 +12,10 @@ namespace chanplan {
 
 /// Records a table holds at most, standards and sub-bands together.
 inline constexpr int MaxRecords = 200;
+
+/// Where start frequencies lie in a sound table, both bounds included.
+inline constexpr double LowestMegahertz = 0;
+inline constexpr double HighestMegahertz = 9000;
 
 /// One table row: a Signal Standard, or one sub-band of the standard above it. Texts are
 /// Windows-1252 bytes. The field order is the column order of the file and of the wire.
@@ -76,14 +80,14 @@ std::vector<std::string> ListNames(const SignalStandardTable& table);
 /// ever gets into a name.
 char SubbandLetter(int number);
 
-/// The list of records through which whole tables move between documents.
-using TransferTable = std::vector<SignalStandardRecord>;
+/// The list of records in which a whole table is passed from one document to another.
+using PassedRows = std::vector<SignalStandardRecord>;
 
-/// Re-creates `transfer` with `MaxRecords` empty records and copies the rows in use to its start.
-void GetTable(const SignalStandardTable& table, TransferTable& transfer);
+/// Re-creates `rows` with `MaxRecords` empty records and copies the rows in use to its start.
+void GetTable(const SignalStandardTable& table, PassedRows& rows);
 
-/// Copies the records of `transfer` (at most `MaxRecords`) into `table`. `Count` becomes the index
+/// Copies the records of `rows` (at most `MaxRecords`) into `table`. `Count` becomes the index
 /// of the last record with a name plus 1, so it is 1 when no record has a name. Does not validate.
-void SetTable(const TransferTable& transfer, SignalStandardTable& table);
+void SetTable(const PassedRows& rows, SignalStandardTable& table);
 
 }  // namespace chanplan

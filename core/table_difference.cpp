@@ -3,12 +3,15 @@
 #include <algorithm>
 
 #include "core/sig_file.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 
 namespace {
 
 using Lines = std::vector<std::string>;
+
+void AppendLine(Lines& lines, std::string_view bytes) { lines.push_back(Utf8FromWindows1252(bytes)); }
 
 // Appends "PREFIX: FIELD: LEFT -> RIGHT" for every field that differs.
 void AppendFieldDifferences(const std::string& prefix, const SignalStandardRecord& left,
@@ -17,8 +20,8 @@ void AppendFieldDifferences(const std::string& prefix, const SignalStandardRecor
   const auto rightTexts = FieldTexts(right);
   for (std::size_t field = 0; field < FieldCount; ++field)
     if (leftTexts[field] != rightTexts[field])
-      lines.push_back(prefix + ": " + std::string(RecordFields[field].Name) + ": " + leftTexts[field] + " -> " +
-                      rightTexts[field]);
+      AppendLine(lines, prefix + ": " + std::string(RecordFields[field].Name) + ": " + leftTexts[field] + " -> " +
+                            rightTexts[field]);
 }
 
 std::string SubbandText(int number, const std::string& standard) {
@@ -33,9 +36,9 @@ void AppendGroupDifferences(const SignalStandardTable& left, int leftHead, const
   const int rightCount = GroupEnd(right, rightHead) - rightHead;
   for (int number = 1; number < std::max(leftCount, rightCount); ++number) {
     if (number >= rightCount)
-      lines.push_back("- " + SubbandText(number, name));
+      AppendLine(lines, "- " + SubbandText(number, name));
     else if (number >= leftCount)
-      lines.push_back("+ " + SubbandText(number, name));
+      AppendLine(lines, "+ " + SubbandText(number, name));
     else
       AppendFieldDifferences("~ " + SubbandText(number, name), left.Row(leftHead + number),
                              right.Row(rightHead + number), lines);
@@ -53,7 +56,7 @@ Lines TableDifferences(const SignalStandardTable& left, const SignalStandardTabl
     const std::string& name = left.Row(leftHead).Name;
     const auto match = std::ranges::find(unpaired, name, [&](int head) { return right.Row(head).Name; });
     if (match == unpaired.end()) {
-      lines.push_back("- " + name);
+      AppendLine(lines, "- " + name);
       continue;
     }
     AppendGroupDifferences(left, leftHead, right, *match, lines);
@@ -61,15 +64,15 @@ Lines TableDifferences(const SignalStandardTable& left, const SignalStandardTabl
     lastPaired = *match;
     unpaired.erase(match);
   }
-  for (const int head : unpaired) lines.push_back("+ " + right.Row(head).Name);
-  if (!sameOrder) lines.push_back("= order differs");
+  for (const int head : unpaired) AppendLine(lines, "+ " + right.Row(head).Name);
+  if (!sameOrder) AppendLine(lines, "= order differs");
   return lines;
 }
 
 Lines RowDifferences(const SignalStandardTable& left, const SignalStandardTable& right) {
   Lines lines;
   if (left.Count != right.Count)
-    lines.push_back("records: " + std::to_string(left.Count) + " -> " + std::to_string(right.Count));
+    AppendLine(lines, "records: " + std::to_string(left.Count) + " -> " + std::to_string(right.Count));
   for (int index = 0; index < std::min(left.Count, right.Count); ++index)
     AppendFieldDifferences("row " + std::to_string(index + 1) + " (" + left.Row(index).Name + ")", left.Row(index),
                            right.Row(index), lines);

@@ -8,7 +8,7 @@
 
 namespace chanplan {
 
-/// One line per difference, empty when the tables hold the same groups in the same order:
+/// One line (UTF-8) per difference, empty when the tables hold the same groups in the same order:
 ///   "- NAME"  a standard that only `left` has;  "+ NAME"  one that only `right` has
 ///   "~ NAME: FIELD: LEFT -> RIGHT"  a field of a standard or ("sub-band A of NAME") sub-band
 ///   "- sub-band A of NAME" / "+ ..."  a sub-band that only one side has
@@ -16,7 +16,7 @@ namespace chanplan {
 /// Standards are paired by name; of several with one name the first goes with the first.
 std::vector<std::string> TableDifferences(const SignalStandardTable& left, const SignalStandardTable& right);
 
-/// One line per difference between rows of the same index: "row N (NAME): FIELD: LEFT -> RIGHT".
+/// One line (UTF-8) per difference between rows of the same index: "row N (NAME): FIELD: LEFT -> RIGHT".
 std::vector<std::string> RowDifferences(const SignalStandardTable& left, const SignalStandardTable& right);
 
 }  // namespace chanplan

@@ -10,15 +10,15 @@ class MergeResult {
  public:
   bool Full() const { return written == slots.size(); }
   void Write(const SignalStandardRecord& record) { slots[written++] = record; }
-  const TransferTable& Slots() const { return slots; }
+  const PassedRows& Slots() const { return slots; }
 
  private:
-  TransferTable slots = TransferTable(MaxRecords);
+  PassedRows slots = PassedRows(MaxRecords);
   std::size_t written = 0;
 };
 
 // Moves the source rows from `row` on that share its base name into the result.
-void MoveGroup(TransferTable& source, TransferTable::iterator row, MergeResult& result) {
+void MoveGroup(PassedRows& source, PassedRows::iterator row, MergeResult& result) {
   const std::string name(BaseName(row->Name));
   for (; row != source.end() && !result.Full() && BaseName(row->Name) == name; ++row) {
     result.Write(*row);
@@ -35,8 +35,8 @@ std::string_view BaseName(std::string_view name) {
 
 MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTable& source,
                          bool uploadReplaceMatching) {
-  TransferTable baseRows;
-  TransferTable sourceRows;
+  PassedRows baseRows;
+  PassedRows sourceRows;
   GetTable(base, baseRows);
   GetTable(source, sourceRows);
   MergeResult result;

@@ -1,4 +1,5 @@
-// Texts are held as Windows-1252 bytes; this is where they meet Unicode.
+// Where the two kinds of texts meet. Windows-1252 bytes are the texts of a record's fields, and what
+// goes to files and units. All other texts are UTF-8: messages, captions, what exceptions say.
 #pragma once
 
 #include <string>

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <array>
 
+#include "core/text_encoding.h"
+
 namespace chanplan {
 namespace {
 
-constexpr double LowestFrequency = 0;      // MHz
-constexpr double HighestFrequency = 9000;  // MHz
-constexpr int UncheckedGroupIndex = 1;
+constexpr int UncheckedHead = 1;
 
-bool OutOfRange(double frequency) { return frequency < LowestFrequency || frequency > HighestFrequency; }
+bool OutOfRange(double frequency) { return frequency < LowestMegahertz || frequency > HighestMegahertz; }
 
 struct Check {
   bool (*Fails)(const SignalStandardRecord&);
@@ -32,62 +32,96 @@ constexpr std::array<Check, 3> GroupChecks = {{
     {[](const auto& group) { return group.Bandwidth <= 0; }, "Bandwidth may be out of range."},
 }};
 
-void AppendWarning(std::string& warnings, std::string_view name, std::string_view message) {
-  warnings.append("Warning:\t").append(name).append("\t").append(message).append("\r\n");
+// Where a row stands among the groups. A standard within an open group starts its own.
+struct RowPlace {
+  int Head = -1;         // the last standard so far that has sub-bands; -1 = there was none
+  bool InGroup = false;  // of that standard, be it the standard itself
+  int Subband = 0;       // 1 = its first; 0 = the row is a standard
+};
+
+std::vector<RowPlace> PlacesOf(const SignalStandardTable& table) {
+  std::vector<RowPlace> places;
+  places.reserve(MaxRecords);
+  RowPlace place;
+  int expected = 0;  // sub-bands still to come
+  for (int index = 0; index < table.Count; ++index) {
+    const std::int32_t subbands = table.Row(index).Subbands;
+    if (subbands > 0) {
+      place = {index, true, 0};
+      expected = subbands;
+    } else if (expected > 0) {
+      --expected;
+      ++place.Subband;
+    } else {
+      place.InGroup = false;
+      place.Subband = 0;
+    }
+    places.push_back(place);
+  }
+  return places;
 }
 
-void AppendFailures(std::string& warnings, std::string_view name, std::span<const Check> checks,
+std::string SubbandName(const SignalStandardRecord& standard, int number) {
+  return standard.Name + '(' + SubbandLetter(number) + ')';
+}
+
+void AppendFailures(std::vector<Warning>& warnings, int row, std::span<const Check> checks,
                     const SignalStandardRecord& checked) {
   for (const Check& check : checks)
-    if (check.Fails(checked)) AppendWarning(warnings, name, check.Message);
+    if (check.Fails(checked)) warnings.push_back({row, {}, check.Message});
 }
 
-void AppendDuplicates(std::string& warnings, std::span<const std::string> names) {
-  for (std::size_t row = 0; row < names.size(); ++row)
-    if (std::ranges::find(names.subspan(row + 1), names[row]) != names.end())
-      AppendWarning(warnings, names[row], "Duplicate Signal Standard name.");
+void AppendDuplicates(std::vector<Warning>& warnings, const SignalStandardTable& table,
+                      std::span<const std::string> names) {
+  const std::vector<int> standards = StandardIndices(table);
+  for (std::size_t listed = 0; listed < names.size(); ++listed)
+    if (std::ranges::find(names.subspan(listed + 1), names[listed]) != names.end())
+      warnings.push_back(
+          {listed < standards.size() ? standards[listed] : -1, names[listed], "Duplicate Signal Standard name."});
 }
 
 }  // namespace
 
-std::string ValidateTable(SignalStandardTable& table, std::span<const std::string> listNames) {
+void AlignSubbands(SignalStandardTable& table) {
   table.Count = std::min<std::int16_t>(table.Count, MaxRecords);
-  std::string warnings;
-  SignalStandardRecord group;
-  int groupIndex = -1;
-  int subbandsExpected = 0;
-  int subbandNumber = 0;
-  for (int index = 0; index < table.Count; ++index) {
-    SignalStandardRecord& row = table.Row(index);
-    if (row.Subbands > 0) {
-      group = row;
-      groupIndex = index;
-      subbandsExpected = row.Subbands;
-      subbandNumber = 0;
-    } else if (subbandsExpected == 0) {
-      groupIndex = -1;
-    } else {
-      --subbandsExpected;
-      row.Name = group.Name + '(' + SubbandLetter(++subbandNumber) + ')';
-      row.Bandwidth = group.Bandwidth;
-      row.Spacing = group.Spacing;
-      row.Step = group.Step;
-    }
-    AppendFailures(warnings, row.Name, RowChecks, row);
-    if (groupIndex != UncheckedGroupIndex) AppendFailures(warnings, row.Name, GroupChecks, group);
+  int index = 0;
+  for (const RowPlace& place : PlacesOf(table)) {
+    SignalStandardRecord& row = table.Row(index++);
+    if (place.Subband == 0) continue;
+    const SignalStandardRecord& standard = table.Row(place.Head);
+    row.Name = SubbandName(standard, place.Subband);
+    row.Bandwidth = standard.Bandwidth;
+    row.Spacing = standard.Spacing;
+    row.Step = standard.Step;
   }
-  AppendDuplicates(warnings, listNames);
+}
+
+std::vector<Warning> FindWarnings(const SignalStandardTable& table, std::span<const std::string> listNames) {
+  std::vector<Warning> warnings;
+  const SignalStandardRecord none;
+  int index = 0;
+  for (const RowPlace& place : PlacesOf(table)) {
+    const SignalStandardRecord& row = table.Row(index);
+    const SignalStandardRecord& group = place.Head < 0 ? none : table.Row(place.Head);
+    const std::size_t found = warnings.size();
+    AppendFailures(warnings, index, RowChecks, row);
+    if (!place.InGroup || place.Head != UncheckedHead) AppendFailures(warnings, index, GroupChecks, group);
+    for (Warning& warning : std::span(warnings).subspan(found))
+      warning.Name = place.Subband > 0 ? SubbandName(group, place.Subband) : row.Name;
+    ++index;
+  }
+  AppendDuplicates(warnings, table, listNames);
   return warnings;
 }
 
-std::vector<std::string_view> WarningLines(std::string_view warnings) {
-  constexpr std::string_view lineEnd = "\r\n";
-  std::vector<std::string_view> lines;
-  for (std::size_t end; (end = warnings.find(lineEnd)) != std::string_view::npos;) {
-    lines.push_back(warnings.substr(0, end));
-    warnings.remove_prefix(end + lineEnd.size());
-  }
-  return lines;
+std::string WarningText(const Warning& warning) {
+  return "Warning:\t" + Utf8FromWindows1252(warning.Name) + "\t" + std::string(warning.Message);
+}
+
+std::string WarningsText(std::span<const Warning> warnings) {
+  std::string text;
+  for (const Warning& warning : warnings) text += WarningText(warning) + "\r\n";
+  return text;
 }
 
 }  // namespace chanplan

@@ -1,4 +1,4 @@
-// The validation pass: brings sub-bands into line with their standard and lists what looks wrong.
+// The validation pass: brings sub-bands into line with their standard and finds what looks wrong.
 #pragma once
 
 #include <span>
@@ -10,21 +10,38 @@
 
 namespace chanplan {
 
-/// Runs the pass on `table` and returns the warnings text: per finding one line
-/// "Warning:" TAB name TAB message CR LF, empty when there are none.
-///
-/// Every sub-band row gets its standard's name with "(A)", "(B)", ... behind it and its standard's
-/// bandwidth, spacing and step. A second run changes nothing more.
+/// A finding, which never blocks anything.
+struct Warning {
+  int Row = 0;               ///< table index; -1 of a duplicate whose standard is not in the table
+  std::string Name;          ///< the row's, as it is or will be once sub-bands are in line
+  std::string_view Message;  ///< lasts as long as the program
+
+  bool operator==(const Warning&) const = default;
+};
+
+/// Gives every sub-band row its standard's name with "(A)", "(B)", ... behind it and its standard's
+/// bandwidth, spacing and step. A second run changes nothing more. A `Count` beyond the table's room
+/// is cut without a word.
+void AlignSubbands(SignalStandardTable& table);
+
+/// What looks wrong, row by row, then duplicate names. It makes no difference whether the sub-bands
+/// of `table` are in line already.
 ///
 /// `listNames` are the standards' names as the list view shows them at this moment, among which
-/// duplicates are looked for. While a table is being loaded the list view is still empty.
+/// duplicates are looked for; the warning is about the first of two. While a table is being loaded
+/// the list view is still empty.
 ///
 /// The checks of step, spacing and bandwidth look at the last standard that had sub-bands (zeros
 /// before the first one), not at the row itself, and are left out while that standard stands at
 /// index 1 and its group is open. Both are intended.
-std::string ValidateTable(SignalStandardTable& table, std::span<const std::string> listNames);
+///
+/// Throws std::out_of_range when `Count` is beyond the table's room.
+std::vector<Warning> FindWarnings(const SignalStandardTable& table, std::span<const std::string> listNames);
 
-/// The lines of a warnings text, without their line ends.
-std::vector<std::string_view> WarningLines(std::string_view warnings);
+/// "Warning:" TAB name TAB message, in UTF-8.
+std::string WarningText(const Warning& warning);
+
+/// The texts of all, each ended by CR LF; empty when there are none.
+std::string WarningsText(std::span<const Warning> warnings);
 
 }  // namespace chanplan

@@ -66,7 +66,7 @@ class DocumentWindow : public QMdiSubWindow {
   virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.
   virtual void ShowUnitTable(const SignalStandardTable& received) = 0;
-  /// Whole tables, through the shared transfer table.
+  /// Passes the whole table on through `SharedTables`, or takes the one that was passed.
   virtual void GetTable() const = 0;
   virtual void SetTable() = 0;
 };

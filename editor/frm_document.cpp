@@ -322,10 +322,10 @@ void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   if (table.Count > 0) MarkChanged();
 }
 
-void frmDocument::GetTable() const { chanplan::GetTable(table, shared.Transfer); }
+void frmDocument::GetTable() const { chanplan::GetTable(table, shared.Passed); }
 
 void frmDocument::SetTable() {
-  chanplan::SetTable(shared.Transfer, table);
+  chanplan::SetTable(shared.Passed, table);
   RefillAfterEdit();
 }
 

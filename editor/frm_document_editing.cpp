@@ -128,7 +128,8 @@ void frmDocument::ShowStateCode(int code) {
 void frmDocument::ValidateTable() {
   std::vector<std::string> names;
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
-  warningsText = TextOf(chanplan::ValidateTable(table, names));
+  AlignSubbands(table);
+  warningsText = QString::fromStdString(WarningsText(FindWarnings(table, names)));
   // The frame shows the active document's warnings, and fetches these when this becomes it.
   if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
 }

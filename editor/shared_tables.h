@@ -1,4 +1,4 @@
-// Records that all documents share: the clipboard of whole standards, and the transfer table.
+// Records that all documents share: the clipboard of whole standards, and a table that is passed on.
 #pragma once
 
 #include <vector>
@@ -13,7 +13,7 @@ struct SharedTables {
   std::vector<SignalStandardRecord> StandardClipboard;
   /// Set once standards were copied; nothing clears it.
   bool StandardClipboardFull = false;
-  TransferTable Transfer;
+  PassedRows Passed;
 };
 
 }  // namespace chanplan

@@ -8,10 +8,6 @@
 
 namespace chanplan {
 
-/// The spectrum that is looked at, MHz: validation warns about start frequencies beyond it.
-inline constexpr double LowestMegahertz = 0;
-inline constexpr double HighestMegahertz = 9000;
-
 /// From the first carrier to the last, both included, in MHz rounded to whole hertz.
 struct FrequencyRange {
   double Low = 0;
@@ -42,9 +38,9 @@ struct Lane {
 };
 
 /// A lane for every standard, in table order. A row's bands reach from the start frequency over
-/// (StopChannel - StartChannel) times the spacing, and are cut to the spectrum that is looked at; a
-/// start frequency of 0 is none. What standards share is told by the bands that they use: the own row of a
-/// standard with sub-bands also counts the channels that its numbers jump over.
+/// (StopChannel - StartChannel) times the spacing, and are cut to `LowestMegahertz` and
+/// `HighestMegahertz`; a start frequency of 0 is none. What standards share is told by the bands that
+/// they use: the own row of a standard with sub-bands also counts the channels that its numbers jump over.
 std::vector<Lane> PlanLanes(const SignalStandardTable& table);
 
 }  // namespace chanplan

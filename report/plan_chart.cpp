@@ -236,7 +236,8 @@ void AddLane(Svg& svg, const SignalStandardTable& table, const Lane& lane, const
   svg.Text += "<g role=\"img\"><title>" + LaneText(table, lane) + "</title>\n";
   svg.AddText("label", Edge, laneTop + TextBaseline, Label(table.Row(lane.Standard).Name));
   if (lane.OwnBands.empty() && lane.Bands.empty())
-    svg.AddText("note", PlotLeft, laneTop + TextBaseline, "no frequencies from 0 to 9000 MHz");
+    svg.AddText("note", PlotLeft, laneTop + TextBaseline,
+                "no frequencies from " + RangeText({LowestMegahertz, HighestMegahertz}));
   for (const Band& band : lane.OwnBands)
     HalfLane{svg, axis, laneTop, band.Direction}.AddRect(
         "own", band.Range, BandTop - OutlineDistance, BandHeight + 2 * OutlineDistance,

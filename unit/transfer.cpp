@@ -1,6 +1,5 @@
 #include "unit/transfer.h"
 
-#include "core/text_encoding.h"
 #include "unit/unit_connection.h"
 #include "unit/wire_encoding.h"
 
@@ -93,7 +92,7 @@ TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTab
       EncodeTable(document.Table, document.UnitTableTag);
     } catch (const WireMisfit& misfit) {
       outcome.Misfit = true;
-      outcome.Message = Utf8FromWindows1252(misfit.what());
+      outcome.Message = misfit.what();
       return outcome;
     }
   }

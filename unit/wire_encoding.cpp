@@ -5,6 +5,7 @@
 
 #include "core/number_picture.h"
 #include "core/record_fields.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 namespace {
@@ -15,7 +16,7 @@ constexpr double FourByteLimit = 4294967296.0;  // 2^32
 int ByteValue(char byte) { return static_cast<unsigned char>(byte); }
 
 std::string RowText(const SignalStandardRecord& record, int rowNumber) {
-  return "row " + std::to_string(rowNumber) + " (" + record.Name + "): ";
+  return "row " + std::to_string(rowNumber) + " (" + Utf8FromWindows1252(record.Name) + "): ";
 }
 
 // The bytes of a record's field; knows what to name when the value does not fit.

@@ -47,7 +47,7 @@ std::string TextToFixedBytes(std::string_view text, std::size_t width);
 /// million. A floating product would make 1054.3718 MHz one hertz too low.
 double HertzOf(double megahertz);
 
-/// A record's value does not fit its field on the wire. The text names row, field and range.
+/// A record's value does not fit its field on the wire. The text (UTF-8) names row, field and range.
 class WireMisfit : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -61,8 +61,8 @@ SignalStandardRecord DecodeRecord(std::string_view bytes);
 /// Header and records of `table`; throws WireMisfit.
 std::string EncodeTable(const SignalStandardTable& table, std::uint16_t unitTableTag);
 
-/// What of `table` reaches a unit in another form than it stands there, a line each: names longer
-/// than the field, frequencies that go out as zero, a State that ends the list when read back.
+/// What of `table` reaches a unit in another form than it stands there, a line (UTF-8) each: names
+/// longer than the field, frequencies that go out as zero, a State that ends the list when read back.
 std::vector<std::string> WireLosses(const SignalStandardTable& table);
 
 }  // namespace chanplan

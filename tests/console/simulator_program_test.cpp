@@ -44,13 +44,13 @@ TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
       WrongOptions{{"--table", "short.sig"},
                    "handheld-simulator: short.sig: line 2 has 2 fields where 10 are needed\n"},
       WrongOptions{{"--table", "misfit.sig"},
-                   "handheld-simulator: row 1 (X): State 300 does not fit, it must be 0 to 255\n"},
+                   "handheld-simulator: row 1 (\u00DC): State 300 does not fit, it must be 0 to 255\n"},
       WrongOptions{{"--link", "short.sig"}, "handheld-simulator: short.sig: File exists\n"},
       WrongOptions{{"--link", "missing/unit"}, "handheld-simulator: "},
   };
   const TempFolder folder;
   WriteFile(folder / "short.sig", "header\n2\t0\n");
-  WriteFile(folder / "misfit.sig", SigText({"300|0|X|1|2|1|2|0.1|0.1|1"}));
+  WriteFile(folder / "misfit.sig", SigText({"300|0|\xDC|1|2|1|2|0.1|0.1|1"}));
   for (const WrongOptions& wrong : cases) {
     SCOPED_TRACE(::testing::PrintToString(wrong.Options));
     const ProgramRun run = RunSimulator(wrong.Options, folder);

@@ -190,36 +190,36 @@ TEST(SubbandLetter, RunsFromAToTheLastCodeAndStartsAgain) {
   EXPECT_EQ(SubbandLetter(199), 'H');
 }
 
-TEST(GetTable, FillsTheTransferTableWithRowsInUseAndEmptyRecords) {
+TEST(GetTable, FillsThePassedRowsWithRowsInUseAndEmptyRecords) {
   SignalStandardTable table = TableOfNames({"A", "B"});
   table.Row(2).Name = "not in use";
-  TransferTable transfer(500, NamedRow("old"));
-  GetTable(table, transfer);
-  ASSERT_EQ(transfer.size(), 200u);
-  EXPECT_EQ(transfer[0], NamedRow("A"));
-  EXPECT_EQ(transfer[1], NamedRow("B"));
-  for (std::size_t index = 2; index < 200; ++index) ASSERT_EQ(transfer[index], SignalStandardRecord()) << index;
+  PassedRows passed(500, NamedRow("old"));
+  GetTable(table, passed);
+  ASSERT_EQ(passed.size(), 200u);
+  EXPECT_EQ(passed[0], NamedRow("A"));
+  EXPECT_EQ(passed[1], NamedRow("B"));
+  for (std::size_t index = 2; index < 200; ++index) ASSERT_EQ(passed[index], SignalStandardRecord()) << index;
 }
 
 TEST(GetTable, MovesAFullTable) {
-  TransferTable transfer;
-  GetTable(FullTable(), transfer);
-  EXPECT_EQ(transfer, TransferTable(200, NamedRow("S")));
+  PassedRows passed;
+  GetTable(FullTable(), passed);
+  EXPECT_EQ(passed, PassedRows(200, NamedRow("S")));
 }
 
 TEST(GetTable, RefusesACountBeyondTheTable) {
   SignalStandardTable table = FullTable();
   table.Count = 201;
-  TransferTable transfer;
-  EXPECT_THROW(GetTable(table, transfer), std::out_of_range);
+  PassedRows passed;
+  EXPECT_THROW(GetTable(table, passed), std::out_of_range);
 }
 
 TEST(SetTable, TakesRowsUpToTheLastOneWithAName) {
-  TransferTable transfer(200);
-  transfer[0] = NamedRow("A");
-  transfer[3] = NamedRow("D");
+  PassedRows passed(200);
+  passed[0] = NamedRow("A");
+  passed[3] = NamedRow("D");
   SignalStandardTable table = TableOfNames({"1", "2", "3", "4", "5", "6"});
-  SetTable(transfer, table);
+  SetTable(passed, table);
   EXPECT_EQ(table.Count, 4);
   EXPECT_EQ(RowNames(table), (std::vector<std::string>{"A", "", "", "D"}));
   EXPECT_EQ(table.Row(0), NamedRow("A"));
@@ -228,7 +228,7 @@ TEST(SetTable, TakesRowsUpToTheLastOneWithAName) {
 
 TEST(SetTable, LeavesOneRowWhenNoRecordHasAName) {
   SignalStandardTable table = TableOfNames({"1", "2"});
-  SetTable(TransferTable(200), table);
+  SetTable(PassedRows(200), table);
   EXPECT_EQ(table, TableOf({SignalStandardRecord()}));
 }
 
@@ -240,24 +240,24 @@ TEST(SetTable, LeavesOneRowWhenThereAreNoRecordsAtAll) {
 
 TEST(SetTable, TakesNoMoreThan200Records) {
   SignalStandardTable table;
-  SetTable(TransferTable(300, NamedRow("S")), table);
+  SetTable(PassedRows(300, NamedRow("S")), table);
   EXPECT_EQ(table, FullTable());
 }
 
 TEST(SetTable, GivesBackWhatGetTableTook) {
-  TransferTable transfer;
-  GetTable(ThreeStandards(), transfer);
+  PassedRows passed;
+  GetTable(ThreeStandards(), passed);
   SignalStandardTable table = FullTable();
-  SetTable(transfer, table);
+  SetTable(passed, table);
   EXPECT_EQ(table, ThreeStandards());
 }
 
 TEST(SetTable, DoesNotValidate) {
   const SignalStandardTable source = TableOf({NamedRow("DCS", 1), NamedRow("any name")});
-  TransferTable transfer;
-  GetTable(source, transfer);
+  PassedRows passed;
+  GetTable(source, passed);
   SignalStandardTable table;
-  SetTable(transfer, table);
+  SetTable(passed, table);
   EXPECT_EQ(table.Row(1).Name, "any name");
 }
 

@@ -52,6 +52,12 @@ TEST(TableDifferences, TellFieldsOfSubbands) {
             (Lines{"~ sub-band B of S: Name: S(B) -> other", "~ sub-band B of S: Stop Channel: 810 -> 811"}));
 }
 
+TEST(TableDifferences, TellNamesInUtf8) {
+  EXPECT_EQ(TableDifferences(TableOfNames({"\xDC"}), TableOfNames({"\x80"})), (Lines{"- \u00DC", "+ \u20AC"}));
+  EXPECT_EQ(RowDifferences(TableOfNames({"\xDC"}), TableOfNames({"\x80"})),
+            Lines{"row 1 (\u00DC): Name: \u00DC -> \u20AC"});
+}
+
 TEST(TableDifferences, TellSubbandsOfOneSideOnly) {
   const SignalStandardTable one = TableOf({NamedRow("S", 1), NamedRow("S(A)")});
   const SignalStandardTable three = TableOf({NamedRow("S", 3), NamedRow("S(A)"), NamedRow("S(B)"), NamedRow("S(C)")});

@@ -712,11 +712,11 @@ TEST_F(CellEditing, TableThatIsFetchedHasTheEditOnceThatIsStored) {
   const Document document = Open(Standards(1));
   document.Overwrite(StopRow, "9");
   document.Window->GetTable();
-  EXPECT_EQ(shared.Transfer[0].StopChannel, 810);
+  EXPECT_EQ(shared.Passed[0].StopChannel, 810);
   EXPECT_TRUE(document.Box->isVisible());
   document.Window->CommitEdit();
   document.Window->GetTable();
-  EXPECT_EQ(shared.Transfer[0].StopChannel, 9);
+  EXPECT_EQ(shared.Passed[0].StopChannel, 9);
 }
 
 // --- State

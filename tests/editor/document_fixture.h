@@ -264,7 +264,7 @@ class DocumentTest : public ::testing::Test {
   SignalStandardTable TableIn(const Document& document) {
     document.Window->CommitEdit();
     document.Window->GetTable();
-    std::vector<SignalStandardRecord> rows = shared.Transfer;
+    std::vector<SignalStandardRecord> rows = shared.Passed;
     while (!rows.empty() && rows.back() == SignalStandardRecord()) rows.pop_back();
     return TableOf(rows);
   }

@@ -334,7 +334,7 @@ TEST_F(DocumentView, SubbandsPromisedBeyondTheEndAreNotShown) {
 TEST_F(DocumentView, WholeTableReplacesTheGrids) {
   const Document document = Open(Group("A", 3));
   document.Click(document.Bands, 2, UplinkColumn);
-  shared.Transfer = Group("X", 1) + Group("Y", 0) + std::vector<SignalStandardRecord>(5);
+  shared.Passed = Group("X", 1) + Group("Y", 0) + std::vector<SignalStandardRecord>(5);
   document.Window->SetTable();
   EXPECT_EQ(document.ListNames(), (Texts{"X", "Y"}));
   EXPECT_EQ(document.Detail(NameRow), "X");

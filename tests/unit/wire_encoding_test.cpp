@@ -308,6 +308,12 @@ TEST(WireMisfit, NamesRowAndFieldOfAValueThatDoesNotFit) {
   }
 }
 
+TEST(WireMisfit, TellsANameInUtf8) {
+  SignalStandardTable table;
+  table.Append({"256", 0, "\xDC\x80", 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(MisfitOf(table), "row 1 (\u00DC\u20AC): State 256 does not fit, it must be 0 to 255");
+}
+
 // No file and no cell can hold such a number; the unit must not get a made-up one all the same.
 TEST(WireMisfit, IsAlsoAFrequencyThatIsNoNumber) {
   SignalStandardTable table;
@@ -388,6 +394,12 @@ TEST(WireLosses, NameRowAndFieldOfWhatTheUnitGetsInAnotherForm) {
         lines[0].starts_with("row 2 (" + table.Row(1).Name + "): " + std::string(FieldOf(loss.Lost).Name) + " "))
         << lines[0];
   }
+}
+
+TEST(WireLosses, TellANameInUtf8) {
+  SignalStandardTable table;
+  table.Append({"255", 0, "\xDC\x80", 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(WireLosses(table), Lines{"row 1 (\u00DC\u20AC): State 255 ends the list when the unit's table is read"});
 }
 
 TEST(WireLosses, ListEveryLossOfEveryRow) {
