@@ -325,6 +325,18 @@ TEST(SigFile, NamesOfFilesMayHaveAnyLetters) {
   EXPECT_EQ(LoadSigFile(file).Table, TableOf({NamedRow("A")}));
 }
 
+TEST(SigFile, SavesALineOf64KibibytesAndNoLongerOne) {
+  const TempFolder folder;
+  const auto tableWithLineOf = [](std::size_t bytes) {
+    const std::size_t others = WriteSigTable(TableOf({NamedRow("")})).size() - WriteSigTable({}).size() - 2;
+    return TableOf({NamedRow("first"), NamedRow(std::string(bytes - others, 'x'))});
+  };
+  EXPECT_FALSE(SaveSigFile(folder / "table.sig", tableWithLineOf(65536)));
+  EXPECT_EQ(LoadSigFile(folder / "table.sig").Table, tableWithLineOf(65536));
+  EXPECT_EQ(SaveSigFile(folder / "table.sig", tableWithLineOf(65537)), std::errc::value_too_large);
+  EXPECT_EQ(LoadSigFile(folder / "table.sig").Table, tableWithLineOf(65536)) << "the former file stays";
+}
+
 // What is saved must be there to be opened again; to refuse a save is better than to break a file.
 TEST(SigFile, SaveNeverWritesALineThatCannotBeReadAgain) {
   const TempFolder folder;

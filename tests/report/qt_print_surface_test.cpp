@@ -96,6 +96,20 @@ TEST(QtPrintSurface, MeasuresWithTheDevicesMetrics) {
   EXPECT_NEAR(surface.CurrentY() - 1, 20 * 1.117 / 72, 0.03);
 }
 
+// Fonts set two "1" closer to each other than other digits, which would bend columns of numbers.
+TEST(QtPrintSurface, GivesADigitTheSameWidthBesideAnyOther) {
+  if (QFontInfo(QFont("Arial")).family() != "Liberation Sans") GTEST_SKIP() << "no font that is known to kern";
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QPdfWriter writer(&buffer);
+  SetUpPage(writer);
+  QtPrintSurface surface(writer);
+  surface.SetFont("Arial", 10);
+  EXPECT_DOUBLE_EQ(surface.TextWidth("1111"), surface.TextWidth("8888"));
+  EXPECT_DOUBLE_EQ(surface.TextWidth("1111"), 4 * surface.TextWidth("1"));
+}
+
 TEST(QtPrintSurface, DrawsRulesInDots) {
   constexpr int resolution = 100;
   QByteArray bytes;
