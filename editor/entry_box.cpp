@@ -66,10 +66,8 @@ void EntryBox::SetContent(const QString& text) {
 }
 
 void EntryBox::Replace(const QString& text) {
-  const bool nothingToDo = text.isEmpty() && this->text().isEmpty();
   selectAll();
   insert(text);
-  if (nothingToDo) emit Edited();
 }
 
 void EntryBox::TakeIn(const QString& given) {

@@ -159,8 +159,8 @@ void frmDocument::ConnectGrids() {
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
-    const bool stored = StoreGridsToTable();
-    if (row >= 0 && stored) frame.ShowStatus("Double-click cell to edit parameter value.");
+    const bool refused = StoreGridsToTable() == Commit::Refused;
+    if (row >= 0 && !refused) frame.ShowStatus("Double-click cell to edit parameter value.");
   });
   for (Grid* grid : {GridDetails, GridBands}) {
     connect(grid, &Grid::FocusLost, this, [this] { frame.ShowStatus(""); });
@@ -289,6 +289,7 @@ void frmDocument::HighlightListRow() {
 void frmDocument::RefillAfterEdit() {
   FillStandardList();
   ShowSelectedStandard();
+  ShowWarnings();
 }
 
 void frmDocument::ListRowChanged() {
@@ -318,7 +319,6 @@ void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   editor.Close();  // it belongs to the former table
   table = received;
   RefillAfterEdit();
-  ValidateTable();
   if (table.Count > 0) MarkChanged();
 }
 

@@ -88,12 +88,14 @@ class frmDocument : public DocumentWindow {
   void BeginListEdit(int row);
   void PositionEditBox(std::optional<QChar> typed);
   void MoveByTab(const Grid& from, bool forwards);
-  bool StoreGridsToTable();
+  enum class Commit { Nothing, Stored, Refused };
+  Commit StoreGridsToTable();
   bool StoreCell(const CellEdit& edit);
   bool StoreCount(int count);
   void ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome);
   void ShowStateCode(int code);
   void ValidateTable();
+  void ShowWarnings();
 
   // Clipboard, insertion and deletion
   void CopyStandards();

@@ -74,17 +74,17 @@ void frmDocument::MoveByTab(const Grid& from, bool forwards) {
 
 void frmDocument::CommitEdit() { StoreGridsToTable(); }
 
-// False when the cell kept its old value, which the status bar tells.
-bool frmDocument::StoreGridsToTable() {
+// A cell that refuses its text keeps the old value, which the status bar tells.
+frmDocument::Commit frmDocument::StoreGridsToTable() {
   const std::optional<CellEdit> edit = editor.Close();
-  if (!edit || shownIndex < 0) return true;
+  if (!edit || shownIndex < 0) return Commit::Nothing;
   const bool stored = StoreCell(*edit);
   // What was typed is shown as the table now has it.
   const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
   if (shapesList) FillStandardList();
   ShowStandard();
   ValidateTable();
-  return stored;
+  return stored ? Commit::Stored : Commit::Refused;
 }
 
 bool frmDocument::StoreCell(const CellEdit& edit) {
@@ -126,10 +126,15 @@ void frmDocument::ShowStateCode(int code) {
 }
 
 void frmDocument::ValidateTable() {
+  AlignSubbands(table);
+  ShowWarnings();
+}
+
+// Those of the table as it stands, which stays as it is.
+void frmDocument::ShowWarnings() {
   std::vector<std::string> names;
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
-  AlignSubbands(table);
-  warningsText = QString::fromStdString(WarningsText(FindWarnings(table, names)));
+  warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
   // The frame shows the active document's warnings, and fetches these when this becomes it.
   if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
 }

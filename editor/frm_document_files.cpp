@@ -36,8 +36,7 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   table = std::move(outcome.Table);
   UnitTableTag = 0;
   if (!outcome.Ok()) {
-    FillStandardList();
-    ShowSelectedStandard();
+    RefillAfterEdit();
     ShowFailure(*this, frame.ApplicationTitle(), QString::fromUtf8(LoadErrorText(path.toStdString(), table.Count)));
     return false;
   }
@@ -48,11 +47,12 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   if (GridList->rowCount() > 0) GridList->setCurrentCell(0, 1);
   ShowSelectedStandard();
   HighlightListRow();
+  ShowWarnings();  // the list has the names among which duplicates are looked for
   return true;
 }
 
 bool frmDocument::SaveChanplans(const QString& path) {
-  CommitEdit();
+  if (StoreGridsToTable() == Commit::Nothing) ValidateTable();
   const BusyPointer busy(*this);
   // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
   const char separator = QLocale().decimalPoint() == "," ? ',' : '.';

@@ -238,19 +238,6 @@ TEST_F(DocumentView, LeavingTheListKeepsTheStatusBar) {
   EXPECT_EQ(frame.Status(), "something");
 }
 
-TEST_F(DocumentView, TabGoesFromGridToGrid) {
-  const Document document = Open(Group("A", 1));
-  document.List->setFocus();
-  for (Grid* const next : {document.Details, document.Bands}) {
-    Press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), next);
-  }
-  for (Grid* const former : {document.Details, document.List}) {
-    Press(Qt::Key_Backtab, Qt::ShiftModifier);
-    EXPECT_EQ(QApplication::focusWidget(), former);
-  }
-}
-
 TEST_F(DocumentView, OnlyTheGridThatHasTheFocusShowsItsSelectionInFullColour) {
   const Document document = Open(Group("A", 1));
   document.Window->resize(1200, 700);
@@ -382,8 +369,7 @@ TEST_F(DocumentLayout, RowsOfAllGridsAreEquallyHigh) {
     for (const Grid* grid : {document.List, document.Details, document.Bands})
       for (int row = 0; row < grid->rowCount(); ++row) EXPECT_EQ(grid->rowHeight(row), height);
     // Rows that come after an edit are as high as those from before.
-    document.DoubleClick(document.Details, SubbandsRow);
-    Press(Qt::Key_Up);
+    document.Overwrite(SubbandsRow, std::to_string(3 + edits));
     Press(Qt::Key_Return);
     document.Window->InsertBlank();
   }

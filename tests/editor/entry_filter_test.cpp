@@ -304,10 +304,11 @@ TEST_F(EntryBoxTest, ReplacedTextCanBeUndone) {
   EXPECT_EQ(edits, 1);
   Press(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(box->text(), "890.2000");
+  edits = 0;
   box->Replace("");
   box->Replace("");
   EXPECT_EQ(box->text(), "");
-  EXPECT_EQ(edits, 4);
+  EXPECT_EQ(edits, 2);
 }
 
 struct FocusCase {
