@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <optional>
 
 #include "core/lenient_number.h"
@@ -19,7 +20,8 @@ std::optional<double> WholeTextAsNumber(std::string_view text) {
   text = text.substr(first, text.find_last_not_of(blanks) + 1 - first);
   double value = 0;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-  return read.ec == std::errc() && read.ptr == text.data() + text.size() ? std::optional(value) : std::nullopt;
+  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
+  return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 CellOutcome StoreNumber(SignalStandardRecord& record, Field field, double value) {

@@ -18,7 +18,10 @@ void RemoveRows(SignalStandardTable& table, int first, int end) {
 }  // namespace
 
 std::vector<SignalStandardRecord> CopyStandards(const SignalStandardTable& table, int first, int last) {
-  return {table.Records.begin() + first, table.Records.begin() + GroupEnd(table, last)};
+  std::vector<SignalStandardRecord> rows(table.Records.begin() + first, table.Records.begin() + GroupEnd(table, last));
+  const std::int64_t promised = std::int64_t{last} + 1 + table.Row(last).Subbands - first;
+  rows.resize(std::max(rows.size(), static_cast<std::size_t>(std::clamp<std::int64_t>(promised, 0, MaxRecords))));
+  return rows;
 }
 
 void DeleteStandards(SignalStandardTable& table, int first, int last) {
@@ -37,8 +40,16 @@ void PasteStandards(SignalStandardTable& table, int at, std::span<const SignalSt
   std::ranges::move(rows, table.Records.begin());
 }
 
+void PutLastCountRight(SignalStandardTable& table) {
+  const std::vector<int> standards = StandardIndices(table);
+  if (standards.empty()) return;
+  std::int32_t& subbands = table.Row(standards.back()).Subbands;
+  subbands = std::min(subbands, table.Count - standards.back() - 1);
+}
+
 bool AppendBlankStandard(SignalStandardTable& table) {
   if (table.Count >= MaxRecords) return false;
+  PutLastCountRight(table);
   table.Append({.State = "0", .Name = "[New Standard]"});
   return true;
 }

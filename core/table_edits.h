@@ -11,7 +11,9 @@
 
 namespace chanplan {
 
-/// The rows of the selection, sub-bands included, in table order.
+/// The rows of the selection in table order, and of the last standard as many sub-bands as its count
+/// says: empty ones where the table, which was cut short, has none. So what is pasted behind them
+/// never becomes their sub-band. No more than a table can take.
 std::vector<SignalStandardRecord> CopyStandards(const SignalStandardTable& table, int first, int last);
 
 /// Removes the rows of the selection; the rows behind it move up.
@@ -23,7 +25,12 @@ bool PasteFillsTable(const SignalStandardTable& table, std::span<const SignalSta
 /// Inserts `records` before row `at`; what does not fit is dropped from the end.
 void PasteStandards(SignalStandardTable& table, int at, std::span<const SignalStandardRecord> records);
 
-/// Adds "[New Standard]" at the end; false when the table is full.
+/// Sets the count of the last standard to the sub-bands that it has, if it promises more: what is
+/// added behind it would become theirs.
+void PutLastCountRight(SignalStandardTable& table);
+
+/// Adds "[New Standard]" at the end, behind a last standard whose count is put right; false when the
+/// table is full.
 bool AppendBlankStandard(SignalStandardTable& table);
 
 /// Adds an empty sub-band behind the last one of the standard at index `standard`. False when the

@@ -212,11 +212,10 @@ int frmDocument::SelectedIndex() const {
 
 int frmDocument::SubbandRows() const { return GroupEnd(table, shownIndex) - shownIndex - 1; }
 
-void frmDocument::FillStandardList() {
+void frmDocument::FillStandardList(int currentRow) {
   const QScopedValueRollback suppressed(SuppressListEvents, true);
   GridList->setUpdatesEnabled(false);
   const std::vector<int> standards = StandardIndices(table);
-  const int formerRow = GridList->currentRow();
   GridList->SetRows(static_cast<int>(standards.size()), GridDetails->rowHeight(0));
   for (int row = 0; row < GridList->rowCount(); ++row) {
     const int index = standards[static_cast<std::size_t>(row)];
@@ -224,7 +223,7 @@ void frmDocument::FillStandardList() {
     GridList->FillCell(row, 1, TextOf(table.Row(index).Name), "Name");
     GridList->FillCell(row, 2, QString::number(index));
   }
-  if (GridList->rowCount() > 0) GridList->setCurrentCell(qBound(0, formerRow, GridList->rowCount() - 1), 1);
+  if (GridList->rowCount() > 0) GridList->SetCurrent(qBound(0, currentRow, GridList->rowCount() - 1), 1);
   GridList->setUpdatesEnabled(true);
   HighlightListRow();
 }
@@ -286,10 +285,15 @@ void frmDocument::HighlightListRow() {
   GridList->setUpdatesEnabled(true);
 }
 
-void frmDocument::RefillAfterEdit() {
-  FillStandardList();
+void frmDocument::Refill(int currentRow) {
+  FillStandardList(currentRow);
   ShowSelectedStandard();
-  ShowWarnings();
+}
+
+void frmDocument::RefillAfterEdit(int currentRow) {
+  Refill(currentRow);
+  ValidateTable();
+  MarkChanged();
 }
 
 void frmDocument::ListRowChanged() {
@@ -304,7 +308,7 @@ void frmDocument::FindSSEntry(const QString& name) {
   const std::string bytes = BytesOf(name);
   const std::vector<int> standards = StandardIndices(table);
   const auto select = [this](int row) {
-    GridList->setCurrentCell(row, 1);
+    GridList->SetCurrent(row, 1);
     GridList->scrollToItem(GridList->item(row, 1));
   };
   for (int row = 0; row < GridList->rowCount(); ++row)
@@ -315,10 +319,12 @@ void frmDocument::FindSSEntry(const QString& name) {
       if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
 }
 
+// The unit's own names of sub-bands stay until something is edited.
 void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   editor.Close();  // it belongs to the former table
   table = received;
-  RefillAfterEdit();
+  Refill(0);
+  ShowWarnings();
   if (table.Count > 0) MarkChanged();
 }
 
@@ -326,7 +332,8 @@ void frmDocument::GetTable() const { chanplan::GetTable(table, shared.Passed); }
 
 void frmDocument::SetTable() {
   chanplan::SetTable(shared.Passed, table);
-  RefillAfterEdit();
+  Refill(GridList->currentRow());
+  ShowWarnings();
 }
 
 }  // namespace chanplan

@@ -71,13 +71,14 @@ class frmDocument : public DocumentWindow {
   void LayOut();
 
   // The view
-  void FillStandardList();
+  void FillStandardList(int currentRow);
   void ShowSelectedStandard();
   void ShowStandard();
   void ShowDetails(const SignalStandardRecord& standard);
   void ShowBands(int index, int count);
   void HighlightListRow();
-  void RefillAfterEdit();
+  void Refill(int currentRow);
+  void RefillAfterEdit(int currentRow);
   void ListRowChanged();
   int SelectedIndex() const;
   /// Rows that the shown standard has for sub-bands; a damaged count promises another number.

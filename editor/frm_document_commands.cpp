@@ -11,8 +11,9 @@ namespace chanplan {
 namespace {
 
 struct Selection {
-  int First;
-  int Last;
+  int Row = 0;  // of the list: the first one selected
+  int First = 0;
+  int Last = 0;
 };
 
 // Table indices of the first and the last standard of the list selection.
@@ -24,7 +25,7 @@ std::optional<Selection> SelectedStandards(const Grid& list) {
     top = qMin(top, range.topRow());
     bottom = qMax(bottom, range.bottomRow());
   }
-  return Selection{list.CellText(top, 2).toInt(), list.CellText(bottom, 2).toInt()};
+  return Selection{top, list.CellText(top, 2).toInt(), list.CellText(bottom, 2).toInt()};
 }
 
 }  // namespace
@@ -52,8 +53,7 @@ void frmDocument::DeleteStandards() {
   const auto selection = SelectedStandards(*GridList);
   if (!selection) return;
   chanplan::DeleteStandards(table, selection->First, selection->Last);
-  MarkChanged();
-  RefillAfterEdit();
+  RefillAfterEdit(selection->Row);
 }
 
 void frmDocument::Paste() {
@@ -64,8 +64,9 @@ void frmDocument::Paste() {
             "Too many bands are on the clipboard.  The list will be truncated.",
             QMessageBox::Ok | QMessageBox::Cancel) != QMessageBox::Ok)
       return;
-    PasteStandards(table, qMax(SelectedIndex(), 0), shared.StandardClipboard);
-    RefillAfterEdit();
+    const Selection at = SelectedStandards(*GridList).value_or(Selection());
+    PasteStandards(table, at.First, shared.StandardClipboard);
+    RefillAfterEdit(at.Row);
   }
   MarkChanged();
 }
@@ -78,17 +79,17 @@ void frmDocument::InsertBlank() {
                 "cannot be added.");
     return;
   }
-  MarkChanged();
-  RefillAfterEdit();
+  RefillAfterEdit(GridList->currentRow());
+  const int added = GridList->rowCount() - 1;
+  GridList->scrollToItem(GridList->item(added, 1));
+  frame.ShowStatus(GridList->CellText(added, 1) + " is number " + QString::number(added + 1) + " of the list.");
 }
 
 // The count is typed, but whoever drives the control otherwise gets what its value says.
 void frmDocument::UpDown_Change(int value) {
   if (shownIndex < 0 || value == table.Row(shownIndex).Subbands) return;
-  MarkChanged();
   StoreCount(value);
-  FillStandardList();
-  ShowStandard();
+  RefillAfterEdit(GridList->currentRow());
 }
 
 }  // namespace chanplan

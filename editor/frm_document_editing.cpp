@@ -45,7 +45,8 @@ void frmDocument::BeginCellEdit(qint16 keyCode) {
 
 void frmDocument::BeginListEdit(int row) {
   const QString text = GridDetails->CellText(row, 1);
-  if (row == ModulationRow) return editor.OpenList(*GridDetails, *editor.cmboModType, editor.cmboModType->findText(text));
+  if (row == ModulationRow)
+    return editor.OpenList(*GridDetails, *editor.cmboModType, editor.cmboModType->findText(text));
   const qsizetype letter = text.isEmpty() ? -1 : DisplayModeLetters.indexOf(text.front());
   editor.OpenList(*GridDetails, *editor.cmboSelected, static_cast<int>(letter));
 }
@@ -81,7 +82,7 @@ frmDocument::Commit frmDocument::StoreGridsToTable() {
   const bool stored = StoreCell(*edit);
   // What was typed is shown as the table now has it.
   const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
-  if (shapesList) FillStandardList();
+  if (shapesList) FillStandardList(GridList->currentRow());
   ShowStandard();
   ValidateTable();
   return stored ? Commit::Stored : Commit::Refused;

@@ -36,17 +36,15 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   table = std::move(outcome.Table);
   UnitTableTag = 0;
   if (!outcome.Ok()) {
-    RefillAfterEdit();
+    Refill(0);
+    ShowWarnings();
     ShowFailure(*this, frame.ApplicationTitle(), QString::fromUtf8(LoadErrorText(path.toStdString(), table.Count)));
     return false;
   }
   if (outcome.Truncated) ShowFailure(*this, "File Error", QString::fromUtf8(FileTruncatedText));
   setWindowTitle(QString::fromUtf8(CaptionOfFile(PathOf(path))));
   ValidateTable();
-  FillStandardList();
-  if (GridList->rowCount() > 0) GridList->setCurrentCell(0, 1);
-  ShowSelectedStandard();
-  HighlightListRow();
+  Refill(0);
   ShowWarnings();  // the list has the names among which duplicates are looked for
   return true;
 }

@@ -29,10 +29,10 @@ TEST(StoreDetail, TakesTheLeadingNumber) {
                                  {Field::Step, "-7", -7}}) {
     SignalStandardTable table = Sample();
     EXPECT_EQ(StoreDetail(table, 3, given.Into, given.Text), Stored);
-    const double stored = VisitField(table.Row(3), FieldOf(given.Into),
-                                     ByType{[](double value) { return value; },
-                                            [](std::int32_t value) { return static_cast<double>(value); },
-                                            [](const std::string&) { return -1.0; }});
+    const double stored = VisitField(
+        table.Row(3), FieldOf(given.Into),
+        ByType{[](double value) { return value; }, [](std::int32_t value) { return static_cast<double>(value); },
+               [](const std::string&) { return -1.0; }});
     EXPECT_EQ(stored, given.Expected) << given.Text;
   }
 }

@@ -57,9 +57,42 @@ TEST(TableEdits, RowsThatWereFreedAreEmpty) {
 
 TEST(TableEdits, SubbandsPromisedBeyondTheEndAreNotCopiedOrDeleted) {
   SignalStandardTable table = TableOf({NamedRow("A"), NamedRow("B", 150), NamedRow("B(A)")});
-  EXPECT_EQ(NamesOf(CopyStandards(table, 1, 1)), (Names{"B", "B(A)"}));
   DeleteStandards(table, 1, 1);
   EXPECT_EQ(RowNames(table), Names{"A"});
+}
+
+// Copied to a place where others follow, a group that a full table cut short would take those for
+// its missing sub-bands.
+TEST(TableEdits, CopyHasAsManyRowsAsTheCountPromises) {
+  const SignalStandardTable cut = TableOf({NamedRow("A"), NamedRow("B", 3), NamedRow("B(A)")});
+  EXPECT_EQ(NamesOf(CopyStandards(cut, 1, 1)), (Names{"B", "B(A)", "", ""}));
+  EXPECT_EQ(NamesOf(CopyStandards(cut, 0, 1)), (Names{"A", "B", "B(A)", "", ""}));
+  SignalStandardTable target = TableOfNames({"C", "D"});
+  PasteStandards(target, 0, CopyStandards(cut, 1, 1));
+  EXPECT_EQ(ListNames(target), (Names{"B", "C", "D"}));
+}
+
+TEST(TableEdits, CopyIsNeverMoreThanATableTakes) {
+  const SignalStandardTable cut = TableOf({NamedRow("A"), NamedRow("B", 2147483647), NamedRow("B(A)")});
+  EXPECT_EQ(CopyStandards(cut, 0, 1).size(), 200u);
+  EXPECT_EQ(CopyStandards(TableOf({NamedRow("A", -2147483647 - 1)}), 0, 0).size(), 1u);
+}
+
+TEST(TableEdits, BlankStandardDoesNotBecomeASubbandOfTheLastOne) {
+  SignalStandardTable table = TableOf({NamedRow("A"), NamedRow("B", 5), NamedRow("B(A)")});
+  EXPECT_TRUE(AppendBlankStandard(table));
+  EXPECT_EQ(ListNames(table), (Names{"A", "B", "[New Standard]"}));
+  EXPECT_EQ(table.Row(1).Subbands, 1);
+}
+
+TEST(TableEdits, LastCountIsPutRightOnlyWhereItPromisesTooMuch) {
+  SignalStandardTable table = TableOf({NamedRow("A", 1), NamedRow("A(A)"), NamedRow("B", -2)});
+  const SignalStandardTable former = table;
+  PutLastCountRight(table);
+  EXPECT_EQ(table, former);
+  SignalStandardTable empty;
+  PutLastCountRight(empty);
+  EXPECT_EQ(empty.Count, 0);
 }
 
 TEST(TableEdits, PasteInsertsBeforeARow) {

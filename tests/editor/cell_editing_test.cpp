@@ -512,8 +512,7 @@ TEST_F(CellEditing, WhatWasNotEditedKeepsItsFullPrecision) {
 }
 
 TEST_F(CellEditing, WhatIsTypedIsMeantAlsoWhereItLooksLikeWhatWasThere) {
-  const Document document =
-      Open({{"2", 1, "A", 890.20004, 2, 3, 4, 5, 0.00625, 7}, Band(890.20004, 935.00001, 3, 4)});
+  const Document document = Open({{"2", 1, "A", 890.20004, 2, 3, 4, 5, 0.00625, 7}, Band(890.20004, 935.00001, 3, 4)});
   document.Overwrite(SpacingRow, "0.0063");
   Press(Qt::Key_Return);
   document.Overwrite(UplinkRow, "890.2000");
@@ -781,12 +780,11 @@ TEST_F(CellEditing, KeysThatWalkChangeNothing) {
   const Document document =
       Open({{"131", 2, "A", 890.20004, 2, 3, 4, 5, 6, 7}, Band(1.00001, 2, 3, 4), Band(5, 6, 7, 8), NamedRow("B")});
   const SignalStandardTable former = TableIn(document);
-  for (const Qt::Key key :
-       {Qt::Key_Down, Qt::Key_Up, Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End})
+  for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_PageDown, Qt::Key_PageUp,
+                            Qt::Key_Home, Qt::Key_End})
     for (int row = NameRow; row <= StepRow; ++row) {
       document.Click(document.Details, row);
-      for (int time = 0; time < 15; ++time)
-        Press(key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+      for (int time = 0; time < 15; ++time) Press(key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
     }
   EXPECT_FALSE(document.State->Changed);
   EXPECT_EQ(TableIn(document), former);

@@ -1,5 +1,6 @@
 // Copying, cutting, pasting, inserting and deleting, by the operations that the frame's commands run.
 #include <QClipboard>
+#include <algorithm>
 
 #include "tests/editor/document_fixture.h"
 
@@ -338,15 +339,136 @@ TEST_F(Clipboard, FullTableTakesNothingButCanBeEmptied) {
   EXPECT_EQ(document.List->rowCount(), 0);
 }
 
-TEST_F(Clipboard, SubbandsPromisedBeyondTheEndDoNoHarm) {
-  const Document document = Open({NamedRow("A"), NamedRow("B", 500), Band(1, 2, 3, 4)});
+TEST_F(Clipboard, GroupThatWasCutShortKeepsToItselfWhereverItGoes) {
+  const Document document = Open({NamedRow("A"), NamedRow("B", 5), Band(1, 2, 3, 4)});
   document.Click(document.List, 1);
   document.Window->CopyCut(false);
-  EXPECT_EQ(Copied(), (Names{"B", "B(A)"}));
-  Press(Qt::Key_Delete);
-  EXPECT_EQ(NamesIn(document), Names{"A"});
+  EXPECT_EQ(Copied(), (Names{"B", "B(A)", "", "", "", ""}));
+  document.Window->InsertBlank();
+  EXPECT_EQ(document.ListNames(), (std::vector<QString>{"A", "B", "[New Standard]"}));
+  EXPECT_EQ(TableIn(document).Row(1).Subbands, 1);
+  document.Click(document.List, 0);
   document.Window->Paste();
-  EXPECT_EQ(document.ListNames(), std::vector<QString>{"B"});
+  EXPECT_EQ(document.ListNames(), (std::vector<QString>{"B", "A", "B", "[New Standard]"}));
+  EXPECT_EQ(document.Bands->rowCount(), 5);
+  EXPECT_EQ(NamesIn(document)[5], "B(E)");
+}
+
+TEST_F(Clipboard, GroupThatPromisesMoreThanATableTakesIsAskedAbout) {
+  const Document document = Open({NamedRow("A"), NamedRow("B", 2147483647), Band(1, 2, 3, 4)});
+  document.Click(document.List, 1);
+  document.Window->CopyCut(true);
+  EXPECT_EQ(Copied().size(), 200u);
+  EXPECT_EQ(NamesIn(document), Names{"A"});
+  answers.Give(QMessageBox::Cancel);
+  document.Window->Paste();
+  EXPECT_EQ(NamesIn(document), Names{"A"});
+}
+
+// --- The selection
+
+std::vector<int> SelectedRows(const Document& document) {
+  std::vector<int> rows;
+  for (const QModelIndex& index : document.List->selectionModel()->selectedRows()) rows.push_back(index.row());
+  std::ranges::sort(rows);
+  return rows;
+}
+
+struct HeldKeysCase {
+  const char* Name;
+  void (*Run)(const Document&);
+  int Current;
+};
+
+// Keys that are still down must not make a selection of what the program makes current.
+TEST_F(Clipboard, OnlyTheCurrentRowIsSelectedAfterACommandWhateverKeysAreHeld) {
+  const std::vector<HeldKeysCase> cases = {
+      {"cut", [](const Document& document) { document.Window->CopyCut(true); }, 2},
+      {"paste", [](const Document& document) { document.Window->Paste(); }, 2},
+      {"insert", [](const Document& document) { document.Window->InsertBlank(); }, 4},
+      {"find", [](const Document& document) { document.Window->FindSSEntry("S1"); }, 0},
+      {"delete", [](const Document& document) { QTest::keyRelease(document.List, Qt::Key_Delete); }, 2},
+      {"count", [](const Document& document) { document.UpDown->setValue(2); }, 4}};
+  for (const Qt::KeyboardModifiers held :
+       {Qt::KeyboardModifiers(Qt::ControlModifier), Qt::KeyboardModifiers(Qt::ShiftModifier),
+        Qt::ControlModifier | Qt::ShiftModifier})
+    for (const HeldKeysCase& given : cases) {
+      shared.StandardClipboard = {NamedRow("X")};
+      shared.StandardClipboardFull = true;
+      const Document document = Open(Standards(8));
+      document.Click(document.List, 2);
+      document.Click(document.List, 4, 1, Qt::ShiftModifier);
+      ASSERT_EQ(SelectedRows(document), (std::vector{2, 3, 4}));
+      HoldKeys(held);
+      given.Run(document);
+      HoldKeys(Qt::NoModifier);
+      EXPECT_EQ(document.List->currentRow(), given.Current) << given.Name;
+      EXPECT_EQ(SelectedRows(document), std::vector{given.Current}) << given.Name;
+    }
+}
+
+TEST_F(Clipboard, CutAndPasteIsAWayBackHoweverTheRowsWereSelected) {
+  for (const bool downwards : {true, false}) {
+    const Document document = Open(Standards(6));
+    const SignalStandardTable former = TableIn(document);
+    document.Click(document.List, downwards ? 1 : 3);
+    for (int row = 0; row < 2; ++row) Press(downwards ? Qt::Key_Down : Qt::Key_Up, Qt::ShiftModifier);
+    document.Window->CopyCut(true);
+    EXPECT_EQ(document.List->currentRow(), 1);
+    document.Window->Paste();
+    EXPECT_EQ(TableIn(document), former);
+  }
+}
+
+TEST_F(Clipboard, PasteGoesBeforeTheFirstSelectedStandard) {
+  const Document document = Open(Standards(4));
+  document.Click(document.List, 0);
+  document.Window->CopyCut(false);
+  document.Click(document.List, 1);
+  document.Click(document.List, 3, 1, Qt::ShiftModifier);
+  document.Window->Paste();
+  EXPECT_EQ(NamesIn(document), (Names{"S1", "S1", "S2", "S3", "S4"}));
+  EXPECT_EQ(document.List->currentRow(), 1);
+}
+
+TEST_F(Clipboard, NewStandardOfALongListIsShownAndNamed) {
+  const Document document = Open(Standards(120));
+  document.Click(document.List, 3);
+  document.Window->InsertBlank();
+  const QRect row = document.List->visualItemRect(document.List->item(120, 1));
+  EXPECT_GE(row.top(), 0);
+  EXPECT_LE(row.bottom(), document.List->viewport()->height());
+  EXPECT_EQ(frame.Status(), "[New Standard] is number 121 of the list.");
+  EXPECT_EQ(document.List->currentRow(), 3);
+}
+
+// --- Warnings
+
+TEST_F(Clipboard, EveryChangeOfTheTableIsValidated) {
+  const QString duplicate = "Warning:\tA\tDuplicate Signal Standard name.\r\n";
+  const Document document = Open(Group("A", 1) + Group("B", 0));
+  document.Click(document.List, 0);
+  document.Window->CopyCut(false);
+  document.Window->Paste();
+  EXPECT_EQ(frame.Warned.back(), duplicate);
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(frame.Warned.back(), "");
+  document.Window->Paste();
+  ASSERT_EQ(frame.Warned.back(), duplicate);
+  document.Window->CopyCut(true);
+  EXPECT_EQ(frame.Warned.back(), "");
+  document.Window->InsertBlank();
+  EXPECT_EQ(frame.Warned.back(), "");
+  document.UpDown->setValue(0);
+  EXPECT_TRUE(frame.Warned.back().contains("Step size may be out of range."));
+}
+
+TEST_F(Clipboard, LastStandardTakesItsWarningsAlong) {
+  const Document document = Open({{"2", 0, "A", 9001, 2, 3, 4, 5, 6, 7}});
+  ASSERT_NE(frame.Warned.back(), "");
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(frame.Warned.back(), "");
+  EXPECT_EQ(document.Window->WarningsText(), "");
 }
 
 // Every command that changes the table takes what is being typed with it.

@@ -108,7 +108,8 @@ class Insertions : public EntryBoxTest, public ::testing::WithParamInterface<Ins
     EXPECT_EQ(box->text(), GetParam().Expected);
     EXPECT_EQ(box->cursorPosition(), GetParam().Cursor);
     // What is put over the same text is an edit, too.
-    const bool same = GetParam().Inserted == GetParam().Former.mid(GetParam().SelectionStart, GetParam().SelectionLength);
+    const bool same =
+        GetParam().Inserted == GetParam().Former.mid(GetParam().SelectionStart, GetParam().SelectionLength);
     EXPECT_EQ(edits > 0, same || GetParam().Expected != GetParam().Former);
   }
 };
@@ -167,26 +168,22 @@ TEST_P(Pasting, FromTheContextMenuDoesTheSame) {
   ExpectOutcomeOfAPaste();
 }
 
-INSTANTIATE_TEST_SUITE_P(EntryBox, Pasting,
-                         ::testing::Values(InsertCase{FreeText, 24, "GSM", 3, 0, " 900", "GSM 900", 7},
-                                           InsertCase{FreeText, 24, "GSM", 3, 0, "900\n", "GSM900", 6},
-                                           InsertCase{FreeText, 24, "GSM", 3, 0, "a\nb", "GSM", 3},
-                                           InsertCase{FreeText, 5, "GSM", 3, 0, " 900", "GSM", 3},
-                                           InsertCase{FreeText, 3, "GSM", 1, 1, "x", "GxM", 2},
-                                           InsertCase{FreeText, 24, "", 0, 0, "Gr\u00fcn", "", 0},
-                                           InsertCase{WholeNumber, 7, "12", 2, 0, ".5", "12", 2},
-                                           InsertCase{WholeNumber, 7, "12", 0, 2, "abc", "12", 2},
-                                           InsertCase{WholeNumber, 7, "12", 0, 2, "12", "12", 2},
-                                           InsertCase{WholeNumber, 2, "12", 0, 2, "789", "12", 2},
-                                           InsertCase{WholeNumber, 7, "12", 0, 2, "\t789 \r\n", "789", 3},
-                                           InsertCase{WholeNumber, 7, "", 0, 0, "7 8", "", 0},
-                                           InsertCase{DecimalNumber, 9, "1.5", 3, 0, ".7", "1.5", 3},
-                                           InsertCase{DecimalNumber, 9, "1.5", 0, 3, "2.25", "2.25", 4},
-                                           InsertCase{DecimalNumber, 9, "", 0, 0, "824,04", "", 0},
-                                           InsertCase{DecimalNumber, 9, "", 0, 0, " 824.04 ", "824.04", 6},
-                                           InsertCase{DecimalNumber, 9, "", 0, 0, "890.2 MHz", "", 0},
-                                           InsertCase{DecimalNumber, 9, "", 0, 0, "-1", "", 0},
-                                           InsertCase{UnknownMode, 9, "1", 1, 0, "2", "1", 1}));
+INSTANTIATE_TEST_SUITE_P(
+    EntryBox, Pasting,
+    ::testing::Values(
+        InsertCase{FreeText, 24, "GSM", 3, 0, " 900", "GSM 900", 7},
+        InsertCase{FreeText, 24, "GSM", 3, 0, "900\n", "GSM900", 6},
+        InsertCase{FreeText, 24, "GSM", 3, 0, "a\nb", "GSM", 3}, InsertCase{FreeText, 5, "GSM", 3, 0, " 900", "GSM", 3},
+        InsertCase{FreeText, 3, "GSM", 1, 1, "x", "GxM", 2}, InsertCase{FreeText, 24, "", 0, 0, "Gr\u00fcn", "", 0},
+        InsertCase{WholeNumber, 7, "12", 2, 0, ".5", "12", 2}, InsertCase{WholeNumber, 7, "12", 0, 2, "abc", "12", 2},
+        InsertCase{WholeNumber, 7, "12", 0, 2, "12", "12", 2}, InsertCase{WholeNumber, 2, "12", 0, 2, "789", "12", 2},
+        InsertCase{WholeNumber, 7, "12", 0, 2, "\t789 \r\n", "789", 3},
+        InsertCase{WholeNumber, 7, "", 0, 0, "7 8", "", 0}, InsertCase{DecimalNumber, 9, "1.5", 3, 0, ".7", "1.5", 3},
+        InsertCase{DecimalNumber, 9, "1.5", 0, 3, "2.25", "2.25", 4},
+        InsertCase{DecimalNumber, 9, "", 0, 0, "824,04", "", 0},
+        InsertCase{DecimalNumber, 9, "", 0, 0, " 824.04 ", "824.04", 6},
+        InsertCase{DecimalNumber, 9, "", 0, 0, "890.2 MHz", "", 0}, InsertCase{DecimalNumber, 9, "", 0, 0, "-1", "", 0},
+        InsertCase{UnknownMode, 9, "1", 1, 0, "2", "1", 1}));
 
 TEST_F(EntryBoxTest, PastingByProgramGoesInAsAWholeOrNotAtAll) {
   for (const auto& [pasted, expected] : std::vector<std::pair<QString, QString>>{{"824,04", "1"}, {"82404", "82404"}}) {
