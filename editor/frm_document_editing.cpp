@@ -239,7 +239,7 @@ void frmDocument::ValidateTable() {
   std::vector<std::string> names;
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
   AlignSubbands(table);
-  warningsText = QString::fromStdString(WarningsText(FindWarnings(table, names)));
+  warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
   // The frame shows the active document's warnings, and fetches these when this becomes it.
   if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
 }
