@@ -266,6 +266,7 @@ TEST_F(Commands, PropertiesAreShown) {
   StartWithStandIns();
   AnswerMessage();
   Choose("mnuFileProperties");
+  EXPECT_EQ(StandIn().Calls, QStringList({"CommitEdit", "TableProperties"})) << "of the table as the user sees it";
   EXPECT_EQ(messages.back(),
             (Message{"Table Properties", "Record count:     \t8 of 200\nSignal Standards: \t3", QMessageBox::NoIcon}));
 }

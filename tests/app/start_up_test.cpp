@@ -222,6 +222,19 @@ TEST_F(RecentFiles, AreShownInTheMenuFromTheStart) {
   EXPECT_FALSE(Item("mnuRecentFile3").isVisible());
 }
 
+// Another program of the same user may have emptied the list meanwhile.
+TEST_F(RecentFiles, ShownOnceStayInTheMenuUntilOthersTakeTheirPlace) {
+  SetStored(RecentFileKey(1), "/a.sig");
+  SetStored(RecentFileKey(2), "/b.sig");
+  Start();
+  Store().clear();
+  app->LoadRecentFiles();
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/a.sig", "/b.sig"}));
+  app->AddRecentFile("/c.sig");
+  app->LoadRecentFiles();
+  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/c.sig", "/b.sig"}));
+}
+
 TEST_F(RecentFiles, NoneAreShownWithoutANewestOne) {
   SetStored(RecentFileKey(2), "/b.sig");
   Start();
@@ -249,6 +262,18 @@ TEST_F(DocumentNumbers, AreFreeAtOnceWhenTheirDocumentCloses) {
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
   EXPECT_TRUE(app->AnyDocumentOpen());
+}
+
+TEST_F(DocumentNumbers, NumberUsedAgainKeepsNothingOfItsFormerDocument) {
+  Start();
+  app->DocumentStates[0].Changed = true;
+  AnswerMessage(QMessageBox::No);
+  app->Document(1)->close();
+  EXPECT_TRUE(app->DocumentStates[0].Changed) << "nothing was saved";
+  app->NewDocument();
+  EXPECT_FALSE(app->DocumentStates[0].Changed);
+  EXPECT_FALSE(app->DocumentStates[0].Released);
+  EXPECT_TRUE(app->Document(1)->close()) << "without a question";
 }
 
 TEST_F(DocumentNumbers, UntouchedFirstDocumentIsUsedAgainUnlessANewOneIsAskedFor) {

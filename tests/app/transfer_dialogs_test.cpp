@@ -196,6 +196,7 @@ TEST_F(ProgressDialog, YesBeforeAnUploadSendsNothing) {
   Choose("mnuToolsUpload");
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_FALSE(UnitGotATable());
+  EXPECT_EQ(app->Document(1)->UnitTableTag, 0) << "no unit has this table";
   ExpectPortFree();
 }
 

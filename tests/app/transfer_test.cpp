@@ -334,9 +334,14 @@ TEST_F(MeanwhileInATransfer, AFileThatIsOpenedGetsAWindowOfItsOwn) {
   StartUnit(NumberedRows(60), {"--baud", "38400"});
   const QString mine = TableFile("mine.sig", Rows({"Mine"}));
   Start();
-  During([this] { return IsDownloading(); }, [this, mine] { OpenTableFile(Frame(), mine); });
+  During([this] { return IsDownloading(); },
+         [this, mine] {
+           OpenTableFile(Frame(), mine);
+           EXPECT_EQ(Frame().cursor().shape(), Qt::WaitCursor) << "the transfer goes on";
+         });
   Download();
   EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(Frame().cursor().shape(), Qt::ArrowCursor);
   EXPECT_EQ(Captions(), QStringList({"Untitled(Query) 1", mine}));
   EXPECT_EQ(NamesOf(app->Document(2)->Table()), QStringList({"Mine"}));
   EXPECT_EQ(app->Document(1)->Table().Count, 60);
