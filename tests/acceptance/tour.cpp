@@ -32,6 +32,7 @@
 #include "core/sig_file.h"
 #include "core/table_difference.h"
 #include "editor/frm_document.h"
+#include "settings/user_settings.h"
 #include "tests/app/browser.h"
 #include "unit/qt_serial_port.h"
 
@@ -332,7 +333,7 @@ int main(int argc, char* argv[]) {
     std::fputs("chanplan-tour: the simulated unit does not start\n", stderr);
     return 1;
   }
-  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(), frmDocument::Make);
+  AppMain app(std::make_unique<QtSerialPort>(CommDevice), SystemTiming(), frmDocument::Make);
   app.Main();
   app.Frame->activateWindow();
   if (!QTest::qWaitForWindowActive(app.Frame.get())) std::fputs("the frame was not activated\n", stderr);

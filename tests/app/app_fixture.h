@@ -25,10 +25,10 @@
 #include "app/app_main.h"
 #include "app/frm_main.h"
 #include "editor/frm_document.h"
+#include "settings/user_settings.h"
 #include "tests/app/stand_in_document.h"
 #include "tests/core/temp_folder.h"
 #include "tests/unit/hand_driven_link.h"
-#include "unit/qt_serial_port.h"
 
 inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
 
@@ -127,9 +127,17 @@ class AppTest : public ::testing::Test {
       if (action->isVisible() && !action->isSeparator()) captions += action->text();
     return captions;
   }
+  /// The recent files as the File menu shows them.
+  QStringList RecentMenu() {
+    QStringList files;
+    for (int number = 1; number <= 5; ++number)
+      if (const QAction& item = Item("mnuRecentFile" + QString::number(number)); item.isVisible())
+        files += item.text().replace("&&", "&");
+    return files;
+  }
   QStringList Captions() {
     QStringList captions;
-    for (const auto& document : app->Documents)
+    for (const auto& document : app->Registry.Documents)
       if (document != nullptr && !document->State().Released) captions += document->windowTitle();
     return captions;
   }

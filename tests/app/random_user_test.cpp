@@ -93,7 +93,7 @@ class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned
 
   QList<DocumentWindow*> OpenDocuments() {
     QList<DocumentWindow*> open;
-    for (const auto& document : app->Documents)
+    for (const auto& document : app->Registry.Documents)
       if (document != nullptr && !document->State().Released) open += document;
     return open;
   }
