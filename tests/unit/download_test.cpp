@@ -218,7 +218,7 @@ TEST(Query_Chanplans, IsNotAnsweredByWhatWaitedBefore) {
   EXPECT_EQ(RowNames(download.Held.Table), Names{"fresh"});
 }
 
-TEST(Query_Chanplans, LeavesTheDocumentAsItWasWhenTheReplyIsNotCompleteInTime) {
+TEST(Query_Chanplans, LeavesTheTableAsItWasWhenTheReplyIsNotCompleteInTime) {
   const std::string reply = TableHeader(1, 2) + RecordBytes(1, 0, "A") + RecordBytes(1, 0, "B");
   for (const std::size_t arrived : {0u, 1u, 3u, 4u, 5u, 52u, 97u, 99u}) {
     SCOPED_TRACE(arrived);
