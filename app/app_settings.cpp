@@ -3,7 +3,7 @@
 #include <QDir>
 #include <cmath>
 
-#include "unit/qt_serial_port.h"
+#include "settings/user_settings.h"
 
 namespace chanplan {
 namespace {

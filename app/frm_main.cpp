@@ -25,7 +25,7 @@ void KeepCornerInSight(QMdiSubWindow& document) { document.move(qMax(document.x(
 
 }  // namespace
 
-frmMain::frmMain(AppMain& application)
+frmMain::frmMain(AppState& application)
     : app(application),
       documents(new QMdiArea),
       ToolBar(new QToolBar("Toolbar")),
@@ -44,6 +44,7 @@ frmMain::frmMain(AppMain& application)
   BuildToolBar();
   BuildStatusBar();
   BuildClientArea();
+  connect(&app.Recent, &RecentFileList::Loaded, this, &frmMain::ShowRecentFiles);
   RestorePlacement(*this, app.Settings);
   for (int port = 1; port <= 6; ++port)
     Action("menuOptionsCom" + QString::number(port))->setVisible(app.Link.ProbeCommPort(port));
@@ -110,10 +111,26 @@ void frmMain::Warnings(const QString& WarningText, qint16 SelIndex) { lstWarning
 void frmMain::ShowStatus(const QString& text) { sbStatusBarPanel1->setText(text); }
 
 QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& fileType) {
-  return chanplan::PromptSaveFileName(*this, proposedName, fileType);
+  return chanplan::PromptSaveFileName(*this, app.Recent, proposedName, fileType);
 }
 
 DocumentWindow* frmMain::ActiveDocument() const { return qobject_cast<DocumentWindow*>(documents->currentSubWindow()); }
+
+DocumentWindow& frmMain::CreateDocument(bool newSlotRequested, const QString& name) {
+  const bool firstIsInUse = transfer && transfer->Holds(app.Registry.Document(1));
+  const int slot = app.Registry.GetFreeDocumentSlot(newSlotRequested || firstIsInUse);
+  const auto index = static_cast<std::size_t>(slot) - 1;
+  QPointer<DocumentWindow>& registered = app.Registry.Documents[index];
+  if (registered == nullptr) {
+    std::unique_ptr<DocumentWindow> made = app.MakeDocument(*this, app.Registry.DocumentStates[index], app.Shared);
+    registered = made.get();
+    AddDocument(std::move(made));
+  }
+  registered->setWindowTitle(name + QString::number(slot));
+  return *registered;
+}
+
+void frmMain::NewDocument() { ShowDocument(CreateDocument(true)); }
 
 void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   // Its menu's key for closing is the frame's key for a new standard.
@@ -164,8 +181,8 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
-  if (event->type() == QEvent::Close && app.Transfers.Holds(watched)) {
-    AbortTransfer();
+  if (event->type() == QEvent::Close && transfer && transfer->Holds(watched)) {
+    transfer->Abort();
     event->ignore();
     return true;
   }
@@ -200,19 +217,19 @@ void frmMain::SetPaneHeight(int proposed) {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  if (app.Transfers.Running) {
-    AbortTransfer();
+  if (transfer) {
+    transfer->Abort();
     return event->ignore();
   }
   if (QApplication::activeModalWidget() != nullptr) return event->ignore();  // it is to be answered first
-  const auto opened = app.Documents;
+  const auto opened = app.Registry.Documents;
   for (const QPointer<DocumentWindow>& document : opened) {
     if (document == nullptr || document->State().Released) continue;
     if (document->State().Changed) documents->setActiveSubWindow(document);
     document->close();
     if (document != nullptr && !document->State().Released) break;
   }
-  if (app.AnyDocumentOpen()) return event->ignore();
+  if (app.Registry.AnyDocumentOpen()) return event->ignore();
   SavePlacement(*this, app.Settings);
   app.Settings.SetNumber(CommPortSetting, app.Link.CommPort);
   app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));

@@ -2,35 +2,31 @@
 #pragma once
 
 #include <QLabel>
-#include <QMainWindow>
 #include <QMdiArea>
 #include <QPointer>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
 #include <memory>
+#include <optional>
 
-#include "app/app_main.h"
+#include "app/app_state.h"
 #include "app/arrange_windows.h"
+#include "app/command_frame.h"
 #include "app/splitter_bar.h"
+#include "app/transfer_command.h"
 #include "app/warnings_pane.h"
-#include "editor/document_window.h"
-#include "editor/frame_operations.h"
 
 namespace chanplan {
 
-class frmInProgress;
-
 /// Holds the documents, turns commands into calls on the active one, and lists its warnings. It has
 /// no table data of its own. Menu items and controls are found by their object names.
-class frmMain : public QMainWindow, public FrameOperations {
+class frmMain : public CommandFrame {
   Q_OBJECT
 
  public:
-  explicit frmMain(AppMain& application);
+  explicit frmMain(AppState& application);
   ~frmMain() override;
-
-  AppMain& App() const { return app; }
 
   void mnuEditCopy_Click() override;
   void mnuEditCut_Click() override;
@@ -42,13 +38,10 @@ class frmMain : public QMainWindow, public FrameOperations {
 
   /// The document that commands act on, null when there is none.
   DocumentWindow* ActiveDocument() const;
-  void AddDocument(std::unique_ptr<DocumentWindow> document);
-  void ShowDocument(DocumentWindow& document);
-
-  /// Puts `files`, the newest first, at most five, into the File menu.
-  void ShowRecentFiles(const QStringList& files);
-  /// What the File menu shows of them.
-  QStringList RecentFiles() const;
+  DocumentWindow& CreateDocument(bool newSlotRequested, const QString& name = "Untitled ") override;
+  void ShowDocument(DocumentWindow& document) override;
+  /// A new empty document, shown.
+  void NewDocument();
 
   /// Sets the pane's height as the splitter was dropped at `y`, counted from below the menu bar or
   /// from the list's upper edge. Other sources than the splitter change nothing.
@@ -58,11 +51,8 @@ class frmMain : public QMainWindow, public FrameOperations {
   /// Runs the command of the toolbar button `key`.
   void ToolBar_ButtonClick(const QString& key);
 
-  /// Moves the table of `document` from or to the unit, shows how far it is and how it ended. False
-  /// only when the unit did not answer.
-  bool Proc_Query(DocumentWindow& document, bool Download = false);
-  /// Merges the table of `source` into that of `base`.
-  void MergeTables(DocumentWindow& base, DocumentWindow& source);
+  /// Whether a transfer command runs.
+  bool Transferring() const { return transfer.has_value(); }
 
   /// The help file, in the program's folder; empty when the program has none.
   QString HelpFile = "Chanplan.hlp";
@@ -92,9 +82,11 @@ class frmMain : public QMainWindow, public FrameOperations {
   void SetPaneHeight(int proposed);
   void DropSplitter(const QPoint& globalPosition);
 
+  void AddDocument(std::unique_ptr<DocumentWindow> document);
   void DocumentsChanged();
 
-  // Drop-downs
+  // What menus show
+  void ShowRecentFiles(const QStringList& files);
   void EnableDocumentItems();
   void mnuView_DropDown();
   void menuOptions_DropDown();
@@ -130,14 +122,10 @@ class frmMain : public QMainWindow, public FrameOperations {
   void mnuHelpAbout_Click();
   void ShowHelp();
 
-  // Transfers (frm_main_transfers.cpp)
-  class TransferCommand;
-  bool Connect();
-  bool Download(bool toAppend);
-  bool ConfirmLosses(DocumentWindow& document);
-  void AbortTransfer();
+  /// What the Options menu shows and sets: a command that runs keeps to the port it began with.
+  std::int16_t& ChosenPort() { return transfer ? transfer->PortForTheNext : app.Link.CommPort; }
 
-  AppMain& app;
+  AppState& app;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;
@@ -147,10 +135,10 @@ class frmMain : public QMainWindow, public FrameOperations {
   SplitterBar* lblSplitter;
   WarningsPane* lstWarnings;
   QTimer* ResizeTimer;
-  QList<QAction*> documentItems;      // enabled while a document is open
-  QList<QAction*> windowList;         // the Window menu's list of documents
-  QPointer<QObject> warningsShownOf;  // a document
-  frmInProgress* progress = nullptr;  // made when first needed
+  QList<QAction*> documentItems;            // enabled while a document is open
+  QList<QAction*> windowList;               // the Window menu's list of documents
+  QPointer<QObject> warningsShownOf;        // a document
+  std::optional<TransferCommand> transfer;  // the one that runs
 };
 
 }  // namespace chanplan

@@ -15,9 +15,9 @@
 
 namespace chanplan {
 
-void frmMain::mnuFileNew_Click() { app.NewDocument(); }
+void frmMain::mnuFileNew_Click() { NewDocument(); }
 
-void frmMain::mnuFileOpen_Click() { PromptOpenFileName(*this); }
+void frmMain::mnuFileOpen_Click() { PromptOpenFileName(*this, app.Recent); }
 
 void frmMain::mnuFileClose_Click() {
   if (DocumentWindow* document = ActiveDocument()) document->close();
@@ -39,7 +39,7 @@ void frmMain::mnuFileSaveAs_Click() {
   const QString path = PromptSaveFileName(proposed, ".sig");
   if (path.isEmpty() || document == nullptr) return;
   document->State().Changed = !document->SaveChanplans(path);
-  UpdateRecentFiles(*this, path);
+  app.Recent.UpdateRecentFiles(path);
 }
 
 void frmMain::mnuFileReport_Click() {
@@ -77,8 +77,8 @@ void frmMain::mnuFileProperties_Click() {
 }
 
 void frmMain::mnuRecentFile_Click(int index) {
-  OpenTableFile(*this, RecentFiles().value(index - 1));
-  app.LoadRecentFiles();
+  OpenTableFile(*this, app.Recent.Files().value(index - 1));
+  app.Recent.LoadRecentFiles();
 }
 
 void frmMain::mnuFileExit_Click() { close(); }
@@ -105,17 +105,26 @@ void frmMain::mnuOptionStatusBar_Click() { sbStatusBar->setVisible(sbStatusBar->
 
 void frmMain::mnuViewWarnings_Click() { WarningHolder->setVisible(WarningHolder->isHidden()); }
 
-void frmMain::menuOptionsCom_Click(int index) {
-  const auto port = static_cast<std::int16_t>(index);
-  if (app.Transfers.Running)
-    app.Transfers.PortForTheNext = port;
-  else
-    app.Link.CommPort = port;
-}
+void frmMain::menuOptionsCom_Click(int index) { ChosenPort() = static_cast<std::int16_t>(index); }
 
 void frmMain::menuOptionsBaud_Click(int index) {
   const QString caption = Action("menuOptionsBaud" + QString::number(index))->text();
   app.Link.BaudRate = caption.section(' ', 0, 0).toStdString();
+}
+
+void frmMain::mnuToolsUpload_Click() {
+  DocumentWindow* document = ActiveDocument();
+  if (transfer || document == nullptr) return;
+  transfer.emplace(*this, app.Link, app.Transfers, app.Shared);
+  transfer->Upload(*document);
+  transfer.reset();
+}
+
+void frmMain::mnuToolsQuery_Click() {
+  if (transfer) return;
+  transfer.emplace(*this, app.Link, app.Transfers, app.Shared);
+  transfer->Download();
+  transfer.reset();
 }
 
 void frmMain::mnuWindowNewWindow_Click() { ShowMessage(*this, "New Window Code goes here!", ApplicationTitle()); }

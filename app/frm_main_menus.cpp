@@ -171,7 +171,7 @@ void frmMain::ToolBar_ButtonClick(const QString& key) {
 }
 
 void frmMain::EnableDocumentItems() {
-  for (QAction* item : documentItems) item->setEnabled(app.AnyDocumentOpen());
+  for (QAction* item : documentItems) item->setEnabled(app.Registry.AnyDocumentOpen());
 }
 
 void frmMain::mnuView_DropDown() {
@@ -181,7 +181,7 @@ void frmMain::mnuView_DropDown() {
 }
 
 void frmMain::menuOptions_DropDown() {
-  const int chosen = app.Transfers.PortForTheNext.value_or(app.Link.CommPort);
+  const int chosen = ChosenPort();
   for (int port = 1; port <= LastPort; ++port)
     Action("menuOptionsCom" + QString::number(port))->setChecked(chosen == port);
   for (int baud = 0; baud <= LastBaudRate; ++baud) {
@@ -195,7 +195,7 @@ void frmMain::mnuWindow_DropDown() {
   windowList.clear();
   QMenu* menu = menuBar()->findChild<QMenu*>("mnuWindow");
   windowList += menu->addSeparator();
-  for (const QPointer<DocumentWindow>& document : app.Documents) {
+  for (const QPointer<DocumentWindow>& document : app.Registry.Documents) {
     if (document == nullptr || document->State().Released) continue;
     const qsizetype number = windowList.size();
     const QString mnemonic = number <= 9 ? "&" : "";  // a second digit would stand for another document
@@ -209,21 +209,12 @@ void frmMain::mnuWindow_DropDown() {
 }
 
 void frmMain::ShowRecentFiles(const QStringList& files) {
-  Action("mnuRecentFile0")->setVisible(true);
+  Action("mnuRecentFile0")->setVisible(!files.isEmpty());
   for (int index = 1; index <= qMin(LastRecentFile, static_cast<int>(files.size())); ++index) {
     QAction* item = Action("mnuRecentFile" + QString::number(index));
-    item->setData(files[index - 1]);
     item->setText(QString(files[index - 1]).replace('&', "&&"));
     item->setVisible(true);
   }
-}
-
-QStringList frmMain::RecentFiles() const {
-  QStringList files;
-  for (int index = 1; index <= LastRecentFile; ++index)
-    if (const QAction* item = Action("mnuRecentFile" + QString::number(index)); item->isVisible())
-      files += item->data().toString();
-  return files;
 }
 
 }  // namespace chanplan

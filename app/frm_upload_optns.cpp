@@ -8,9 +8,9 @@
 
 namespace chanplan {
 
-frmUploadOptns::frmUploadOptns(QWidget* parent, TransferState& transferState)
+frmUploadOptns::frmUploadOptns(QWidget* parent, TransferFlags& transferFlags)
     : QDialog(parent),
-      transfers(transferState),
+      flags(transferFlags),
       optnAppend(new QRadioButton("&Append to it")),
       optnReplace(new QRadioButton("&Overwrite it")),
       chkReplace(new QCheckBox("Replace matching signal standards")) {
@@ -52,14 +52,14 @@ frmUploadOptns::frmUploadOptns(QWidget* parent, TransferState& transferState)
 }
 
 void frmUploadOptns::accept() {
-  transfers.AbortRequested = false;
-  transfers.UploadAppend = optnAppend->isChecked();
-  transfers.UploadReplaceMatching = chkReplace->isChecked();
+  flags.AbortRequested = false;
+  flags.UploadAppend = optnAppend->isChecked();
+  flags.UploadReplaceMatching = chkReplace->isChecked();
   QDialog::accept();
 }
 
 void frmUploadOptns::reject() {
-  transfers.AbortRequested = true;
+  flags.AbortRequested = true;
   QDialog::reject();
 }
 

@@ -5,22 +5,22 @@
 #include <QDialog>
 #include <QRadioButton>
 
-#include "app/transfers.h"
+#include "app/transfer_flags.h"
 
 namespace chanplan {
 
-/// Sets the flags of `transfers`: `AbortRequested` when the user cancels, otherwise the choices.
+/// Sets the flags: `AbortRequested` when the user cancels, otherwise the choices.
 class frmUploadOptns : public QDialog {
   Q_OBJECT
 
  public:
-  frmUploadOptns(QWidget* parent, TransferState& transferState);
+  frmUploadOptns(QWidget* parent, TransferFlags& transferFlags);
 
   void accept() override;
   void reject() override;
 
  private:
-  TransferState& transfers;
+  TransferFlags& flags;
   QRadioButton* optnAppend;
   QRadioButton* optnReplace;
   QCheckBox* chkReplace;

@@ -17,6 +17,7 @@
 #include "editor/frm_document.h"
 #include "unit/qt_serial_port.h"
 #include "unit/transfer.h"
+#include "unit/wire_encoding.h"
 
 namespace chanplan {
 namespace {
@@ -103,10 +104,10 @@ void LinkUpload(benchmark::State& state) {
   const UnitProcess unit;
   QtSerialPort port(unit.Path().toStdString());
   UnitLink link(port, SystemTiming());
-  UnitTable document{FullTable(), 1};
+  const std::string message = EncodeTable(FullTable(), 1);
   TransferProgress progress;
   if (link.OpenCommPort(1) != 1) state.SkipWithError("the port cannot be opened");
-  Measure(state, UploadFloorSeconds, [&] { return UploadChanplans(link, document, progress) == LinkTrue; });
+  Measure(state, UploadFloorSeconds, [&] { return UploadChanplans(link, message, progress) == LinkTrue; });
   link.CloseCommPort();
 }
 
@@ -115,10 +116,14 @@ class Editor {
  public:
   Editor() : app(std::make_unique<QtSerialPort>(unit.Path().toStdString()), SystemTiming(), frmDocument::Make) {
     app.Main();
-    app.Document(1)->ShowUnitTable(FullTable());
+    app.Registry.Document(1)->ShowUnitTable(FullTable());
   }
   bool Transfer(bool download) {
-    return app.Frame->Proc_Query(*app.Document(1), download) && app.Transfers.Result == LinkTrue;
+    DocumentWindow& document = *app.Registry.Document(1);
+    TransferCommand command(*app.Frame, app.Link, app.Transfers, app.Shared);
+    return (download ? command.Receive(document)
+                     : command.Send(document, EncodeTable(document.Table(), document.UnitTableTag)))
+               .Result == LinkTrue;
   }
 
  private:

@@ -13,7 +13,7 @@ struct MergeArguments {
 
 void Merge(const MergeArguments& arguments) {
   const SignalStandardTable base = OpenTable(arguments.Base);
-  const MergeOutcome merged = MergeTables(base, OpenTable(arguments.Source), arguments.ReplaceMatching);
+  const MergeOutcome merged = MergeWholeGroups(base, OpenTable(arguments.Source), arguments.ReplaceMatching);
   SaveTableAs(merged.Table, arguments.Out);
   if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
 }

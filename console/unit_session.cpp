@@ -4,6 +4,7 @@
 
 #include "console/progress_bar.h"
 #include "core/number_picture.h"
+#include "settings/user_settings.h"
 #include "unit/unit_connection.h"
 
 namespace chanplan {
@@ -17,6 +18,11 @@ int PortNumber(const std::string& port) {
   throw CommandFailure("there is no port " + port + ": give a number from 1 to 6, or a device");
 }
 
+DeviceOfNumber DevicesOf(const std::string& port) {
+  if (IsPortNumber(port)) return CommDevice;
+  return [port](int /*number*/) { return port; };
+}
+
 bool NeverAborted() { return false; }
 
 }  // namespace
@@ -28,7 +34,7 @@ void PortArguments::AddTo(CLI::App& command) {
 
 UnitSession::UnitSession(const PortArguments& arguments)
     : portName(arguments.Port),
-      port(IsPortNumber(arguments.Port) ? std::string() : arguments.Port),
+      port(DevicesOf(arguments.Port)),
       tracing(arguments.Trace
                   ? std::make_unique<TracingPort>(port, SystemTiming().Now,
                                                   [](const std::string& line) { std::cerr << line << '\n'; })
@@ -53,9 +59,9 @@ void UnitSession::Connect() {
 }
 
 UnitTable UnitSession::Download() {
-  UnitTable document;
+  UnitTable held;
   ProgressBar progress(tracing == nullptr);  // both would fight for the line
-  const TransferOutcome outcome = RunTransfer(link, TransferDirection::Download, document, progress, NeverAborted);
+  const TransferOutcome outcome = RunDownload(link, held, progress, NeverAborted);
   FinishTransfer(link, outcome);
   progress.Finish();
   if (!outcome.Message.empty()) Fail(outcome.Message);
@@ -63,12 +69,12 @@ UnitTable UnitSession::Download() {
     throw CommandFailure("the unit announces more than 200 records, which no table can hold");
   if (outcome.Result != LinkTrue)
     Fail("the unit's table did not arrive whole within 30 s: check the cable and start again");
-  return document;
+  return held;
 }
 
-void UnitSession::Upload(UnitTable& document) {
+void UnitSession::Upload(std::string_view message) {
   ProgressBar progress(tracing == nullptr);  // both would fight for the line
-  const TransferOutcome outcome = RunTransfer(link, TransferDirection::Upload, document, progress, NeverAborted);
+  const TransferOutcome outcome = RunUpload(link, message, progress, NeverAborted);
   const LinkResult sync = FinishTransfer(link, outcome);
   progress.Finish();
   if (!outcome.Message.empty()) Fail(outcome.Message);

@@ -34,8 +34,8 @@ class UnitSession {
   /// The unit's table; throws CommandFailure.
   UnitTable Download();
 
-  /// Puts the table into the unit; throws CommandFailure.
-  void Upload(UnitTable& document);
+  /// Puts the table that EncodeTable made `message` of into the unit; throws CommandFailure.
+  void Upload(std::string_view message);
 
   const UnitLink& Link() const { return link; }
 

@@ -3,6 +3,7 @@
 #include "console/command.h"
 #include "console/qt_application.h"
 #include "core/number_picture.h"
+#include "settings/user_settings.h"
 #include "unit/qt_serial_port.h"
 #include "unit/unit_connection.h"
 
@@ -33,7 +34,7 @@ void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
   command->footer("A line per unit: device, model, firmware version, whether the editor accepts it.");
   command->callback([] {
     const auto application = MakePortApplication();
-    const auto devices = SerialDevices();
+    const auto devices = SerialDevices(CommDevice);
     int answered = 0;
     for (const std::string& device : devices) answered += PrintUnit(device) ? 1 : 0;
     if (answered == 0) Note("no unit answered on " + std::to_string(devices.size()) + " serial ports");

@@ -15,7 +15,7 @@ struct UploadArguments {
   bool Verify = false;
 };
 
-// The unit keeps only the standard's name for its sub-bands; both tables are given the rest.
+// The unit keeps only the standard's name for its sub-bands; validation gives both tables the rest.
 void Verify(UnitSession& session, SignalStandardTable sent) {
   SignalStandardTable held = session.Download().Table;
   AlignSubbands(sent);
@@ -27,20 +27,21 @@ void Verify(UnitSession& session, SignalStandardTable sent) {
 }
 
 void Upload(const UploadArguments& arguments) {
-  UnitTable document{OpenTable(arguments.File)};
+  SignalStandardTable table = OpenTable(arguments.File);
   UnitSession session(arguments.Port);
   // A table that does not fit is refused before anything is said to the unit.
-  EncodeTable(document.Table, document.UnitTableTag);
+  std::string message = EncodeTable(table, UploadTag(0));
   session.Connect();
   if (arguments.Append) {
-    UnitTable unitDocument = session.Download();
-    MergeOutcome merged = MergeTables(unitDocument.Table, document.Table, arguments.ReplaceMatching);
+    const UnitTable held = session.Download();
+    const MergeOutcome merged = MergeWholeGroups(held.Table, table, arguments.ReplaceMatching);
     if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-    document = {std::move(merged.Table), unitDocument.UnitTableTag};
+    table = merged.Table;
+    message = EncodeTable(table, UploadTag(held.UnitTableTag));
   }
-  for (const std::string& loss : WireLosses(document.Table)) Note(loss);
-  session.Upload(document);
-  if (arguments.Verify) Verify(session, document.Table);
+  for (const std::string& loss : WireLosses(table)) Note(loss);
+  session.Upload(message);
+  if (arguments.Verify) Verify(session, table);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/table_edits.h"
+
 namespace chanplan {
 namespace {
 
@@ -68,6 +70,12 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   MergeOutcome outcome{base, result.Full()};
   SetTable(result.Slots(), outcome.Table);
   return outcome;
+}
+
+MergeOutcome MergeWholeGroups(SignalStandardTable base, SignalStandardTable source, bool uploadReplaceMatching) {
+  PutLastCountRight(base);
+  PutLastCountRight(source);
+  return MergeTables(base, source, uploadReplaceMatching);
 }
 
 }  // namespace chanplan

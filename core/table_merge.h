@@ -22,6 +22,10 @@ struct MergeOutcome {
 MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTable& source,
                          bool uploadReplaceMatching);
 
+/// The same for tables whose last group may have been cut short: as rows will follow it, it gets the
+/// count of the sub-bands that it has.
+MergeOutcome MergeWholeGroups(SignalStandardTable base, SignalStandardTable source, bool uploadReplaceMatching);
+
 /// What is said, under the title "Table Merge", when a merge was truncated.
 inline constexpr std::string_view MergeTruncatedText =
     "There were too many records to merge tables.\r\n"

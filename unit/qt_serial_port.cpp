@@ -3,8 +3,6 @@
 #include <QCoreApplication>
 #include <QSerialPort>
 #include <QSerialPortInfo>
-#include <QSettings>
-#include <QStandardPaths>
 #include <algorithm>
 #include <chrono>
 
@@ -12,8 +10,11 @@
 
 namespace chanplan {
 
-QtSerialPort::QtSerialPort(std::string devicePath)
-    : fixedDevice(std::move(devicePath)), port(std::make_unique<QSerialPort>()) {
+QtSerialPort::QtSerialPort(const std::string& devicePath)
+    : QtSerialPort([devicePath](int /*number*/) { return devicePath; }) {}
+
+QtSerialPort::QtSerialPort(DeviceOfNumber portDevices)
+    : deviceOf(std::move(portDevices)), port(std::make_unique<QSerialPort>()) {
   QObject::connect(port.get(), &QSerialPort::errorOccurred, port.get(), [this](QSerialPort::SerialPortError error) {
     if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !port->isOpen() || failure) return;
     failure.emplace(device + " stopped working (" + port->errorString().toStdString() +
@@ -25,7 +26,7 @@ QtSerialPort::~QtSerialPort() = default;
 
 void QtSerialPort::SetPortNumber(int number) {
   if (IsOpen()) throw PortError(device + " is already open");
-  const std::string name = fixedDevice.empty() ? CommDevice(number) : fixedDevice;
+  const std::string name = deviceOf(number);
   if (name.empty()) throw PortError("there is no port " + std::to_string(number) + ": ports are numbered 1 to 6");
   device = DevicePath(name);
   port->setPortName(QString::fromStdString(device));
@@ -90,24 +91,14 @@ LinkTiming SystemTiming() {
           }};
 }
 
-std::string CommDevice(int number) {
-  const QSettings settings(QString::fromStdString(SettingsFile()), QSettings::IniFormat);
-  const QString chosen = settings.value("Settings/CommDevice" + QString::number(number)).toString();
-  return chosen.isEmpty() ? UsualDevice(number) : chosen.toStdString();
-}
-
-std::vector<std::string> SerialDevices() {
+std::vector<std::string> SerialDevices(const DeviceOfNumber& deviceOf) {
   std::vector<std::string> devices;
   const auto add = [&](std::string device) {
     if (PortExists(device) && std::ranges::find(devices, device) == devices.end()) devices.push_back(std::move(device));
   };
-  for (int number = 1; number <= 6; ++number) add(CommDevice(number));
+  for (int number = 1; number <= 6; ++number) add(deviceOf(number));
   for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) add(info.systemLocation().toStdString());
   return devices;
-}
-
-std::string SettingsFile() {
-  return (QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/Chanplans.ini").toStdString();
 }
 
 }  // namespace chanplan

@@ -1,6 +1,7 @@
 // The real serial port, on the platform library's serial port, and the link's timing with it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,11 +13,15 @@ class QSerialPort;
 
 namespace chanplan {
 
+/// Names the device of a port number, "" for numbers that stand for none. UTF-8.
+using DeviceOfNumber = std::function<std::string(int number)>;
+
 /// A port of this machine. Needs a QCoreApplication, whose events move its bytes.
 class QtSerialPort : public PortObject {
  public:
-  /// `devicePath` is used for every port number when it is not empty.
-  explicit QtSerialPort(std::string devicePath = {});
+  explicit QtSerialPort(DeviceOfNumber portDevices);
+  /// One device, whatever the port number.
+  explicit QtSerialPort(const std::string& devicePath);
   ~QtSerialPort() override;
 
   void SetPortNumber(int number) override;
@@ -36,7 +41,7 @@ class QtSerialPort : public PortObject {
   std::optional<PortError> Failure() const override;
 
  private:
-  std::string fixedDevice;
+  DeviceOfNumber deviceOf;
   std::string device;
   std::unique_ptr<QSerialPort> port;
   std::optional<PortError> failure;
@@ -45,14 +50,7 @@ class QtSerialPort : public PortObject {
 /// The monotonic clock; events of the QCoreApplication run, then the thread sleeps.
 LinkTiming SystemTiming();
 
-/// The device of port `number` (1 to 6): the one that the setting "CommDevice<number>" in section
-/// "Settings" names, otherwise the platform's usual one. UTF-8.
-std::string CommDevice(int number);
-
 /// The device paths of all serial ports that this machine has, the numbered ones first.
-std::vector<std::string> SerialDevices();
-
-/// The INI file that holds the user's settings.
-std::string SettingsFile();
+std::vector<std::string> SerialDevices(const DeviceOfNumber& deviceOf);
 
 }  // namespace chanplan

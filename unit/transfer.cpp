@@ -11,11 +11,11 @@ constexpr int SyncTimeoutMs = 10000;
 constexpr std::uint16_t FirstTableTag = 100;
 constexpr std::chrono::seconds LongestPause(2);  // between two bytes of an upload
 
-// Fills `document` from a complete reply. False when it holds more records than a table can.
-bool DecodeReply(std::string_view reply, UnitTable& document) {
+// Fills `held` from a complete reply. False when it holds more records than a table can.
+bool DecodeReply(std::string_view reply, UnitTable& held) {
   const int announced = TwoBytesToInteger(reply.substr(2, 2));
-  document.Table.Count = 0;
-  document.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
+  held.Table.Count = 0;
+  held.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
   int subbandsExpected = 0;
   for (int index = 0; index < announced; ++index) {
     const std::string_view bytes = reply.substr(WireHeaderSize + WireRecordSize * static_cast<std::size_t>(index));
@@ -26,16 +26,38 @@ bool DecodeReply(std::string_view reply, UnitTable& document) {
       subbandsExpected = record.Subbands;
     } else if (subbandsExpected > 0) {
       --subbandsExpected;
-      record.Name = document.Table.Row(index - 1).Name;
+      record.Name = held.Table.Row(index - 1).Name;
     }
-    document.Table.Append(std::move(record));
+    held.Table.Append(std::move(record));
   }
   return true;
 }
 
+// Opens the port, identifies the unit and lets `move` move the table, unless the user wants to stop by then.
+TransferOutcome RunTransfer(UnitLink& link, std::string_view title, TransferProgress& progress,
+                            const std::function<bool()>& abortRequested, const std::function<LinkResult()>& move) {
+  progress.SetCaption(title);
+  progress.SetLabel("Connecting to Handheld Product...");
+  progress.SetRange(0, 100);
+  progress.SetValue(0);
+  TransferOutcome outcome;
+  std::string reply;
+  link.OpenCommPort(link.CommPort);
+  outcome.UnitAnswered = link.CommControl.IsOpen() && link.ReadUnitIdentity(IdentityTimeoutMs, reply) == LinkTrue;
+  outcome.Aborted = abortRequested();
+  if (!outcome.UnitAnswered) {
+    outcome.Message = "Error establishing communication with Handheld Product!";
+  } else if (!outcome.Aborted) {
+    progress.SetLabel(title);
+    outcome.Result = move();
+    if (const auto failure = link.PortFailure()) outcome.Message = failure->what();
+  }
+  return outcome;
+}
+
 }  // namespace
 
-LinkResult Query_Chanplans(UnitLink& link, UnitTable& document, TransferProgress& progress) {
+LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress) {
   progress.SetRange(0, 100);
   progress.SetValue(0);
   link.CommControl.ReadInput();
@@ -53,14 +75,13 @@ LinkResult Query_Chanplans(UnitLink& link, UnitTable& document, TransferProgress
     return replySize != 0 && reply.size() >= replySize;
   };
   if (!link.WaitUntil(link.Now(), DownloadTimeoutMs, complete)) return LinkTimeout;
-  return DecodeReply(reply, document) ? LinkTrue : LinkFalse;
+  return DecodeReply(reply, held) ? LinkTrue : LinkFalse;
 }
 
-LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress& progress) {
+std::uint16_t UploadTag(std::uint16_t unitTableTag) { return unitTableTag == 0 ? FirstTableTag : unitTableTag; }
+
+LinkResult UploadChanplans(UnitLink& link, std::string_view message, TransferProgress& progress) {
   progress.SetValue(0);
-  const std::uint16_t tag = document.UnitTableTag == 0 ? FirstTableTag : document.UnitTableTag;
-  const std::string message = EncodeTable(document.Table, tag);
-  document.UnitTableTag = tag;
   const auto sendInTime = [&](const char& byte) {
     const auto start = link.Now();
     link.SendCommString(link.CommHandle, {&byte, 1});
@@ -76,41 +97,18 @@ LinkResult UploadChanplans(UnitLink& link, UnitTable& document, TransferProgress
   return LinkTrue;
 }
 
-std::string_view TransferTitle(TransferDirection direction) {
-  return direction == TransferDirection::Download ? "Downloading Signal Standards..." : "Uploading Signal Standards...";
+TransferOutcome RunDownload(UnitLink& link, UnitTable& held, TransferProgress& progress,
+                            const std::function<bool()>& abortRequested) {
+  return RunTransfer(link, "Downloading Signal Standards...", progress, abortRequested,
+                     [&] { return Query_Chanplans(link, held, progress); });
 }
 
-TransferOutcome RunTransfer(UnitLink& link, TransferDirection direction, UnitTable& document,
-                            TransferProgress& progress, const std::function<bool()>& abortRequested) {
-  progress.SetCaption(TransferTitle(direction));
-  progress.SetLabel("Connecting to Handheld Product...");
-  progress.SetRange(0, 100);
-  progress.SetValue(0);
-  TransferOutcome outcome;
-  if (direction == TransferDirection::Upload) {
-    try {
-      EncodeTable(document.Table, document.UnitTableTag);
-    } catch (const WireMisfit& misfit) {
-      outcome.Misfit = true;
-      outcome.Message = misfit.what();
-      return outcome;
-    }
-  }
-  std::string reply;
-  link.OpenCommPort(link.CommPort);
-  outcome.UnitAnswered = link.CommControl.IsOpen() && link.ReadUnitIdentity(IdentityTimeoutMs, reply) == LinkTrue;
-  outcome.Aborted = abortRequested();
-  if (!outcome.UnitAnswered) {
-    outcome.Message = "Error establishing communication with Handheld Product!";
-  } else if (!outcome.Aborted) {
-    progress.SetLabel(TransferTitle(direction));
-    outcome.Result = direction == TransferDirection::Download ? Query_Chanplans(link, document, progress)
-                                                              : UploadChanplans(link, document, progress);
-    if (const auto failure = link.PortFailure())
-      outcome.Message = failure->what();
-    else if (direction == TransferDirection::Upload && outcome.Result != LinkTrue)
-      outcome.Message = "The upload was held up, so that the unit may have given it up: upload the table again";
-  }
+TransferOutcome RunUpload(UnitLink& link, std::string_view message, TransferProgress& progress,
+                          const std::function<bool()>& abortRequested) {
+  TransferOutcome outcome = RunTransfer(link, "Uploading Signal Standards...", progress, abortRequested,
+                                        [&] { return UploadChanplans(link, message, progress); });
+  if (outcome.Message.empty() && !outcome.Aborted && outcome.Result != LinkTrue)
+    outcome.Message = "The upload was held up, so that the unit may have given it up: upload the table again";
   return outcome;
 }
 

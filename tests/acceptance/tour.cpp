@@ -32,6 +32,7 @@
 #include "core/sig_file.h"
 #include "core/table_difference.h"
 #include "editor/frm_document.h"
+#include "settings/user_settings.h"
 #include "tests/app/browser.h"
 #include "unit/qt_serial_port.h"
 
@@ -40,7 +41,8 @@ namespace {
 
 class Tour {
  public:
-  Tour(frmMain& mainFrame, const QString& pictureFolder) : frame(mainFrame), folder(pictureFolder) {}
+  Tour(AppMain& application, const QString& pictureFolder)
+      : app(application), frame(*application.Frame), folder(pictureFolder) {}
 
   void Run() {
     OpenTheFactoryTable();
@@ -153,7 +155,7 @@ class Tour {
   }
 
   void AppendAnotherTable() {
-    frame.ShowDocument(*frame.App().Document(1));
+    frame.ShowDocument(*app.Registry.Document(1));
     Must(Document().windowTitle() == "Factory Default (Read-Only)", "the factory table is active");
     Upload("optnAppend", "");
     Must(Document().windowTitle().startsWith("Untitled(Query) "), "the merged table has a document of its own");
@@ -167,7 +169,7 @@ class Tour {
     const SignalStandardTable downloaded = Document().Table();
     Must(merged.Count > 40 && TableDifferences(merged, downloaded).empty(), "the unit has the merged table");
     Done("Download the unit's table and compare");
-    for (const auto& document : frame.App().Documents)
+    for (const auto& document : app.Registry.Documents)
       if (document != nullptr && document->windowTitle().startsWith("Untitled(Query) "))
         document->State().Changed = false;  // seen; the question comes up once, below
   }
@@ -304,6 +306,7 @@ class Tour {
     Must(picture.save(file), "the picture " + file + " is written");
   }
 
+  AppMain& app;
   frmMain& frame;
   QString folder;
   int pictures = 0;
@@ -332,13 +335,13 @@ int main(int argc, char* argv[]) {
     std::fputs("chanplan-tour: the simulated unit does not start\n", stderr);
     return 1;
   }
-  AppMain app(std::make_unique<QtSerialPort>(), SystemTiming(), frmDocument::Make);
+  AppMain app(std::make_unique<QtSerialPort>(CommDevice), SystemTiming(), frmDocument::Make);
   app.Main();
   app.Frame->activateWindow();
   if (!QTest::qWaitForWindowActive(app.Frame.get())) std::fputs("the frame was not activated\n", stderr);
   int exitCode = 0;
   try {
-    Tour(*app.Frame, folder).Run();
+    Tour(app, folder).Run();
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "chanplan-tour: %s\n", failure.what());
     exitCode = 1;

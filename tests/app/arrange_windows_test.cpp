@@ -35,7 +35,7 @@ class WindowMenu : public AppTest {
     QTest::qWait(1);
   }
   QMdiArea& Area() { return Get<QMdiArea>("documents"); }
-  QMdiSubWindow& Window(int number) { return *app->Document(number); }
+  QMdiSubWindow& Window(int number) { return *app->Registry.Document(number); }
 };
 
 }  // namespace
@@ -104,13 +104,13 @@ TEST_F(WindowMenu, IconsAreArrangedAlongTheLowerEdge) {
 
 TEST_F(WindowMenu, ListsTheOpenDocuments) {
   StartWithThreeDocuments();
-  app->Document(2)->setWindowTitle("/R&D/a.sig");
+  app->Registry.Document(2)->setWindowTitle("/R&D/a.sig");
   QMenu& menu = DropDown("mnuWindow");
   EXPECT_EQ(VisibleItems(menu).mid(5), QStringList({"&1 Untitled 1", "&2 /R&&D/a.sig", "&3 Untitled 3"}));
   EXPECT_FALSE(menu.actions().at(8)->isChecked());
   EXPECT_TRUE(menu.actions().at(9)->isChecked());
   QTest::keyClick(&menu, Qt::Key_2);
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(2));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(2));
 
   Choose("mnuFileClose");
   EXPECT_EQ(VisibleItems(DropDown("mnuWindow")).mid(5), QStringList({"&1 Untitled 1", "&2 Untitled 3"}));
@@ -123,7 +123,7 @@ TEST_F(WindowMenu, OnlyTheFirstNineDocumentsHaveADigit) {
   QMenu& menu = DropDown("mnuWindow");
   EXPECT_EQ(VisibleItems(menu).mid(13), QStringList({"&9 Untitled 9", "10 Untitled 10"}));
   QTest::keyClick(&menu, Qt::Key_1);
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
 }
 
 TEST_F(WindowMenu, ChosenDocumentIsRestoredFromItsIcon) {
@@ -131,7 +131,7 @@ TEST_F(WindowMenu, ChosenDocumentIsRestoredFromItsIcon) {
   Window(1).showMinimized();
   QTest::keyClick(&DropDown("mnuWindow"), Qt::Key_1);
   EXPECT_FALSE(Window(1).isMinimized());
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
 }
 
 TEST_F(WindowMenu, NewWindowShowsItsMessage) {

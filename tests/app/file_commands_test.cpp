@@ -40,13 +40,13 @@ class Files : public AppTest {
 
 TEST_F(Files, OpenUsesTheUntouchedFirstDocument) {
   Start();
-  const QPointer<DocumentWindow> first = app->Document(1);
+  const QPointer<DocumentWindow> first = app->Registry.Document(1);
   OpenByDialog(Table("a.sig"));
   EXPECT_EQ(Captions(), QStringList({InFolder("a.sig")}));
   EXPECT_EQ(Frame().ActiveDocument(), first);
   OpenByDialog(Table("b.sig"));
   EXPECT_EQ(Captions(), QStringList({InFolder("a.sig"), InFolder("b.sig")}));
-  EXPECT_FALSE(app->DocumentStates[1].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[1].Changed);
 }
 
 TEST_F(Files, OpenDialogOffersTablesFirst) {
@@ -64,8 +64,8 @@ TEST_F(Files, DialogsStartWhereTheNewestRecentFileIs) {
   Start();
   LookAtFileDialog([](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir::home()); });
   Choose("mnuFileOpen");
-  app->AddRecentFile(InFolder("a.sig"));
-  app->LoadRecentFiles();
+  app->Recent.AddRecentFile(InFolder("a.sig"));
+  app->Recent.LoadRecentFiles();
   LookAtFileDialog([this](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir(InFolder(""))); });
   Choose("mnuFileSaveAs");
 }
@@ -93,7 +93,7 @@ TEST_F(Files, CancellingTheOpenDialogChangesNothing) {
   CancelFileDialog();
   Choose("mnuFileOpen");
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/a.sig"}));
+  EXPECT_EQ(RecentMenu(), QStringList({"/a.sig"}));
   EXPECT_EQ(Stored("Recent Files/RecentFile2"), "");
 }
 
@@ -104,7 +104,7 @@ TEST_F(Files, FileThatCannotBeOpenedMakesNoDocument) {
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"", "Can't open file: " + InFolder("missing.sig"), QMessageBox::NoIcon}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("missing.sig")})) << "as every name that was chosen";
+  EXPECT_EQ(RecentMenu(), QStringList({InFolder("missing.sig")})) << "as every name that was chosen";
 }
 
 TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
@@ -114,13 +114,15 @@ TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
   AnswerFileDialog(InFolder("bad.sig"));
   Answer([this](QWidget& box) {
     messages.push_back({box.windowTitle(), dynamic_cast<QMessageBox&>(box).text(), QMessageBox::Critical});
-    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::ArrowCursor) << "nobody waits for the program";
+    EXPECT_EQ(Frame().cursor().shape(), Qt::WaitCursor);
+    EXPECT_EQ(box.cursor().shape(), Qt::ArrowCursor) << "nobody waits for the program";
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     QTest::keyClick(&box, Qt::Key_Return);
   });
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"Chanplans", "Error loading " + InFolder("bad.sig"), QMessageBox::Critical}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2"}));
-  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(Frame().cursor().shape(), Qt::ArrowCursor);
 }
 
 TEST_F(Files, GarbageIsRefusedAndTheActiveDocumentStays) {
@@ -134,7 +136,7 @@ TEST_F(Files, GarbageIsRefusedAndTheActiveDocumentStays) {
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back().Text, "Error loading " + InFolder("garbage.sig"));
   EXPECT_EQ(Captions(), QStringList({InFolder("doubtful.sig")}));
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
   EXPECT_EQ(StatusPanel2(), " 2 warnings.") << "those of the active document";
 }
 
@@ -142,7 +144,7 @@ TEST_F(Files, OpenedFilesBecomeRecentFiles) {
   Start();
   OpenByDialog(Table("a.sig"));
   OpenByDialog(Table("b.sig"));
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("b.sig"), InFolder("a.sig")}));
+  EXPECT_EQ(RecentMenu(), QStringList({InFolder("b.sig"), InFolder("a.sig")}));
   EXPECT_EQ(Stored("Recent Files/RecentFile1"), InFolder("b.sig"));
 }
 
@@ -154,10 +156,10 @@ TEST_F(Files, FirstFourRecentFilesKeepTheirPlaceAndTheFifthMovesToTheTop) {
   Start();
   for (int number = 1; number <= 4; ++number) {
     OpenByDialog(paths[number - 1]);
-    EXPECT_EQ(Frame().RecentFiles(), paths) << number;
+    EXPECT_EQ(RecentMenu(), paths) << number;
   }
   OpenByDialog(paths[4]);
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({paths[4], paths[0], paths[1], paths[2], paths[3]}));
+  EXPECT_EQ(RecentMenu(), QStringList({paths[4], paths[0], paths[1], paths[2], paths[3]}));
 }
 
 TEST_F(Files, RecentFileIsOpenedFromTheMenu) {
@@ -169,7 +171,7 @@ TEST_F(Files, RecentFileIsOpenedFromTheMenu) {
   AnswerMessage();
   Choose("mnuRecentFile2");
   EXPECT_EQ(messages.back().Text, "Can't open file: " + InFolder("gone.sig"));
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("R&D.sig"), InFolder("gone.sig")}));
+  EXPECT_EQ(RecentMenu(), QStringList({InFolder("R&D.sig"), InFolder("gone.sig")}));
 }
 
 TEST_F(Files, SaveWritesToTheFileOfTheCaption) {
@@ -219,13 +221,13 @@ TEST_F(Files, SaveAsProposesTheFileOfTheCaption) {
 
 TEST_F(Files, SavedUnderANewNameItIsARecentFile) {
   Start();
-  app->DocumentStates[0].Changed = true;
+  app->Registry.DocumentStates[0].Changed = true;
   AnswerFileDialog(InFolder("new"));
   Choose("mnuFileSaveAs");
   EXPECT_EQ(Captions(), QStringList({InFolder("new.sig")})) << "a name without a type is one of a table";
   EXPECT_TRUE(std::filesystem::exists(folder / "new.sig"));
-  EXPECT_FALSE(app->DocumentStates[0].Changed);
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({InFolder("new.sig")}));
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Changed);
+  EXPECT_EQ(RecentMenu(), QStringList({InFolder("new.sig")}));
 }
 
 TEST_F(Files, OverwritingIsAskedFor) {
@@ -259,10 +261,10 @@ TEST_F(Files, ReportsAreOfferedForOtherTypes) {
 TEST_F(Files, CloseClosesTheActiveDocument) {
   Start();
   Choose("mnuFileNew");
-  Frame().ShowDocument(*app->Document(1));
+  Frame().ShowDocument(*app->Registry.Document(1));
   Choose("mnuFileClose");
   EXPECT_EQ(Captions(), QStringList({"Untitled 2"}));
-  EXPECT_EQ(app->Document(1), nullptr);
+  EXPECT_EQ(app->Registry.Document(1), nullptr);
 }
 
 TEST_F(Files, FactoryTableIsReadOnly) {
@@ -291,7 +293,7 @@ TEST_F(Files, FactoryTableIsNeverOverwrittenBySave) {
 
   Choose("menuEditNewChanplan");
   Choose("mnuFileSave");  // an ordinary table from now on: nothing is asked
-  EXPECT_FALSE(app->DocumentStates[0].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Changed);
 }
 
 TEST_F(Files, CopiesOfTheFactoryTableAreReadOnlyByTheirName) {

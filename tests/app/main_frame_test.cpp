@@ -225,13 +225,13 @@ TEST_F(Commands, UnknownButtonDoesNothing) {
 TEST_F(Commands, GoToTheActiveDocument) {
   StartWithStandIns();
   Choose("mnuFileNew");
-  Frame().ShowDocument(*app->Document(1));
+  Frame().ShowDocument(*app->Registry.Document(1));
   Key(Qt::Key_X, Qt::ControlModifier);
   Key(Qt::Key_C, Qt::ControlModifier);
   Key(Qt::Key_V, Qt::ControlModifier);
   Key(Qt::Key_W, Qt::ControlModifier);
   EXPECT_EQ(StandIn().Calls, QStringList({"CopyCut true", "CopyCut false", "Paste", "InsertBlank"}));
-  EXPECT_EQ(dynamic_cast<StandInDocument&>(*app->Document(2)).Calls, QStringList());
+  EXPECT_EQ(dynamic_cast<StandInDocument&>(*app->Registry.Document(2)).Calls, QStringList());
 }
 
 TEST_F(Commands, NewStandardKeyIsTheFramesInAMaximisedDocumentToo) {
@@ -240,16 +240,16 @@ TEST_F(Commands, NewStandardKeyIsTheFramesInAMaximisedDocumentToo) {
   Key(Qt::Key_W, Qt::ControlModifier);
   EXPECT_EQ(StandIn().Calls, QStringList({"InsertBlank"}));
   Key(Qt::Key_F4, Qt::ControlModifier);
-  EXPECT_FALSE(app->AnyDocumentOpen());
+  EXPECT_FALSE(app->Registry.AnyDocumentOpen());
 }
 
 TEST_F(Commands, KeysGoFromDocumentToDocument) {
   Start();
   Choose("mnuFileNew");
-  ASSERT_EQ(Frame().ActiveDocument(), app->Document(2));
+  ASSERT_EQ(Frame().ActiveDocument(), app->Registry.Document(2));
   Key(Qt::Key_Tab, Qt::ControlModifier);
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
-  EXPECT_TRUE(app->Document(1)->isAncestorOf(QApplication::focusWidget()));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
+  EXPECT_TRUE(app->Registry.Document(1)->isAncestorOf(QApplication::focusWidget()));
   EXPECT_EQ(QApplication::focusWidget()->objectName(), "GridList");
 }
 
@@ -259,13 +259,14 @@ TEST_F(Commands, WithoutADocumentTheyDoNothing) {
   for (const char* key : {"Save", "Print", "Cut", "Copy", "Paste", "Add", "Upload"}) Press(key);
   Choose("mnuFileReport");
   Choose("mnuFileProperties");
-  EXPECT_FALSE(app->AnyDocumentOpen());
+  EXPECT_FALSE(app->Registry.AnyDocumentOpen());
 }
 
 TEST_F(Commands, PropertiesAreShown) {
   StartWithStandIns();
   AnswerMessage();
   Choose("mnuFileProperties");
+  EXPECT_EQ(StandIn().Calls, QStringList({"CommitEdit", "TableProperties"})) << "of the table as the user sees it";
   EXPECT_EQ(messages.back(),
             (Message{"Table Properties", "Record count:     \t8 of 200\nSignal Standards: \t3", QMessageBox::NoIcon}));
 }

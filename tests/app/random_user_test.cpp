@@ -18,7 +18,7 @@ constexpr int MostDocuments = 6;
 class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned> {
  protected:
   RandomUser() : random(GetParam()) {
-    answerUnexpected = [this](QWidget& dialog) { AnswerAnything(dialog); };
+    answers.Unexpected = [this](QWidget& dialog) { AnswerAnything(dialog); };
   }
 
   int Pick(int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); }
@@ -93,7 +93,7 @@ class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned
 
   QList<DocumentWindow*> OpenDocuments() {
     QList<DocumentWindow*> open;
-    for (const auto& document : app->Documents)
+    for (const auto& document : app->Registry.Documents)
       if (document != nullptr && !document->State().Released) open += document;
     return open;
   }

@@ -109,7 +109,7 @@ TEST_F(Report, HoldsTheOpenEdit) {
   AnswerFileDialog(InFolder("plan.htm"));
   Choose("mnuFileReport");
   EXPECT_NE(ReadFile(folder / "plan.htm").find("<tr><td>N</td>"), std::string::npos);
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(Report, ThatCannotBeWrittenSaysSoAndOpensNothing) {

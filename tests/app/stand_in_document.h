@@ -17,7 +17,7 @@ class StandInDocument : public DocumentWindow {
     setWidget(new QWidget);
   }
 
-  QStringList Calls;
+  mutable QStringList Calls;
   QString Text;                                        ///< of its warnings
   std::function<bool()> Closes = [] { return true; };  ///< whether it lets itself be closed
   bool Saves = true;                                   ///< whether saving succeeds
@@ -37,6 +37,7 @@ class StandInDocument : public DocumentWindow {
   }
   void CommitEdit() override { Calls += "CommitEdit"; }
   QString TableProperties() const override {
+    Calls += "TableProperties";
     return "Record count:     \t8 of 200\r\nSignal Standards: \t3";
   }
   bool SigReport(const QString& ReportName) override {

@@ -61,7 +61,7 @@ TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
   Choose("mnuFileNew");
   const QSize area = Get<QMdiArea>("documents").viewport()->size();
   for (int number = 1; number <= 2; ++number) {
-    const QRect document = app->Document(number)->geometry();
+    const QRect document = app->Registry.Document(number)->geometry();
     ASSERT_GT(document.width(), area.width());
     ASSERT_GT(document.height(), area.height());
     EXPECT_EQ(document.topLeft(), QPoint(0, 0)) << number;
@@ -194,13 +194,13 @@ TEST(BroughtIntoView, LeavesAloneWhatAScreenShows) {
 
 TEST_F(RecentFiles, SamePathMayBeThereTwice) {
   Start();
-  for (const char* path : {"A", "B", "A"}) app->AddRecentFile(path);
+  for (const char* path : {"A", "B", "A"}) app->Recent.AddRecentFile(path);
   EXPECT_EQ(StoredRecentFiles(), QStringList({"A", "B", "A", "", "", ""}));
 }
 
 TEST_F(RecentFiles, SixthDropsTheOldest) {
   Start();
-  for (const char* path : {"A", "B", "C", "D", "E", "F"}) app->AddRecentFile(path);
+  for (const char* path : {"A", "B", "C", "D", "E", "F"}) app->Recent.AddRecentFile(path);
   EXPECT_EQ(StoredRecentFiles(), QStringList({"F", "E", "D", "C", "B", ""}));
 }
 
@@ -208,7 +208,7 @@ TEST_F(RecentFiles, KeyAboveAnEmptyOneKeepsItsValue) {
   SetStored(RecentFileKey(1), "A");
   SetStored(RecentFileKey(3), "C");
   Start();
-  app->AddRecentFile("N");
+  app->Recent.AddRecentFile("N");
   EXPECT_EQ(StoredRecentFiles(), QStringList({"N", "A", "C", "C", "", ""}));
 }
 
@@ -218,14 +218,27 @@ TEST_F(RecentFiles, AreShownInTheMenuFromTheStart) {
   Start();
   EXPECT_TRUE(Item("mnuRecentFile0").isVisible());
   EXPECT_EQ(Item("mnuRecentFile1").text(), "/R&&D, new/a.sig");  // a mnemonic's mark is doubled
-  EXPECT_EQ(Frame().RecentFiles(), QStringList({"/R&D, new/a.sig", "/b.sig"}));
+  EXPECT_EQ(RecentMenu(), QStringList({"/R&D, new/a.sig", "/b.sig"}));
   EXPECT_FALSE(Item("mnuRecentFile3").isVisible());
+}
+
+// Another program of the same user may have emptied the list meanwhile.
+TEST_F(RecentFiles, ShownOnceStayInTheMenuUntilOthersTakeTheirPlace) {
+  SetStored(RecentFileKey(1), "/a.sig");
+  SetStored(RecentFileKey(2), "/b.sig");
+  Start();
+  Store().clear();
+  app->Recent.LoadRecentFiles();
+  EXPECT_EQ(RecentMenu(), QStringList({"/a.sig", "/b.sig"}));
+  app->Recent.AddRecentFile("/c.sig");
+  app->Recent.LoadRecentFiles();
+  EXPECT_EQ(RecentMenu(), QStringList({"/c.sig", "/b.sig"}));
 }
 
 TEST_F(RecentFiles, NoneAreShownWithoutANewestOne) {
   SetStored(RecentFileKey(2), "/b.sig");
   Start();
-  EXPECT_EQ(Frame().RecentFiles(), QStringList());
+  EXPECT_EQ(RecentMenu(), QStringList());
   EXPECT_FALSE(Item("mnuRecentFile0").isVisible());
 }
 
@@ -234,53 +247,65 @@ TEST_F(DocumentNumbers, ReleasedNumberIsGivenAwayAgain) {
   Choose("mnuFileNew");
   Choose("mnuFileNew");
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2", "Untitled 3"}));
-  EXPECT_TRUE(app->Document(2)->close());
-  EXPECT_TRUE(app->DocumentStates[1].Released);
+  EXPECT_TRUE(app->Registry.Document(2)->close());
+  EXPECT_TRUE(app->Registry.DocumentStates[1].Released);
   Choose("mnuFileNew");
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2", "Untitled 3"}));
-  EXPECT_EQ(app->Documents.size(), 3U);
-  EXPECT_EQ(app->Documents.size(), app->DocumentStates.size());
+  EXPECT_EQ(app->Registry.Documents.size(), 3U);
+  EXPECT_EQ(app->Registry.Documents.size(), app->Registry.DocumentStates.size());
 }
 
 TEST_F(DocumentNumbers, AreFreeAtOnceWhenTheirDocumentCloses) {
   Start();
-  app->Document(1)->close();  // its window goes only when events are handled
-  app->NewDocument();
+  app->Registry.Document(1)->close();  // its window goes only when events are handled
+  Frame().NewDocument();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
-  EXPECT_TRUE(app->AnyDocumentOpen());
+  EXPECT_TRUE(app->Registry.AnyDocumentOpen());
+}
+
+TEST_F(DocumentNumbers, NumberUsedAgainKeepsNothingOfItsFormerDocument) {
+  Start();
+  app->Registry.DocumentStates[0].Changed = true;
+  AnswerMessage(QMessageBox::No);
+  app->Registry.Document(1)->close();
+  EXPECT_TRUE(app->Registry.DocumentStates[0].Changed) << "nothing was saved";
+  Frame().NewDocument();
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Released);
+  EXPECT_TRUE(app->Registry.Document(1)->close()) << "without a question";
 }
 
 TEST_F(DocumentNumbers, UntouchedFirstDocumentIsUsedAgainUnlessANewOneIsAskedFor) {
   Start();
-  EXPECT_EQ(app->GetFreeDocumentSlot(false), 1);
-  EXPECT_EQ(app->Documents.size(), 1U);
-  app->DocumentStates[0].Changed = true;
-  EXPECT_EQ(app->GetFreeDocumentSlot(false), 2);
+  EXPECT_EQ(app->Registry.GetFreeDocumentSlot(false), 1);
+  EXPECT_EQ(app->Registry.Documents.size(), 1U);
+  app->Registry.DocumentStates[0].Changed = true;
+  EXPECT_EQ(app->Registry.GetFreeDocumentSlot(false), 2);
 }
 
 TEST_F(DocumentNumbers, NewDocumentLeavesTheUntouchedFirstOne) {
   Start();
-  EXPECT_EQ(app->GetFreeDocumentSlot(true), 2);
+  EXPECT_EQ(app->Registry.GetFreeDocumentSlot(true), 2);
 }
 
 TEST_F(DocumentNumbers, FirstDocumentWithAFileIsNotUsedAgain) {
   Start();
-  app->Document(1)->setWindowTitle("/a.sig");
-  EXPECT_EQ(app->GetFreeDocumentSlot(false), 2);
+  app->Registry.Document(1)->setWindowTitle("/a.sig");
+  EXPECT_EQ(app->Registry.GetFreeDocumentSlot(false), 2);
 }
 
 TEST_F(DocumentNumbers, AnyDocumentOpenUntilTheLastOneCloses) {
   Start();
-  EXPECT_TRUE(app->AnyDocumentOpen());
-  app->Document(1)->close();
-  EXPECT_FALSE(app->AnyDocumentOpen());
+  EXPECT_TRUE(app->Registry.AnyDocumentOpen());
+  app->Registry.Document(1)->close();
+  EXPECT_FALSE(app->Registry.AnyDocumentOpen());
 }
 
 TEST_F(Closing, DocumentThatRefusesKeepsTheFrame) {
   StartWithStandIns();
   Choose("mnuFileNew");
-  dynamic_cast<StandInDocument&>(*app->Document(2)).Closes = [] { return false; };
+  dynamic_cast<StandInDocument&>(*app->Registry.Document(2)).Closes = [] { return false; };
   Choose("mnuFileExit");
   EXPECT_TRUE(Frame().isVisible());
   EXPECT_EQ(Captions(), QStringList({"Untitled 2"}));
@@ -290,11 +315,11 @@ TEST_F(Closing, DocumentThatRefusesKeepsTheFrame) {
 TEST_F(Closing, ChangedDocumentAsksBeforeTheProgramEnds) {
   Start();
   Choose("mnuFileNew");
-  app->DocumentStates[0].Changed = true;
+  app->Registry.DocumentStates[0].Changed = true;
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuFileExit");
   EXPECT_TRUE(Frame().isVisible());
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(1));
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
   AnswerMessage(QMessageBox::No);
   Exit();
   EXPECT_EQ(messages.back().Text, "The contents in [Untitled 1] has changed.\nDo you want to save the changes?");
@@ -304,14 +329,14 @@ TEST_F(Closing, CancelOnTheSecondOfThreeChangedDocumentsKeepsItAndTheThird) {
   Start();
   Choose("mnuFileNew");
   Choose("mnuFileNew");
-  for (DocumentState& state : app->DocumentStates) state.Changed = true;
+  for (DocumentState& state : app->Registry.DocumentStates) state.Changed = true;
   AnswerMessage(QMessageBox::No);
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuFileExit");
   EXPECT_TRUE(Frame().isVisible());
   EXPECT_EQ(Captions(), QStringList({"Untitled 2", "Untitled 3"}));
-  EXPECT_EQ(Frame().ActiveDocument(), app->Document(2));
-  EXPECT_TRUE(app->DocumentStates[1].Changed);
+  EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(2));
+  EXPECT_TRUE(app->Registry.DocumentStates[1].Changed);
   EXPECT_EQ(Stored("Settings/CommPort"), "");
   AnswerMessage(QMessageBox::No);
   AnswerMessage(QMessageBox::No);
@@ -327,7 +352,7 @@ TEST_F(Closing, IsRefusedWhileAMessageBoxIsUp) {
     Answer([this](QWidget& dialog) {
       EXPECT_FALSE(Frame().close());
       Frame().ActiveDocument()->close();
-      EXPECT_TRUE(app->AnyDocumentOpen());
+      EXPECT_TRUE(app->Registry.AnyDocumentOpen());
       QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     Choose(command);
@@ -335,14 +360,14 @@ TEST_F(Closing, IsRefusedWhileAMessageBoxIsUp) {
     EXPECT_EQ(Captions(), QStringList({"Untitled 1"})) << command;
   }
   EXPECT_EQ(ended.size(), 0);
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedOnceAndTheProgramEnds) {
   WriteFile(folder / "file", "");
   qputenv("XDG_CONFIG_HOME", (folder / "file").string().c_str());  // no folder, so nothing can be stored in it
   Start({Table("a.sig")});
-  app->AddRecentFile(InFolder("a.sig"));
+  app->Recent.AddRecentFile(InFolder("a.sig"));
   AnswerMessage();
   QSignalSpy ended(&Frame(), &frmMain::Ended);
   Choose("mnuFileExit");

@@ -130,7 +130,7 @@ TEST_F(ProgressDialog, NoLeavesTheTransferAndTheLabelAsTheyWere) {
             (Message{"Downloading Signal Standards...", "Interrupting the current process?", QMessageBox::Question}));
   EXPECT_EQ(Label(), "Downloading Signal Standards...");
   EXPECT_EQ(Status(), CompletedText(60));
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(ProgressDialog, YesInARunningDownloadLetsItFinish) {
@@ -143,7 +143,7 @@ TEST_F(ProgressDialog, YesInARunningDownloadLetsItFinish) {
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_EQ(ActiveNames().size(), 60);
   ExpectPortFree();
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(ProgressDialog, YesInARunningUploadLetsItFinish) {
@@ -181,7 +181,7 @@ TEST_F(ProgressDialog, AnswersWhileConnectingDecideWhetherAnythingIsMoved) {
     EXPECT_EQ(ActiveCaption(), "Untitled(Query) 1");
     EXPECT_EQ(ActiveNames().size(), records);
     ExpectPortFree();
-    app->DocumentStates[0].Changed = false;
+    app->Registry.DocumentStates[0].Changed = false;
     unit.reset();
   }
 }
@@ -196,6 +196,7 @@ TEST_F(ProgressDialog, YesBeforeAnUploadSendsNothing) {
   Choose("mnuToolsUpload");
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_FALSE(UnitGotATable());
+  EXPECT_EQ(app->Registry.Document(1)->UnitTableTag, 0) << "no unit has this table";
   ExpectPortFree();
 }
 
@@ -209,7 +210,7 @@ TEST_F(ProgressDialog, YesInTheDownloadOfAnAppendKeepsTheUnitsTable) {
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_FALSE(UnitGotATable());
   EXPECT_EQ(ActiveNames().size(), 60) << "nothing was merged";
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(ProgressDialog, TransferThatEndsTakesTheQuestionAway) {

@@ -28,10 +28,10 @@ class FaultyUnit : public TransferTest {
     messages.clear();
   }
   void ExpectNothingMoved() {
-    EXPECT_EQ(NamesOf(app->Document(1)->Table()), QStringList({"S100", "S101", "S102"}));
+    EXPECT_EQ(NamesOf(app->Registry.Document(1)->Table()), QStringList({"S100", "S101", "S102"}));
     EXPECT_FALSE(UnitGotATable());
     EXPECT_EQ(Progress() != nullptr && Progress()->isVisible(), false);
-    EXPECT_FALSE(app->Transfers.Running);
+    EXPECT_FALSE(Frame().Transferring());
     ExpectPortFree();
   }
 };
@@ -83,7 +83,6 @@ TEST_F(FaultyUnit, ThatFallsSilentAfterTheFirstIdentification) {
     Choose(command);
     ExpectMessage(NoAnswer, QMessageBox::Information);
     EXPECT_EQ(Status(), NoAnswer);
-    EXPECT_EQ(app->Transfers.Result, LinkFalse);
     ExpectNothingMoved();
     unit.reset();
   }
@@ -91,11 +90,27 @@ TEST_F(FaultyUnit, ThatFallsSilentAfterTheFirstIdentification) {
 
 TEST_F(FaultyUnit, ProcQueryIsFalseOnlyWhenTheUnitDidNotAnswer) {
   StartFaulty({});
-  EXPECT_TRUE(Frame().Proc_Query(*app->Document(1), false));
+  TransferCommand command(Frame(), app->Link, app->Transfers, app->Shared);
+  DocumentWindow& document = *app->Registry.Document(1);
+  for (const bool download : {false, true}) EXPECT_TRUE(command.Proc_Query(document, download));
   unit.reset();
   StartUnit({}, {"--fault", "silent"});
+  for (const bool download : {false, true}) {
+    AnswerMessage();
+    EXPECT_FALSE(command.Proc_Query(document, download));
+    EXPECT_EQ(messages.back().Text, NoAnswer);
+  }
+  document.State().Changed = false;
+}
+
+// The unit was not even asked.
+TEST_F(FaultyUnit, ProcQueryIsTrueForATableThatDoesNotFit) {
+  StartUnit();
+  Start({TableFile("mine.sig", {"2|0|Bad|890|935|1|70000|0.2|0.2|1"})});
   AnswerMessage();
-  EXPECT_FALSE(Frame().Proc_Query(*app->Document(1), false));
+  EXPECT_TRUE(TransferCommand(Frame(), app->Link, app->Transfers, app->Shared).Proc_Query(*app->Registry.Document(1)));
+  EXPECT_TRUE(messages.back().Text.startsWith("row 1 (Bad): Stop Channel")) << messages.back().Text.toStdString();
+  EXPECT_EQ(unit->Output().find("identifies itself"), std::string::npos);
 }
 
 TEST_F(FaultyUnit, ThatFallsSilentStopsAnAppendBeforeItsDownload) {
@@ -117,7 +132,7 @@ TEST_F(FaultyUnit, ThatSpoilsItsReplyLeavesAnEmptyDocument) {
     EXPECT_EQ(Status(), CompletedText(0));
     EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
     EXPECT_EQ(ActiveNames(), QStringList());
-    EXPECT_FALSE(app->DocumentStates[1].Changed);
+    EXPECT_FALSE(app->Registry.DocumentStates[1].Changed);
     ExpectNothingMoved();
     unit.reset();
   }
@@ -168,8 +183,8 @@ TEST_F(FaultyUnit, ThatIsSlowGetsAndGivesItsTable) {
   StartFaulty({"--fault", "slow"});
   Download();
   EXPECT_EQ(Status(), CompletedText(4));
-  app->DocumentStates[1].Changed = false;
-  Frame().ShowDocument(*app->Document(1));
+  app->Registry.DocumentStates[1].Changed = false;
+  Frame().ShowDocument(*app->Registry.Document(1));
   QTest::qWait(3000);  // the answer to the sync byte comes late, too
   Upload(Choice::Overwrite);
   EXPECT_EQ(Status(), CompletedText(3));
@@ -208,7 +223,7 @@ TEST_F(FaultyUnit, ThatIsUnpluggedInTheMiddleIsTold) {
     StartUnit(NumberedRows(1));
     Download();
     EXPECT_EQ(Status(), CompletedText(1));
-    for (auto& state : app->DocumentStates) state.Changed = false;
+    for (auto& state : app->Registry.DocumentStates) state.Changed = false;
     unit.reset();
   }
 }

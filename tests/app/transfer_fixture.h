@@ -9,6 +9,7 @@
 #include "tests/console/program.h"
 #include "tests/console/sig_text.h"
 #include "tests/core/table_of.h"
+#include "unit/qt_serial_port.h"
 
 namespace chanplan::testing {
 

@@ -25,7 +25,7 @@ constexpr const char* Faults[] = {"none",           "none",
 class TransferSoak : public TransferTest, public ::testing::WithParamInterface<unsigned> {
  protected:
   TransferSoak() {
-    answerUnexpected = [](QWidget& modal) {
+    answers.Unexpected = [](QWidget& modal) {
       if (auto* box = qobject_cast<QMessageBox*>(&modal))
         QTest::mouseClick(static_cast<QWidget*>(box->button(QMessageBox::Ok)), Qt::LeftButton);
       else
@@ -71,7 +71,7 @@ class TransferSoak : public TransferTest, public ::testing::WithParamInterface<u
   void UploadOnce(const std::string& fault) {
     StartUnitWith(Table(), fault);
     ASSERT_FALSE(SaveSigFile(folder / "mine.sig", Table()));
-    DocumentWindow& document = app->CreateDocument(true);
+    DocumentWindow& document = Frame().CreateDocument(true);
     ASSERT_TRUE(document.LoadSigStandards(InFolder("mine.sig")));
     Frame().ShowDocument(document);
     const SignalStandardTable before = document.Table();
@@ -124,11 +124,11 @@ TEST_P(TransferSoak, EndsWithTheRightTablesAndAFreePort) {
     else
       DownloadOnce(fault);
     ExpectPortFree();
-    EXPECT_FALSE(app->Transfers.Running);
+    EXPECT_FALSE(Frame().Transferring());
     EXPECT_TRUE(Progress() == nullptr || Progress()->isHidden());
-    for (std::size_t index = 0; index < app->Documents.size(); ++index) {
-      app->DocumentStates[index].Changed = false;
-      if (app->Documents[index] != nullptr) app->Documents[index]->close();
+    for (std::size_t index = 0; index < app->Registry.Documents.size(); ++index) {
+      app->Registry.DocumentStates[index].Changed = false;
+      if (app->Registry.Documents[index] != nullptr) app->Registry.Documents[index]->close();
     }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }

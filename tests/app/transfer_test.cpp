@@ -46,7 +46,7 @@ TEST_F(Downloading, TakesANewDocumentWhenTheFirstIsInUse) {
   Download();
   EXPECT_EQ(Captions(), QStringList({file, "Untitled(Query) 2"}));
   EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(Downloading, ListsTheWarningsOfTheTable) {
@@ -54,7 +54,7 @@ TEST_F(Downloading, ListsTheWarningsOfTheTable) {
   Start();
   Download();
   EXPECT_EQ(Get<QListWidget>("lstWarnings").item(0)->text(), "Warning:\tFar\tStop channel is less than start channel.");
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 // It is in no file, so closing it would lose it.
@@ -62,7 +62,7 @@ TEST_F(Downloading, MarksTheDocumentAsChangedUnlessTheTableIsEmpty) {
   StartUnit(NumberedRows(1));
   Start();
   Download();
-  EXPECT_TRUE(app->DocumentStates[0].Changed);
+  EXPECT_TRUE(app->Registry.DocumentStates[0].Changed);
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuFileClose");
   EXPECT_EQ(messages.back().Text.section('\n', 0, 0), "The contents in [Untitled(Query) 1] has changed.");
@@ -70,7 +70,7 @@ TEST_F(Downloading, MarksTheDocumentAsChangedUnlessTheTableIsEmpty) {
   StartUnit();
   Download();
   EXPECT_EQ(Status(), CompletedText(0));
-  EXPECT_FALSE(app->DocumentStates[1].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[1].Changed);
 }
 
 TEST_F(Downloading, GoesOverATableOf200Records) {
@@ -94,7 +94,7 @@ TEST_F(Uploading, OverwritesTheUnitsTable) {
   Upload(Choice::Overwrite);
   EXPECT_EQ(messages, std::deque<Message>{});
   EXPECT_EQ(Status(), CompletedText(4));
-  EXPECT_FALSE(app->DocumentStates[0].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Changed);
   ExpectAnotherProgramReachesTheUnit();
   EXPECT_EQ(UnitsTable(), Frame().ActiveDocument()->Table());
 }
@@ -109,20 +109,20 @@ TEST_F(Uploading, StoresTheOpenEditFirst) {
   QTest::keyClick(Frame().ActiveDocument()->findChild<QLineEdit*>("txtEntry"), 'o');
   Upload(Choice::Overwrite);
   EXPECT_EQ(UnitsNames(), QStringList({"No"}));
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(Uploading, SendsTheTagOfADownloadBack) {
   StartUnit(Rows({"A"}));
   Start({TableFile("mine.sig", Rows({"Mine"}))});
-  EXPECT_EQ(app->Document(1)->UnitTableTag, 0);
+  EXPECT_EQ(app->Registry.Document(1)->UnitTableTag, 0);
   Upload(Choice::Overwrite);
-  EXPECT_EQ(app->Document(1)->UnitTableTag, 100) << "the first upload of a table that came from a file";
-  app->Document(1)->UnitTableTag = 7;
+  EXPECT_EQ(app->Registry.Document(1)->UnitTableTag, 100) << "the first upload of a table that came from a file";
+  app->Registry.Document(1)->UnitTableTag = 7;
   Upload(Choice::Overwrite);
   Download();
-  EXPECT_EQ(app->Document(2)->UnitTableTag, 7);
-  app->DocumentStates[1].Changed = false;
+  EXPECT_EQ(app->Registry.Document(2)->UnitTableTag, 7);
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(Uploading, AFileThatIsLoadedHasNoTag) {
@@ -133,7 +133,7 @@ TEST_F(Uploading, AFileThatIsLoadedHasNoTag) {
   Frame().ActiveDocument()->UnitTableTag = 7;
   AnswerFileDialog(TableFile("mine.sig", Rows({"Mine"})));
   Choose("mnuFileOpen");
-  EXPECT_EQ(app->Document(1)->UnitTableTag, 0);
+  EXPECT_EQ(app->Registry.Document(1)->UnitTableTag, 0);
 }
 
 TEST_F(Uploading, CancelledInTheOptionsStartsNothingAndOpensNoPort) {
@@ -230,13 +230,13 @@ TEST_F(Appending, KeepsTheUnitsStandards) {
   EXPECT_EQ(Captions(), QStringList({mine, "Untitled(Query) 2"}));
   EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
   EXPECT_EQ(ActiveNames(), QStringList({"A", "B", "C"}));
-  EXPECT_EQ(NamesOf(app->Document(1)->Table()), QStringList({"B", "C"}));
+  EXPECT_EQ(NamesOf(app->Registry.Document(1)->Table()), QStringList({"B", "C"}));
   EXPECT_EQ(Status(), CompletedText(3));
   ExpectAnotherProgramReachesTheUnit();
   const SignalStandardTable held = UnitsTable();
   EXPECT_EQ(NamesOf(held), QStringList({"A", "B", "C"}));
   EXPECT_EQ(held.Row(1).State, "2") << "the unit's own";
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(Appending, ReplacesMatchingStandardsWhenAskedTo) {
@@ -247,7 +247,7 @@ TEST_F(Appending, ReplacesMatchingStandardsWhenAskedTo) {
   EXPECT_EQ(NamesOf(held), QStringList({"A", "B", "C"}));
   EXPECT_EQ(held.Row(1).State, "130") << "the document's";
   EXPECT_EQ(ActiveNames(), QStringList({"A", "B", "C"}));
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(Appending, IsTruncatedAt200Records) {
@@ -262,7 +262,7 @@ TEST_F(Appending, IsTruncatedAt200Records) {
                                       QMessageBox::Information}));
   EXPECT_EQ(Status(), CompletedText(200));
   EXPECT_EQ(UnitsTable().Count, 200);
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 // An untouched first document is used again for other downloads; here it is what is to be added.
@@ -272,7 +272,7 @@ TEST_F(Appending, FromAnUntouchedDocumentLeavesItAlone) {
   Upload(Choice::Append);
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled(Query) 2"}));
   EXPECT_EQ(UnitsNames(), QStringList({"A"}));
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 // It is in no file either.
@@ -281,9 +281,9 @@ TEST_F(Appending, MarksTheMergedTableAsChanged) {
   Start({TableFile("mine.sig", Rows({"A"}))});
   Upload(Choice::Append);
   EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
-  EXPECT_TRUE(app->DocumentStates[1].Changed);
-  EXPECT_FALSE(app->DocumentStates[0].Changed);
-  app->DocumentStates[1].Changed = false;
+  EXPECT_TRUE(app->Registry.DocumentStates[1].Changed);
+  EXPECT_FALSE(app->Registry.DocumentStates[0].Changed);
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(Appending, MergesIntoTheDownloadAlthoughAnotherDocumentBecameActive) {
@@ -291,12 +291,12 @@ TEST_F(Appending, MergesIntoTheDownloadAlthoughAnotherDocumentBecameActive) {
   const QString mine = TableFile("mine.sig", Rows({"C"}));
   const QString other = TableFile("other.sig", Rows({"D"}));
   Start({other, mine});
-  During([this] { return IsDownloading(); }, [this] { Frame().ShowDocument(*app->Document(1)); });
+  During([this] { return IsDownloading(); }, [this] { Frame().ShowDocument(*app->Registry.Document(1)); });
   Upload(Choice::Append);
   EXPECT_EQ(interruptions, 1);
-  EXPECT_EQ(NamesOf(app->Document(1)->Table()), QStringList({"D"}));
+  EXPECT_EQ(NamesOf(app->Registry.Document(1)->Table()), QStringList({"D"}));
   EXPECT_EQ(UnitsTable().Count, 41);
-  app->DocumentStates[2].Changed = false;
+  app->Registry.DocumentStates[2].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, ASecondTransferDoesNothing) {
@@ -320,27 +320,32 @@ TEST_F(MeanwhileInATransfer, AnotherDocumentCanBeEdited) {
   Start({other, TableFile("mine.sig", NumberedRows(10))});
   During([this] { return IsUploading(); },
          [this] {
-           Frame().ShowDocument(*app->Document(1));
+           Frame().ShowDocument(*app->Registry.Document(1));
            Press("Add");
          });
   Upload(Choice::Overwrite);
   EXPECT_EQ(interruptions, 1);
-  EXPECT_EQ(app->Document(1)->Table().Count, 2);
+  EXPECT_EQ(app->Registry.Document(1)->Table().Count, 2);
   EXPECT_EQ(UnitsTable().Count, 10);
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, AFileThatIsOpenedGetsAWindowOfItsOwn) {
   StartUnit(NumberedRows(60), {"--baud", "38400"});
   const QString mine = TableFile("mine.sig", Rows({"Mine"}));
   Start();
-  During([this] { return IsDownloading(); }, [this, mine] { OpenTableFile(Frame(), mine); });
+  During([this] { return IsDownloading(); },
+         [this, mine] {
+           OpenTableFile(Frame(), mine);
+           EXPECT_EQ(Frame().cursor().shape(), Qt::WaitCursor) << "the transfer goes on";
+         });
   Download();
   EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(Frame().cursor().shape(), Qt::ArrowCursor);
   EXPECT_EQ(Captions(), QStringList({"Untitled(Query) 1", mine}));
-  EXPECT_EQ(NamesOf(app->Document(2)->Table()), QStringList({"Mine"}));
-  EXPECT_EQ(app->Document(1)->Table().Count, 60);
-  app->DocumentStates[0].Changed = false;
+  EXPECT_EQ(NamesOf(app->Registry.Document(2)->Table()), QStringList({"Mine"}));
+  EXPECT_EQ(app->Registry.Document(1)->Table().Count, 60);
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, APortThatIsChosenIsForTheNextOne) {
@@ -353,7 +358,7 @@ TEST_F(MeanwhileInATransfer, APortThatIsChosenIsForTheNextOne) {
   EXPECT_EQ(port->Numbers, std::vector<int>(port->Numbers.size(), 1));
   EXPECT_EQ(app->Link.CommPort, 2);
   EXPECT_EQ(UnitsTable().Count, 41);
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, TheTableThatArrivesReplacesWhatWasEnteredInItsWindow) {
@@ -362,8 +367,8 @@ TEST_F(MeanwhileInATransfer, TheTableThatArrivesReplacesWhatWasEnteredInItsWindo
   During([this] { return IsDownloading(); }, [this] { Press("Add"); });
   Download();
   EXPECT_EQ(interruptions, 1);
-  EXPECT_EQ(app->Document(1)->Table().Count, 60);
-  app->DocumentStates[0].Changed = false;
+  EXPECT_EQ(app->Registry.Document(1)->Table().Count, 60);
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 // The exchange is being ended: the status bar has its text, and the dialog is gone.
@@ -374,7 +379,7 @@ TEST_F(MeanwhileInATransfer, ClosingTheFrameAtTheEndOfAnAppendsDownloadStopsIt) 
   QObject::connect(&watch, &QTimer::timeout, [this, &watch] {
     if (Progress() == nullptr || Progress()->isVisible() || Status() != CompletedText(2)) return;
     watch.stop();
-    EXPECT_TRUE(app->Transfers.Running);
+    EXPECT_TRUE(Frame().Transferring());
     Frame().close();
   });
   watch.start(0);
@@ -383,7 +388,7 @@ TEST_F(MeanwhileInATransfer, ClosingTheFrameAtTheEndOfAnAppendsDownloadStopsIt) 
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_FALSE(UnitGotATable());
   EXPECT_TRUE(Frame().isVisible());
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, AnEditOfItsDocumentIsForTheNextUpload) {
@@ -394,8 +399,8 @@ TEST_F(MeanwhileInATransfer, AnEditOfItsDocumentIsForTheNextUpload) {
   EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(Status(), CompletedText(10));
   EXPECT_EQ(UnitsTable().Count, 10);
-  EXPECT_EQ(app->Document(1)->Table().Count, 11);
-  app->DocumentStates[0].Changed = false;
+  EXPECT_EQ(app->Registry.Document(1)->Table().Count, 11);
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, ClosingItsDocumentAsksForTheAbortAndIsRefused) {
@@ -420,21 +425,21 @@ TEST_F(MeanwhileInATransfer, ClosingTheSourceOfAnAppendStopsItBeforeTheUpload) {
   StartUnit(NumberedRows(40), {"--baud", "19200"});
   const QString mine = TableFile("mine.sig", Rows({"C"}));
   Start({mine});
-  During([this] { return IsDownloading(); }, [this] { app->Document(1)->close(); });
+  During([this] { return IsDownloading(); }, [this] { app->Registry.Document(1)->close(); });
   Upload(Choice::Append);
   EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(Captions(), QStringList({mine, "Untitled(Query) 2"}));
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_FALSE(UnitGotATable());
   ExpectAnotherProgramReachesTheUnit();
-  app->DocumentStates[1].Changed = false;
+  app->Registry.DocumentStates[1].Changed = false;
 }
 
 TEST_F(MeanwhileInATransfer, AnotherDocumentCanBeClosed) {
   StartUnit();
   const QString mine = TableFile("mine.sig", NumberedRows(10));
   Start({TableFile("other.sig", Rows({"Other"})), mine});
-  During([this] { return IsUploading(); }, [this] { app->Document(1)->close(); });
+  During([this] { return IsUploading(); }, [this] { app->Registry.Document(1)->close(); });
   Upload(Choice::Overwrite);
   EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(Captions(), QStringList({mine}));
@@ -463,7 +468,7 @@ TEST_F(MeanwhileInATransfer, ClosingTheFrameWhileConnectingStopsTheCommand) {
   patience = 10s;
   Start({TableFile("mine.sig", NumberedRows(10))});
   QTimer::singleShot(300, [this] {
-    EXPECT_TRUE(app->Transfers.Running);
+    EXPECT_TRUE(Frame().Transferring());
     Frame().close();
     EXPECT_TRUE(Frame().isVisible());
   });
@@ -505,5 +510,5 @@ TEST_F(MeanwhileInATransfer, OtherDialogsMayComeAndGo) {
   Download();
   EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(Status(), CompletedText(60));
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }

@@ -144,7 +144,7 @@ TEST_F(Pane, KeyForTheWarningsGoesBackToWhereTheUserWas) {
 
 TEST_F(Pane, ShowsTheTextOfTheDocumentThatBecameActiveInTheMiddleOfAnEdit) {
   Start({Table("a.sig"), Table("b.sig")});
-  Frame().ShowDocument(*app->Document(1));
+  Frame().ShowDocument(*app->Registry.Document(1));
   QTableWidget* details = Frame().ActiveDocument()->findChild<QTableWidget*>("GridDetails");
   details->setFocus();
   details->setCurrentCell(4, 1);
@@ -152,11 +152,11 @@ TEST_F(Pane, ShowsTheTextOfTheDocumentThatBecameActiveInTheMiddleOfAnEdit) {
   Key(Qt::Key_9);
   Key(Qt::Key_9);
   Key(Qt::Key_9);
-  Frame().ShowDocument(*app->Document(2));
+  Frame().ShowDocument(*app->Registry.Document(2));
   EXPECT_EQ(Lines(), QStringList());
-  Frame().ShowDocument(*app->Document(1));
+  Frame().ShowDocument(*app->Registry.Document(1));
   EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(Pane, LineWithoutATabOnlyShowsThePosition) {
@@ -169,7 +169,7 @@ TEST_F(Pane, LineWithoutATabOnlyShowsThePosition) {
 
 TEST_F(Pane, ClickWithoutADocumentDoesNoHarm) {
   Start();
-  app->Document(1)->close();
+  app->Registry.Document(1)->close();
   Frame().Warnings(Five(), -1);
   ClickLine(0);
   EXPECT_EQ(StatusPanel2(), " 1 of 5 warnings.");
@@ -194,14 +194,14 @@ TEST_F(Pane, TableWithWarningsShowsOneLineMoreThanItHas) {
 TEST_F(Pane, ShowsTheActiveDocumentsWarnings) {
   StartWithStandIns();
   Choose("mnuFileNew");
-  dynamic_cast<StandInDocument&>(*app->Document(1)).Text = "one";
-  dynamic_cast<StandInDocument&>(*app->Document(2)).Text = "two\r\n";
-  Frame().ShowDocument(*app->Document(1));
+  dynamic_cast<StandInDocument&>(*app->Registry.Document(1)).Text = "one";
+  dynamic_cast<StandInDocument&>(*app->Registry.Document(2)).Text = "two\r\n";
+  Frame().ShowDocument(*app->Registry.Document(1));
   EXPECT_EQ(Lines(), QStringList({"one"}));
-  Frame().ShowDocument(*app->Document(2));
+  Frame().ShowDocument(*app->Registry.Document(2));
   EXPECT_EQ(Lines(), QStringList({"two", ""}));
   ClickLine(0);
-  Frame().ShowDocument(*app->Document(2));
+  Frame().ShowDocument(*app->Registry.Document(2));
   EXPECT_EQ(StatusPanel2(), " 1 of 2 warnings.") << "activating the same document again changes nothing";
 
   Choose("mnuFileClose");
@@ -216,7 +216,7 @@ TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
   Choose("mnuFileNew");
   StandIn().Text = "two";
   Frame().Warnings("two", -1);
-  app->Document(1)->close();
+  app->Registry.Document(1)->close();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(Lines(), QStringList({"two"}));
 }
@@ -224,15 +224,15 @@ TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherCloses) {
 TEST_F(Pane, KeepsTheActiveDocumentsWarningsWhenAnotherIsValidated) {
   WriteFile(folder / "doubtful.sig", "header\r\n2\t1\tDCS\t9850\t1805.2\t512\t885\t0.2\t0.2\t1\r\n");
   Start({InFolder("doubtful.sig"), Table("b.sig")});
-  app->Document(1)->CommitEdit();
+  app->Registry.Document(1)->CommitEdit();
   EXPECT_EQ(Lines(), QStringList());
-  app->DocumentStates[0].Changed = true;
+  app->Registry.DocumentStates[0].Changed = true;
   AnswerMessage(QMessageBox::Cancel);
-  EXPECT_FALSE(app->Document(1)->close());
+  EXPECT_FALSE(app->Registry.Document(1)->close());
   EXPECT_EQ(Lines(), QStringList());
-  Frame().ShowDocument(*app->Document(1));
+  Frame().ShowDocument(*app->Registry.Document(1));
   EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
-  app->DocumentStates[0].Changed = false;
+  app->Registry.DocumentStates[0].Changed = false;
 }
 
 TEST_F(Pane, FieldsStandAtTheTabStops) {

@@ -5,7 +5,9 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,11 +25,12 @@ struct Folder {
 const std::vector<Folder> Folders = {
     {"core", {}, {}},
     {"unit", {"core"}, {"qt_serial_port.h", "qt_serial_port.cpp"}},
+    {"settings", {"unit"}, {"*"}},
     {"report", {"core"}, {"pdf_listing.cpp", "qt_print_surface.h", "qt_print_surface.cpp"}},
     {"simulator", {"core", "unit"}, {}},
-    {"console", {"core", "unit", "report"}, {"qt_application.h", "qt_application.cpp"}},
+    {"console", {"core", "unit", "report", "settings"}, {"qt_application.h", "qt_application.cpp"}},
     {"editor", {"core", "report"}, {"*"}},
-    {"app", {"core", "unit", "report", "editor"}, {"*"}},
+    {"app", {"core", "unit", "report", "settings", "editor"}, {"*"}},
 };
 
 struct Include {
@@ -54,6 +57,27 @@ std::vector<fs::path> SourcesOf(const Folder& folder) {
 
 bool Contains(const std::vector<std::string_view>& list, std::string_view item) {
   return std::ranges::find(list, item) != list.end();
+}
+
+// The header and the files that implement it are one part: frm_main.h, frm_main.cpp, frm_main_menus.cpp.
+std::string PartOf(const fs::path& source, const fs::path& folder) {
+  std::string part = source.stem().string();
+  while (!fs::exists(folder / (part + ".h")) && part.find('_') != std::string::npos) part.erase(part.rfind('_'));
+  return fs::exists(folder / (part + ".h")) ? part : source.stem().string();
+}
+
+// The parts of a folder, each with the other parts of the same folder that it includes.
+std::map<std::string, std::set<std::string>> PartsOf(const Folder& folder) {
+  const fs::path path = fs::path(CHANPLAN_SOURCE_DIR) / folder.Name;
+  std::map<std::string, std::set<std::string>> parts;
+  for (const fs::path& source : SourcesOf(folder)) {
+    const std::string part = PartOf(source, path);
+    std::set<std::string>& included = parts[part];
+    for (const Include& include : IncludesOf(source))
+      if (include.Quoted && *fs::path(include.Path).begin() == folder.Name)
+        if (const std::string other = PartOf(include.Path, path); other != part) included.insert(other);
+  }
+  return parts;
 }
 
 }  // namespace
@@ -84,6 +108,20 @@ TEST(Includes, PlatformLibraryOnlyWhereItIsNeeded) {
             << source << " includes " << include.Path;
       }
   EXPECT_GT(found, 0) << "the pattern that finds the includes no longer matches";
+}
+
+TEST(Includes, GoDownwardsWithinAFolderToo) {
+  for (const Folder& folder : Folders) {
+    auto parts = PartsOf(folder);
+    const auto standsOnNothing = [](const auto& part) { return part.second.empty(); };
+    for (auto lowest = parts.begin(); (lowest = std::ranges::find_if(parts, standsOnNothing)) != parts.end();) {
+      const std::string name = lowest->first;
+      parts.erase(lowest);
+      for (auto& [part, included] : parts) included.erase(name);
+    }
+    for (const auto& [part, included] : parts)
+      ADD_FAILURE() << folder.Name << '/' << part << " is in a circle, or above one, with " << *included.begin();
+  }
 }
 
 TEST(Includes, EveryFolderHasAReadme) {

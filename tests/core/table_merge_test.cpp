@@ -13,7 +13,7 @@ namespace {
 using testing::NamedRow;
 using testing::RowNames;
 using testing::TableOf;
-using testing::TableOfNames;
+using TableOfNames;
 
 using Names = std::vector<std::string>;
 
@@ -174,6 +174,14 @@ TEST(MergeTables, StopsInTheMiddleOfAGroupThatTakesThePlaceOfAnother) {
 TEST(MergeTruncatedText, HasItsExactText) {
   EXPECT_EQ(MergeTruncatedText,
             "There were too many records to merge tables.\r\nThe Merged table has been truncated at 200 records.");
+}
+
+// What is added behind a group that a full table cut short would become its sub-bands.
+TEST(MergeWholeGroups, RowsThatFollowACutGroupStayStandards) {
+  const auto base = TableOf({NamedRow("A"), NamedRow("B", 3), NamedRow("B(A)")});
+  const auto source = TableOf({NamedRow("C"), NamedRow("A", 4), NamedRow("A(A)")});
+  for (const bool replace : {false, true})
+    EXPECT_EQ(ListNames(MergeWholeGroups(base, source, replace).Table), (std::vector<std::string>{"A", "B", "C"}));
 }
 
 }  // namespace

@@ -19,24 +19,24 @@ using Texts = std::vector<std::string>;
 
 constexpr char SendTable = 'O';
 
-// A download over an open link into a document that holds something already.
+// A download over an open link into a table that has rows already.
 struct Download : HandDrivenLink {
-  UnitTable Document{TableOf({NamedRow("before"), NamedRow("before too")}), 4711};
+  UnitTable Held{TableOf({NamedRow("before"), NamedRow("before too")}), 4711};
   RecordedProgress Progress;
-  const UnitTable Before = Document;
+  const UnitTable Before = Held;
 
   LinkResult Run(std::vector<DelayedBytes> replies) {
     Open();
     Port.Script = AnswerTo(SendTable, std::move(replies));
-    return Query_Chanplans(Link, Document, Progress);
+    return Query_Chanplans(Link, Held, Progress);
   }
   // Since the command was sent.
   std::chrono::nanoseconds Lasted() const { return Clock.Time - Port.Sent.at(0).Time; }
 };
 
 void ExpectUnchanged(const Download& download) {
-  EXPECT_EQ(download.Document.Table, download.Before.Table);
-  EXPECT_EQ(download.Document.UnitTableTag, download.Before.UnitTableTag);
+  EXPECT_EQ(download.Held.Table, download.Before.Table);
+  EXPECT_EQ(download.Held.UnitTableTag, download.Before.UnitTableTag);
 }
 
 TEST(Query_Chanplans, ReplacesTheTableByThatOfTheUnit) {
@@ -48,9 +48,9 @@ TEST(Query_Chanplans, ReplacesTheTableByThatOfTheUnit) {
           {{TableHeader(0x1234, 2) + RecordBytes(2, 0, "GSM 900", gsm) + RecordBytes(0x81, 0, "CDMA 800", cdma), 5}}),
       LinkTrue);
   EXPECT_EQ(download.Port.SentBytes(), "\x4F");
-  EXPECT_EQ(download.Document.UnitTableTag, 0x1234);
-  EXPECT_EQ(download.Document.Table, TableOf({{"2", 0, "GSM 900", 880.2, 925.2, 975, 1023, 0.2, 0.2, 1},
-                                              {"129", 0, "CDMA 800", 825.03, 870.03, 1, 799, 1.23, 0.03, 2}}));
+  EXPECT_EQ(download.Held.UnitTableTag, 0x1234);
+  EXPECT_EQ(download.Held.Table, TableOf({{"2", 0, "GSM 900", 880.2, 925.2, 975, 1023, 0.2, 0.2, 1},
+                                          {"129", 0, "CDMA 800", 825.03, 870.03, 1, 799, 1.23, 0.03, 2}}));
 }
 
 TEST(Query_Chanplans, ReadsFrequenciesInHertz) {
@@ -58,14 +58,14 @@ TEST(Query_Chanplans, ReadsFrequenciesInHertz) {
   std::string record(48, '\0');
   record.replace(26, 4, Bytes({0x35, 0xA4, 0xE9, 0x00}));
   EXPECT_EQ(download.Run({{TableHeader(1, 1) + record, 5}}), LinkTrue);
-  EXPECT_EQ(download.Document.Table.Row(0).UplinkStartFreq, 900);
+  EXPECT_EQ(download.Held.Table.Row(0).UplinkStartFreq, 900);
 }
 
 TEST(Query_Chanplans, TakesAHeaderWithoutRecordsForAnEmptyTableAtOnce) {
   Download download;
   EXPECT_EQ(download.Run({{TableHeader(9, 0), 5}}), LinkTrue);
-  EXPECT_EQ(download.Document.Table.Count, 0);
-  EXPECT_EQ(download.Document.UnitTableTag, 9);
+  EXPECT_EQ(download.Held.Table.Count, 0);
+  EXPECT_EQ(download.Held.UnitTableTag, 9);
   EXPECT_LT(download.Lasted(), 10ms);
 }
 
@@ -89,7 +89,7 @@ TEST(Query_Chanplans, EndsTheListAtItsMark) {
     SCOPED_TRACE(list.Description);
     Download download;
     EXPECT_EQ(download.Run({{TableHeader(1, list.Announced) + list.Records, 5}}), LinkTrue);
-    EXPECT_EQ(download.Document.Table.Count, list.Count);
+    EXPECT_EQ(download.Held.Table.Count, list.Count);
   }
 }
 
@@ -118,9 +118,9 @@ TEST(Query_Chanplans, NamesSubbandsAsTheirStandard) {
     for (const auto& [subbands, name] : names.Records) reply += RecordBytes(0, subbands, name);
     Download download;
     EXPECT_EQ(download.Run({{reply, 5}}), LinkTrue);
-    EXPECT_EQ(RowNames(download.Document.Table), names.Read);
-    for (int index = 0; index < download.Document.Table.Count; ++index)
-      EXPECT_EQ(download.Document.Table.Row(index).Subbands, names.Records[static_cast<std::size_t>(index)].first);
+    EXPECT_EQ(RowNames(download.Held.Table), names.Read);
+    for (int index = 0; index < download.Held.Table.Count; ++index)
+      EXPECT_EQ(download.Held.Table.Row(index).Subbands, names.Records[static_cast<std::size_t>(index)].first);
   }
 }
 
@@ -139,7 +139,7 @@ TEST(Query_Chanplans, ReadsNamesFromTheirFixedField) {
   for (const Case& name : cases) {
     Download download;
     EXPECT_EQ(download.Run({{TableHeader(1, 1) + RecordBytes(0, 0, name.Field), 5}}), LinkTrue);
-    EXPECT_EQ(download.Document.Table.Row(0).Name, name.Name);
+    EXPECT_EQ(download.Held.Table.Row(0).Name, name.Name);
   }
 }
 
@@ -148,8 +148,8 @@ TEST(Query_Chanplans, TakesAFullTable) {
   for (int index = 0; index < 200; ++index) reply += RecordBytes(1, 0, std::to_string(index));
   Download download;
   EXPECT_EQ(download.Run({{reply, 5}}), LinkTrue);
-  EXPECT_EQ(download.Document.Table.Count, 200);
-  EXPECT_EQ(download.Document.Table.Row(199).Name, "199");
+  EXPECT_EQ(download.Held.Table.Count, 200);
+  EXPECT_EQ(download.Held.Table.Row(199).Name, "199");
 }
 
 TEST(Query_Chanplans, KeepsTheFirst200OfMoreRecordsAndSaysSo) {
@@ -159,10 +159,10 @@ TEST(Query_Chanplans, KeepsTheFirst200OfMoreRecordsAndSaysSo) {
     for (int index = 0; index < announced; ++index) reply += RecordBytes(1, 0, std::to_string(index));
     Download download;
     EXPECT_EQ(download.Run({{reply, 5}}), LinkFalse);
-    EXPECT_EQ(download.Document.Table.Count, 200);
-    EXPECT_EQ(download.Document.Table.Row(0).Name, "0");
-    EXPECT_EQ(download.Document.Table.Row(199).Name, "199");
-    EXPECT_EQ(download.Document.UnitTableTag, 77);
+    EXPECT_EQ(download.Held.Table.Count, 200);
+    EXPECT_EQ(download.Held.Table.Row(0).Name, "0");
+    EXPECT_EQ(download.Held.Table.Row(199).Name, "199");
+    EXPECT_EQ(download.Held.UnitTableTag, 77);
   }
 }
 
@@ -171,7 +171,7 @@ TEST(Query_Chanplans, IsCompleteWhenTheListEndsBehindRecord200) {
   for (int index = 0; index < 202; ++index) reply += RecordBytes(index == 200 ? 0xFF : 1, 0, "GSM");
   Download download;
   EXPECT_EQ(download.Run({{reply, 5}}), LinkTrue);
-  EXPECT_EQ(download.Document.Table.Count, 200);
+  EXPECT_EQ(download.Held.Table.Count, 200);
 }
 
 TEST(Query_Chanplans, WaitsForTheLastByteOfTheLastRecord) {
@@ -182,8 +182,8 @@ TEST(Query_Chanplans, WaitsForTheLastByteOfTheLastRecord) {
     const std::size_t first = reply.size() - missing;
     Download download;
     EXPECT_EQ(download.Run({{reply.substr(0, first), 5}, {reply.substr(first), 2000}}), LinkTrue);
-    EXPECT_EQ(download.Document.Table.Count, 2);
-    EXPECT_EQ(download.Document.Table.Row(1).Step, 0x0102);
+    EXPECT_EQ(download.Held.Table.Count, 2);
+    EXPECT_EQ(download.Held.Table.Row(1).Step, 0x0102);
   }
 }
 
@@ -197,16 +197,16 @@ TEST(Query_Chanplans, PutsTheReplyTogetherFromPiecesOfAnySize) {
       pieces.push_back({reply.substr(begin, piece), 10 + static_cast<int>(begin)});
     Download download;
     EXPECT_EQ(download.Run(pieces), LinkTrue);
-    EXPECT_EQ(RowNames(download.Document.Table), (Names{"A", "A", "B"}));
-    EXPECT_EQ(download.Document.Table.Row(2).UplinkStartFreq, 900);
-    EXPECT_EQ(download.Document.UnitTableTag, 0x0101);
+    EXPECT_EQ(RowNames(download.Held.Table), (Names{"A", "A", "B"}));
+    EXPECT_EQ(download.Held.Table.Row(2).UplinkStartFreq, 900);
+    EXPECT_EQ(download.Held.UnitTableTag, 0x0101);
   }
 }
 
 TEST(Query_Chanplans, LeavesOutWhatFollowsTheAnnouncedRecords) {
   Download download;
   EXPECT_EQ(download.Run({{TableHeader(1, 1) + RecordBytes(1, 0, "A") + RecordBytes(1, 0, "B"), 5}}), LinkTrue);
-  EXPECT_EQ(RowNames(download.Document.Table), Names{"A"});
+  EXPECT_EQ(RowNames(download.Held.Table), Names{"A"});
 }
 
 TEST(Query_Chanplans, IsNotAnsweredByWhatWaitedBefore) {
@@ -214,11 +214,11 @@ TEST(Query_Chanplans, IsNotAnsweredByWhatWaitedBefore) {
   download.Open();
   download.Port.Arrive(TableHeader(1, 1) + RecordBytes(1, 0, "stale"));
   download.Port.Script = AnswerTo(SendTable, {{TableHeader(2, 1) + RecordBytes(1, 0, "fresh"), 5}});
-  EXPECT_EQ(Query_Chanplans(download.Link, download.Document, download.Progress), LinkTrue);
-  EXPECT_EQ(RowNames(download.Document.Table), Names{"fresh"});
+  EXPECT_EQ(Query_Chanplans(download.Link, download.Held, download.Progress), LinkTrue);
+  EXPECT_EQ(RowNames(download.Held.Table), Names{"fresh"});
 }
 
-TEST(Query_Chanplans, LeavesTheDocumentAsItWasWhenTheReplyIsNotCompleteInTime) {
+TEST(Query_Chanplans, LeavesTheTableAsItWasWhenTheReplyIsNotCompleteInTime) {
   const std::string reply = TableHeader(1, 2) + RecordBytes(1, 0, "A") + RecordBytes(1, 0, "B");
   for (const std::size_t arrived : {0u, 1u, 3u, 4u, 5u, 52u, 97u, 99u}) {
     SCOPED_TRACE(arrived);
@@ -258,8 +258,8 @@ TEST(Query_Chanplans, KeepsACompleteReplyWhenThePortBreaksBehindIt) {
     download.Port.BreaksAt = download.Clock.Time + 5ms;
     return std::vector<DelayedBytes>{{TableHeader(1, 1) + RecordBytes(1, 0, "A"), 5}};
   };
-  EXPECT_EQ(Query_Chanplans(download.Link, download.Document, download.Progress), LinkTrue);
-  EXPECT_EQ(RowNames(download.Document.Table), Names{"A"});
+  EXPECT_EQ(Query_Chanplans(download.Link, download.Held, download.Progress), LinkTrue);
+  EXPECT_EQ(RowNames(download.Held.Table), Names{"A"});
 }
 
 TEST(Query_Chanplans, ShowsHowManyOfTheBytesAreIn) {

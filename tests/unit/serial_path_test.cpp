@@ -18,6 +18,7 @@
 #include "unit/qt_serial_port.h"
 #include "unit/transfer.h"
 #include "unit/unit_connection.h"
+#include "unit/wire_encoding.h"
 
 namespace chanplan::testing {
 namespace {
@@ -121,13 +122,11 @@ TEST_F(SerialPath, RandomTablesSurviveUploadAndDownload) {
   UnitLink fast(port, Timing(100));
   for (int round = 0; round < 12; ++round) {
     const SignalStandardTable table = RandomTable(random, {.FitsTheWire = true});
-    UnitTable sent{table, 7};
-    const TransferOutcome upload = RunTransfer(fast, TransferDirection::Upload, sent, progress, [] { return false; });
+    const TransferOutcome upload = RunUpload(fast, EncodeTable(table, 7), progress, [] { return false; });
     ASSERT_EQ(upload.Result, LinkTrue) << upload.Message;
     ASSERT_EQ(FinishTransfer(fast, upload), LinkAck);
     UnitTable held;
-    const TransferOutcome download =
-        RunTransfer(fast, TransferDirection::Download, held, progress, [] { return false; });
+    const TransferOutcome download = RunDownload(fast, held, progress, [] { return false; });
     ASSERT_EQ(download.Result, LinkTrue) << download.Message;
     ASSERT_EQ(FinishTransfer(fast, download), LinkAck);
     ASSERT_EQ(held.Table, table) << "round " << round;
@@ -147,8 +146,8 @@ TEST_F(SerialPath, PulledCableEndsAWaitEarlyAndIsNamed) {
 }
 
 TEST_F(SerialPath, CableThatIsPulledWhileUploadingStopsTheUpload) {
-  UnitTable document;
-  for (int index = 0; index < MaxRecords; ++index) document.Table.Append({"0", 0, "Standard"});
+  SignalStandardTable table;
+  for (int index = 0; index < MaxRecords; ++index) table.Append({"0", 0, "Standard"});
   struct PullCable : TransferProgress {
     explicit PullCable(std::optional<PseudoTerminal>& line) : terminal(line) {}
     void SetValue(int value) override {
@@ -159,7 +158,7 @@ TEST_F(SerialPath, CableThatIsPulledWhileUploadingStopsTheUpload) {
     int last = 0;
   } cable(terminal);
   ASSERT_EQ(link.OpenCommPort(1), 1);
-  EXPECT_EQ(UploadChanplans(link, document, cable), LinkFalse);
+  EXPECT_EQ(UploadChanplans(link, EncodeTable(table, 7), cable), LinkFalse);
   EXPECT_LT(cable.last, 1000);
   link.CloseCommPort();
 }
@@ -222,18 +221,13 @@ TEST(SerialPort, OtherSettingsThanEightBitsWithoutParityAreRefused) {
   EXPECT_THROW(port.SetSettings("fast,N,8,1"), PortError);
 }
 
-TEST(CommDevice, NumbersStandForTheUsualDevicesUnlessASettingNamesAnother) {
-  const TempFolder folder;
-  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
-  EXPECT_EQ(CommDevice(4), "/dev/ttyS3");
-  EXPECT_EQ(CommDevice(5), "/dev/ttyUSB0");
-  EXPECT_EQ(CommDevice(6), "/dev/ttyUSB1");
-  EXPECT_EQ(CommDevice(7), "");
-  WriteFile(folder / "Chanplans.ini", "[Settings]\nCommDevice2=/dev/ttyACM0\n");
-  EXPECT_EQ(CommDevice(2), "/dev/ttyACM0");
-  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
-  unsetenv("XDG_CONFIG_HOME");
+TEST(SerialPort, NumbersStandForTheDevicesItIsGiven) {
+  QtSerialPort port([](int number) { return number == 2 ? "/dev/no-such-port" : ""; });
+  UnitLink link(port, SystemTiming());
+  EXPECT_EQ(link.OpenCommPort(2), 0);
+  EXPECT_EQ(std::string(link.PortFailure()->what()).find("there is no port /dev/no-such-port"), 0u);
+  EXPECT_EQ(link.OpenCommPort(7), 0);
+  EXPECT_STREQ(link.PortFailure()->what(), "there is no port 7: ports are numbered 1 to 6");
 }
 
 }  // namespace

@@ -17,13 +17,13 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// An upload of `Document` over an open link.
+// An upload of `Sent` over an open link.
 struct Upload : HandDrivenLink {
-  UnitTable Document;
+  UnitTable Sent;
   RecordedProgress Progress;
 
-  explicit Upload(const std::vector<SignalStandardRecord>& rows = {}) : Document{TableOf(rows), 7} { Open(); }
-  LinkResult Run() { return UploadChanplans(Link, Document, Progress); }
+  explicit Upload(const std::vector<SignalStandardRecord>& rows = {}) : Sent{TableOf(rows), 7} { Open(); }
+  LinkResult Run() { return UploadChanplans(Link, EncodeTable(Sent.Table, UploadTag(Sent.UnitTableTag)), Progress); }
   // What is sent behind the command and the header.
   std::string Records() const { return Port.SentBytes().substr(1 + 4); }
 };
@@ -32,14 +32,13 @@ TEST(UploadChanplans, SendsTheCommandTheHeaderAndTheRecords) {
   Upload upload({{"2", 1, "GSM 900", 880.2, 925.2, 975, 1023, 0.2, 0.2, 1},
                  {"0", 0, "GSM 900(A)", 890, 935, 0, 124, 0.2, 0.2, 1},
                  {"129", 0, "CDMA 800", 825.03, 870.03, 1, 799, 1.23, 0.03, 2}});
-  upload.Document.UnitTableTag = 0xABCD;
+  upload.Sent.UnitTableTag = 0xABCD;
   EXPECT_EQ(upload.Run(), LinkTrue);
   EXPECT_EQ(upload.Port.SentBytes(),
             Bytes({0x4E, 0xAB, 0xCD, 0x00, 0x03}) +
                 RecordBytes(2, 1, "GSM 900", {880200000, 925200000, 975, 1023, 200000, 200000, 1}) +
                 RecordBytes(0, 0, "GSM 900(A)", {890000000, 935000000, 0, 124, 200000, 200000, 1}) +
                 RecordBytes(0x81, 0, "CDMA 800", {825030000, 870030000, 1, 799, 1230000, 30000, 2}));
-  EXPECT_EQ(upload.Document.UnitTableTag, 0xABCD);
 }
 
 TEST(UploadChanplans, OfAnEmptyTableSendsTheHeaderOnly) {
@@ -50,19 +49,22 @@ TEST(UploadChanplans, OfAnEmptyTableSendsTheHeaderOnly) {
 
 TEST(UploadChanplans, GivesATableThatNeverCameFromAUnitTheTag100) {
   Upload upload({NamedRow("GSM")});
-  upload.Document.UnitTableTag = 0;
+  upload.Sent.UnitTableTag = 0;
   EXPECT_EQ(upload.Run(), LinkTrue);
   EXPECT_EQ(upload.Port.SentBytes().substr(1, 2), Bytes({0x00, 0x64}));
-  EXPECT_EQ(upload.Document.UnitTableTag, 100);
+}
+
+TEST(UploadTag, Is100ForATableThatNeverCameFromAUnitAndItsOwnForOthers) {
+  EXPECT_EQ(UploadTag(0), 100);
+  for (const std::uint16_t tag : std::initializer_list<std::uint16_t>{1, 100, 0xFFFF}) EXPECT_EQ(UploadTag(tag), tag);
 }
 
 TEST(UploadChanplans, SendsTheTagThatADownloadBrought) {
   for (const std::uint16_t tag : std::initializer_list<std::uint16_t>{1, 100, 0x1234, 0xFFFF}) {
     Upload upload;
-    upload.Document.UnitTableTag = tag;
+    upload.Sent.UnitTableTag = tag;
     EXPECT_EQ(upload.Run(), LinkTrue);
     EXPECT_EQ(upload.Port.SentBytes().substr(1, 2), Bytes({tag >> 8, tag & 255}));
-    EXPECT_EQ(upload.Document.UnitTableTag, tag);
   }
 }
 
@@ -149,7 +151,7 @@ TEST(UploadChanplans, EndsWithTheLastRecordOfAFullTable) {
 
 TEST(UploadChanplans, SendsNothingBehindTheTableOfADamagedStandard) {
   Upload upload({NamedRow("its sub-bands are gone", 100)});
-  upload.Document.Table.Row(1).Name = "of an earlier table";
+  upload.Sent.Table.Row(1).Name = "of an earlier table";
   EXPECT_EQ(upload.Run(), LinkTrue);
   EXPECT_EQ(upload.Records().size(), 48u);
 }
@@ -202,17 +204,15 @@ TEST(UploadChanplans, SendsNothingWhenAValueDoesNotFit) {
   for (const MisfitCase& misfit : MisfitCases) {
     SCOPED_TRACE(misfit.Description);
     Upload upload({NamedRow("A"), NamedRow("B"), NamedRow("C")});
-    upload.Document.UnitTableTag = 0;
-    misfit.Set(upload.Document.Table.Row(2));
+    misfit.Set(upload.Sent.Table.Row(2));
     EXPECT_THROW(upload.Run(), WireMisfit);
     EXPECT_EQ(upload.Port.SentBytes(), "");
-    EXPECT_EQ(upload.Document.UnitTableTag, 0);
   }
 }
 
 TEST(UploadChanplans, SendsNothingOfMoreThan200Rows) {
   Upload upload;
-  upload.Document.Table.Count = 201;
+  upload.Sent.Table.Count = 201;
   EXPECT_THROW(upload.Run(), std::out_of_range);
   EXPECT_EQ(upload.Port.SentBytes(), "");
 }

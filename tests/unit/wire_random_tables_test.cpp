@@ -36,11 +36,11 @@ SignalStandardTable Decoded(std::string_view records) {
   return table;
 }
 
-// A unit, and a document that goes to it and comes back. The clock takes wide steps, as nothing
+// A unit, and a table that goes to it and comes back. The clock takes wide steps, as nothing
 // here is about time.
 struct Exchange : HandDrivenLink {
   FakeUnit Unit;
-  UnitTable Document;
+  UnitTable Held;
   TransferProgress Progress;
 
   Exchange() {
@@ -48,8 +48,11 @@ struct Exchange : HandDrivenLink {
     Port.Script = Unit.Script();
     Open();
   }
-  LinkResult Upload() { return UploadChanplans(Link, Document, Progress); }
-  LinkResult Download() { return Query_Chanplans(Link, Document, Progress); }
+  LinkResult Upload() {
+    Held.UnitTableTag = UploadTag(Held.UnitTableTag);
+    return UploadChanplans(Link, EncodeTable(Held.Table, Held.UnitTableTag), Progress);
+  }
+  LinkResult Download() { return Query_Chanplans(Link, Held, Progress); }
 };
 
 TEST(RandomTables, AreTheSameEncodedAndDecoded) {
@@ -77,28 +80,28 @@ TEST(RandomTables, AreTheSameBytesDecodedAndEncoded) {
 TEST(RandomTables, AreTheSameUploadedAndDownloaded) {
   ForSeeds(150, [](std::mt19937& random) {
     Exchange exchange;
-    exchange.Document.Table = RandomTable(random, ShortWire);
-    exchange.Document.UnitTableTag = static_cast<std::uint16_t>(Between(random, 1, 65535));
-    const UnitTable sent = exchange.Document;
+    exchange.Held.Table = RandomTable(random, ShortWire);
+    exchange.Held.UnitTableTag = static_cast<std::uint16_t>(Between(random, 1, 65535));
+    const UnitTable sent = exchange.Held;
     ASSERT_EQ(exchange.Upload(), LinkTrue);
-    exchange.Document = {};
+    exchange.Held = {};
     ASSERT_EQ(exchange.Download(), LinkTrue);
-    EXPECT_EQ(exchange.Document.Table, sent.Table);
-    EXPECT_EQ(exchange.Document.UnitTableTag, sent.UnitTableTag);
+    EXPECT_EQ(exchange.Held.Table, sent.Table);
+    EXPECT_EQ(exchange.Held.UnitTableTag, sent.UnitTableTag);
   });
 }
 
 TEST(RandomTables, StayTheSameOverManyRounds) {
   ForSeeds(20, [](std::mt19937& random) {
     Exchange exchange;
-    exchange.Document.Table = RandomTable(random, ShortWire);
+    exchange.Held.Table = RandomTable(random, ShortWire);
     ASSERT_EQ(exchange.Upload(), LinkTrue);
-    const UnitTable first = exchange.Document;
+    const UnitTable first = exchange.Held;
     const std::string bytes = exchange.Unit.TableBytes;
     for (int round = 0; round < 5; ++round) {
       ASSERT_EQ(exchange.Download(), LinkTrue);
       ASSERT_EQ(exchange.Upload(), LinkTrue);
-      EXPECT_EQ(exchange.Document.Table, first.Table);
+      EXPECT_EQ(exchange.Held.Table, first.Table);
       EXPECT_EQ(exchange.Unit.TableBytes, bytes);
     }
     EXPECT_EQ(exchange.Unit.TablesReceived, 6);
@@ -119,13 +122,13 @@ TEST(RandomReplies, OnceDownloadedStayTheSame) {
     exchange.Unit.TableBytes = reply;
 
     const LinkResult result = exchange.Download();
-    ASSERT_TRUE(result == LinkTrue || (result == LinkFalse && records > 200 && exchange.Document.Table.Count == 200));
-    const UnitTable first = exchange.Document;
+    ASSERT_TRUE(result == LinkTrue || (result == LinkFalse && records > 200 && exchange.Held.Table.Count == 200));
+    const UnitTable first = exchange.Held;
     for (int round = 0; round < 2; ++round) {
       ASSERT_EQ(exchange.Upload(), LinkTrue);
       ASSERT_EQ(exchange.Download(), LinkTrue);
-      EXPECT_EQ(exchange.Document.Table, first.Table);
-      EXPECT_EQ(exchange.Document.UnitTableTag, first.UnitTableTag);
+      EXPECT_EQ(exchange.Held.Table, first.Table);
+      EXPECT_EQ(exchange.Held.UnitTableTag, first.UnitTableTag);
     }
   });
 }
@@ -136,11 +139,11 @@ TEST(RandomTables, AreSentWholeOrNotAtAll) {
   int refusedTables = 0;
   ForSeeds(500, [&](std::mt19937& random) {
     Exchange exchange;
-    exchange.Document.Table = RandomTable(random, OneIn(random, 3) ? ShortWire : ShortAny);
+    exchange.Held.Table = RandomTable(random, OneIn(random, 3) ? ShortWire : ShortAny);
     try {
       ASSERT_EQ(exchange.Upload(), LinkTrue);
       ++sentTables;
-      EXPECT_EQ(exchange.Port.SentBytes().size(), 5 + 48 * static_cast<std::size_t>(exchange.Document.Table.Count));
+      EXPECT_EQ(exchange.Port.SentBytes().size(), 5 + 48 * static_cast<std::size_t>(exchange.Held.Table.Count));
     } catch (const WireMisfit&) {
       ++refusedTables;
       EXPECT_EQ(exchange.Port.SentBytes(), "");

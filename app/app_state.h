@@ -1,0 +1,39 @@
+// What the whole application shares.
+#pragma once
+
+#include <QCoreApplication>
+#include <functional>
+#include <memory>
+
+#include "app/app_settings.h"
+#include "app/document_registry.h"
+#include "app/recent_files.h"
+#include "app/transfer_flags.h"
+#include "editor/document_window.h"
+#include "editor/frame_operations.h"
+#include "editor/shared_tables.h"
+#include "unit/unit_link.h"
+
+namespace chanplan {
+
+/// Makes an empty document. What it is given outlives the document.
+using DocumentFactory = std::function<std::unique_ptr<DocumentWindow>(FrameOperations&, DocumentState&, SharedTables&)>;
+
+/// Everything but the windows. The start-up owns the one instance.
+struct AppState {
+  AppState(std::unique_ptr<PortObject> serialPort, LinkTiming timing, DocumentFactory factory)
+      : MSComm1(std::move(serialPort)), Link(*MSComm1, std::move(timing)), MakeDocument(std::move(factory)) {}
+
+  /// Where the program looks for its factory table and its help.
+  QString ProgramFolder = QCoreApplication::applicationDirPath();
+  AppSettings Settings;
+  RecentFileList Recent{Settings};
+  SharedTables Shared;
+  TransferFlags Transfers;
+  std::unique_ptr<PortObject> MSComm1;  ///< the frame's serial port, the link's `CommControl`
+  UnitLink Link;
+  DocumentFactory MakeDocument;
+  DocumentRegistry Registry;
+};
+
+}  // namespace chanplan

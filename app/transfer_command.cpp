@@ -1,0 +1,175 @@
+#include "app/transfer_command.h"
+
+#include "app/frm_upload_optns.h"
+#include "core/table_merge.h"
+#include "editor/messages.h"
+#include "editor/text_edge.h"
+#include "unit/unit_connection.h"
+#include "unit/wire_encoding.h"
+
+namespace chanplan {
+namespace {
+
+constexpr char CanceledText[] = "Process canceled by user.";
+constexpr char NothingUploadedText[] =
+    "The table of the unit could not be read whole, so nothing was uploaded: check the cable and start again.";
+
+QString CompletedText(int records) {
+  return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
+}
+
+}  // namespace
+
+TransferCommand::TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, TransferFlags& transferFlags,
+                                 SharedTables& shared)
+    : PortForTheNext(unitLink.CommPort),
+      frame(mainFrame),
+      link(unitLink),
+      flags(transferFlags),
+      sharedTables(shared),
+      busy(mainFrame),
+      progress(mainFrame.findChild<frmInProgress*>()) {
+  flags.AbortRequested = false;
+}
+
+TransferCommand::~TransferCommand() { link.CommPort = PortForTheNext; }
+
+void TransferCommand::Download() { ReceiveInNewDocument(false); }
+
+void TransferCommand::Upload(DocumentWindow& document) {
+  moved = &document;
+  if (!Connect()) return;
+  frmUploadOptns(&frame, flags).exec();
+  if (flags.AbortRequested) return;
+  if (flags.UploadAppend && !Append()) return;
+  const std::optional<std::string> message = Encode(*moved);
+  if (message && ConfirmLosses(moved->Table())) Send(*moved, *message);
+}
+
+// The user may have wished to stop while the unit was waited for.
+bool TransferCommand::Connect() {
+  const ConnectOutcome outcome = ConnectToUnit(link);
+  if (flags.AbortRequested)
+    frame.ShowStatus(CanceledText);
+  else if (!outcome.Accepted())
+    ShowMessage(frame, QString::fromStdString(outcome.Message), frame.ApplicationTitle(), QMessageBox::Critical);
+  return outcome.Accepted() && !flags.AbortRequested;
+}
+
+// Nothing when the unit was not reached, so that no document was made.
+std::optional<TransferOutcome> TransferCommand::ReceiveInNewDocument(bool newSlotRequested) {
+  if (!Connect()) return {};
+  moved = &frame.CreateDocument(newSlotRequested, "Untitled(Query) ");
+  frame.ShowDocument(*moved);
+  return Receive(*moved);
+}
+
+// Leaves the merged table in `moved`.
+bool TransferCommand::Append() {
+  added = moved;
+  const std::optional<TransferOutcome> outcome = ReceiveInNewDocument(true);
+  if (!outcome) return false;
+  // An abort may have been asked for after the status bar had its text.
+  if (flags.AbortRequested) {
+    frame.ShowStatus(CanceledText);
+    return false;
+  }
+  // What is added to a part of the unit's table, or to nothing, would cost the unit the rest.
+  if (outcome->Result != LinkTrue) {
+    if (outcome->UnitAnswered) ShowMessage(frame, NothingUploadedText, frame.ApplicationTitle(), QMessageBox::Warning);
+    return false;
+  }
+  MergeTables(*moved, *added);
+  return true;
+}
+
+void TransferCommand::MergeTables(DocumentWindow& base, DocumentWindow& source) {
+  for (DocumentWindow* document : {&base, &source}) document->CommitEdit();
+  const MergeOutcome merged = MergeWholeGroups(base.Table(), source.Table(), flags.UploadReplaceMatching);
+  if (merged.Truncated) ShowMessage(frame, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
+  GetTable(merged.Table, sharedTables.Passed);
+  base.SetTable();
+  if (merged.Table.Count > 0) base.State().Changed = true;  // it is in no file
+}
+
+// Nothing, after telling the user, when a value does not fit.
+std::optional<std::string> TransferCommand::Encode(DocumentWindow& document) {
+  document.CommitEdit();
+  try {
+    return EncodeTable(document.Table(), UploadTag(document.UnitTableTag));
+  } catch (const WireMisfit& misfit) {
+    const QString problem = QString::fromUtf8(misfit.what());
+    frame.ShowStatus(problem);
+    ShowMessage(frame, problem, frame.ApplicationTitle(), QMessageBox::Information);
+    return {};
+  }
+}
+
+bool TransferCommand::ConfirmLosses(const SignalStandardTable& table) {
+  constexpr std::size_t longestList = 10;
+  std::vector<std::string> losses = WireLosses(table);
+  if (losses.empty()) return true;
+  if (losses.size() > longestList) {
+    losses.resize(longestList);
+    losses.push_back("...");
+  }
+  QString text = "The unit cannot hold these values as they stand in the table:\n";
+  for (const std::string& loss : losses) text += "\n" + QString::fromStdString(loss);
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text + "\n\nUpload the table all the same?",
+             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+}
+
+bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
+  if (Download) return Receive(document).UnitAnswered;
+  const std::optional<std::string> message = Encode(document);
+  return !message || Send(document, *message).UnitAnswered;
+}
+
+TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
+  document.CommitEdit();
+  UnitTable held{document.Table(), document.UnitTableTag};
+  const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
+  document.UnitTableTag = held.UnitTableTag;
+  End(outcome, held.Table.Count);
+  const bool received = outcome.UnitAnswered && !outcome.Aborted && outcome.Result != LinkTimeout;
+  if (received) document.ShowUnitTable(held.Table);
+  Tell(outcome);
+  return outcome;
+}
+
+TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view message) {
+  const int records = document.Table().Count;  // it may be edited meanwhile
+  const TransferOutcome outcome = RunUpload(link, message, Begin(), [this] { return flags.AbortRequested; });
+  if (outcome.UnitAnswered && !outcome.Aborted) document.UnitTableTag = UploadTag(document.UnitTableTag);
+  End(outcome, records);
+  Tell(outcome);
+  return outcome;
+}
+
+TransferProgress& TransferCommand::Begin() {
+  flags.AbortRequested = false;
+  if (progress == nullptr) progress = new frmInProgress(&frame, flags.AbortRequested);
+  progress->Set_on_top(true);
+  progress->ShowOverFrame();
+  return *progress;
+}
+
+void TransferCommand::End(const TransferOutcome& outcome, int records) {
+  frame.ShowStatus(!outcome.Message.empty() ? QString::fromStdString(outcome.Message)
+                   : flags.AbortRequested   ? QString(CanceledText)
+                                            : CompletedText(records));
+  progress->Finish();
+  FinishTransfer(link, outcome);
+}
+
+void TransferCommand::Tell(const TransferOutcome& outcome) {
+  if (!outcome.Message.empty())
+    ShowMessage(frame, QString::fromStdString(outcome.Message), frame.ApplicationTitle(), QMessageBox::Information);
+}
+
+void TransferCommand::Abort() {
+  flags.AbortRequested = true;
+  if (progress != nullptr) progress->Abort();
+}
+
+}  // namespace chanplan

@@ -1,0 +1,70 @@
+// The commands that move a table between a document and the unit.
+#pragma once
+
+#include <QPointer>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/command_frame.h"
+#include "app/frm_in_progress.h"
+#include "app/transfer_flags.h"
+#include "editor/busy_pointer.h"
+#include "editor/shared_tables.h"
+#include "unit/transfer.h"
+#include "unit/unit_link.h"
+
+namespace chanplan {
+
+/// A command that runs, from connecting to the unit to the closed port: one at a time. Events are
+/// handled meanwhile; its documents stay open until its end.
+class TransferCommand {
+ public:
+  TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, TransferFlags& transferFlags, SharedTables& shared);
+  ~TransferCommand();
+  Q_DISABLE_COPY_MOVE(TransferCommand)
+
+  /// Brings the unit's table into a document of its own.
+  void Download();
+  /// Puts the table of `document` into the unit, or adds it to the unit's table, as the user chooses.
+  void Upload(DocumentWindow& document);
+
+  /// Moves the table of `document` from or to the unit, shows how far it is and how it ended. False
+  /// only when the unit did not answer.
+  bool Proc_Query(DocumentWindow& document, bool Download = false);
+  /// The two directions of `Proc_Query`. `message` is the table of `document` as it goes out.
+  TransferOutcome Receive(DocumentWindow& document);
+  TransferOutcome Send(DocumentWindow& document, std::string_view message);
+  /// Merges the table of `source` into that of `base`.
+  void MergeTables(DocumentWindow& base, DocumentWindow& source);
+
+  /// What a confirmed abort does.
+  void Abort();
+  /// Whether `window` is one of its documents.
+  bool Holds(const QObject* window) const { return window == moved || window == added; }
+
+  /// The port that the user chooses meanwhile: one command keeps to one unit.
+  std::int16_t PortForTheNext;
+
+ private:
+  bool Connect();
+  std::optional<TransferOutcome> ReceiveInNewDocument(bool newSlotRequested);
+  bool Append();
+  std::optional<std::string> Encode(DocumentWindow& document);
+  bool ConfirmLosses(const SignalStandardTable& table);
+  TransferProgress& Begin();
+  void End(const TransferOutcome& outcome, int records);
+  void Tell(const TransferOutcome& outcome);
+
+  CommandFrame& frame;
+  UnitLink& link;
+  TransferFlags& flags;
+  SharedTables& sharedTables;
+  BusyPointer busy;
+  frmInProgress* progress;         // the frame's one; null until it is first needed
+  QPointer<DocumentWindow> moved;  // whose table goes to the unit or comes from it
+  QPointer<DocumentWindow> added;  // what an upload adds to the unit's table in `moved`
+};
+
+}  // namespace chanplan

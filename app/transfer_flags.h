@@ -1,0 +1,13 @@
+// What the user wants of transfers, as their dialogs tell the command.
+#pragma once
+
+namespace chanplan {
+
+/// One instance for the whole application.
+struct TransferFlags {
+  bool AbortRequested = false;         ///< the user wants the operation stopped
+  bool UploadAppend = false;           ///< the table is added to the unit's instead of replacing it
+  bool UploadReplaceMatching = false;  ///< when adding: the table's standards replace those of the same name
+};
+
+}  // namespace chanplan

@@ -1,0 +1,34 @@
+#include "settings/user_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "tests/core/temp_folder.h"
+
+namespace chanplan::testing {
+namespace {
+
+TEST(CommDevice, NumbersStandForTheUsualDevicesUnlessASettingNamesAnother) {
+  const TempFolder folder;
+  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
+  EXPECT_EQ(CommDevice(4), "/dev/ttyS3");
+  EXPECT_EQ(CommDevice(5), "/dev/ttyUSB0");
+  EXPECT_EQ(CommDevice(6), "/dev/ttyUSB1");
+  EXPECT_EQ(CommDevice(7), "");
+  WriteFile(folder / "Chanplans.ini", "[Settings]\nCommDevice2=/dev/ttyACM0\n");
+  EXPECT_EQ(CommDevice(2), "/dev/ttyACM0");
+  EXPECT_EQ(CommDevice(1), "/dev/ttyS0");
+  unsetenv("XDG_CONFIG_HOME");
+}
+
+TEST(SettingsFile, IsInTheUsersConfiguration) {
+  const TempFolder folder;
+  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+  EXPECT_EQ(SettingsFile(), (folder / "Chanplans.ini").string());
+  unsetenv("XDG_CONFIG_HOME");
+}
+
+}  // namespace
+}  // namespace chanplan::testing
