@@ -13,7 +13,7 @@ namespace {
 using testing::NamedRow;
 using testing::RowNames;
 using testing::TableOf;
-using TableOfNames;
+using testing::TableOfNames;
 
 using Names = std::vector<std::string>;
 
