@@ -41,7 +41,8 @@ namespace {
 
 class Tour {
  public:
-  Tour(frmMain& mainFrame, const QString& pictureFolder) : frame(mainFrame), folder(pictureFolder) {}
+  Tour(AppMain& application, const QString& pictureFolder)
+      : app(application), frame(*application.Frame), folder(pictureFolder) {}
 
   void Run() {
     OpenTheFactoryTable();
@@ -154,7 +155,7 @@ class Tour {
   }
 
   void AppendAnotherTable() {
-    frame.ShowDocument(*frame.App().Document(1));
+    frame.ShowDocument(*app.Registry.Document(1));
     Must(Document().windowTitle() == "Factory Default (Read-Only)", "the factory table is active");
     Upload("optnAppend", "");
     Must(Document().windowTitle().startsWith("Untitled(Query) "), "the merged table has a document of its own");
@@ -168,7 +169,7 @@ class Tour {
     const SignalStandardTable downloaded = Document().Table();
     Must(merged.Count > 40 && TableDifferences(merged, downloaded).empty(), "the unit has the merged table");
     Done("Download the unit's table and compare");
-    for (const auto& document : frame.App().Documents)
+    for (const auto& document : app.Registry.Documents)
       if (document != nullptr && document->windowTitle().startsWith("Untitled(Query) "))
         document->State().Changed = false;  // seen; the question comes up once, below
   }
@@ -305,6 +306,7 @@ class Tour {
     Must(picture.save(file), "the picture " + file + " is written");
   }
 
+  AppMain& app;
   frmMain& frame;
   QString folder;
   int pictures = 0;
@@ -339,7 +341,7 @@ int main(int argc, char* argv[]) {
   if (!QTest::qWaitForWindowActive(app.Frame.get())) std::fputs("the frame was not activated\n", stderr);
   int exitCode = 0;
   try {
-    Tour(*app.Frame, folder).Run();
+    Tour(app, folder).Run();
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "chanplan-tour: %s\n", failure.what());
     exitCode = 1;

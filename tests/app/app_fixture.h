@@ -11,14 +11,11 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QSettings>
 #include <QTest>
-#include <QTimer>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <set>
 #include <string>
 
@@ -28,9 +25,8 @@
 #include "settings/user_settings.h"
 #include "tests/app/stand_in_document.h"
 #include "tests/core/temp_folder.h"
+#include "tests/editor/user.h"
 #include "tests/unit/hand_driven_link.h"
-
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
 
 namespace chanplan::testing {
 
@@ -48,29 +44,12 @@ class MachinePort : public FakePort {
   std::set<int> absent;
 };
 
-/// What a modal window said.
-struct Message {
-  QString Title;
-  QString Text;
-  QMessageBox::Icon Icon = QMessageBox::NoIcon;
-  bool operator==(const Message&) const = default;
-};
-inline void PrintTo(const Message& message, std::ostream* out) {
-  *out << '[' << message.Title.toStdString() << "] " << message.Text.toStdString() << " (icon " << message.Icon << ')';
-}
-
 class AppTest : public ::testing::Test {
  protected:
-  AppTest() {
-    qputenv("XDG_CONFIG_HOME", folder.Path().string().c_str());
-    answering.setInterval(1);
-    answering.setSingleShot(true);
-    QObject::connect(&answering, &QTimer::timeout, [this] { AnswerModal(); });
-    answering.start();
-  }
+  AppTest() { qputenv("XDG_CONFIG_HOME", folder.Path().string().c_str()); }
   ~AppTest() override {
-    EXPECT_TRUE(answers.empty()) << "a dialog that was waited for did not come";
-    answering.stop();
+    EXPECT_TRUE(answers.AllGiven()) << "a dialog that was waited for did not come";
+    answers.Stop();
     app.reset();
   }
 
@@ -178,18 +157,18 @@ class AppTest : public ::testing::Test {
     QTest::mouseClick(button, Qt::LeftButton);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }
+  /// To the focus itself, as a key that is sent to a window runs no shortcut.
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QWidget* focus = QApplication::focusWidget();
     QTest::keyClick(focus != nullptr ? focus : &Frame(), key, modifiers);
   }
 
   // Dialogs: each one that comes up takes the next of these answers. One without an answer fails the test.
-  void Answer(std::function<void(QWidget&)> answer) { answers.push_back(std::move(answer)); }
+  void Answer(std::function<void(QWidget&)> answer) { answers.GiveToDialog(std::move(answer)); }
   /// From now on dialogs are left to the test.
-  void AnswerNothing() { answering.disconnect(); }
+  void AnswerNothing() { answers.Stop(); }
   void AnswerMessage(QMessageBox::StandardButton button = QMessageBox::Ok) {
-    Answer([this, button](QWidget& window) {
-      QMessageBox& box = dynamic_cast<QMessageBox&>(window);
+    answers.Give([this, button](QMessageBox& box) {
       messages.push_back({box.windowTitle(), box.text(), box.icon()});
       QTest::mouseClick(box.button(button), Qt::LeftButton);
     });
@@ -223,37 +202,13 @@ class AppTest : public ::testing::Test {
   HandDrivenClock clock;
   std::unique_ptr<AppMain> app;
   std::deque<Message> messages;
-  std::function<void(QWidget&)> answerUnexpected = [](QWidget& modal) {
-    const QMessageBox* box = qobject_cast<QMessageBox*>(&modal);
-    ADD_FAILURE() << "nobody expects " << (box != nullptr ? box->text() : modal.windowTitle()).toStdString();
-  };
+  Answers answers;
 
  private:
   void Make(DocumentFactory factory = frmDocument::Make) {
     app = std::make_unique<AppMain>(MakePort(), MakeTiming(), std::move(factory));
     app->ProgramFolder = QString::fromStdString(folder.Path().string());
   }
-  void AnswerModal() {
-    answering.start();  // once more, as an answer may bring up another dialog
-    QWidget* modal = QApplication::activeModalWidget();
-    if (modal == nullptr || modal == beingAnswered || !modal->isVisible()) return;
-    if (!modal->isActiveWindow()) return modal->activateWindow();
-    const QScopedValueRollback guard(beingAnswered, modal);
-    const QPointer<QWidget> dialog = modal;
-    if (answers.empty()) {
-      answerUnexpected(*modal);
-    } else {
-      const auto answer = std::move(answers.front());
-      answers.pop_front();
-      answer(*modal);
-      EXPECT_TRUE(dialog == nullptr || dialog->isHidden()) << "the answer did not close the dialog";
-    }
-    if (dialog != nullptr) dialog->close();
-  }
-
-  QTimer answering;
-  QWidget* beingAnswered = nullptr;
-  std::deque<std::function<void(QWidget&)>> answers;
 };
 
 }  // namespace chanplan::testing

@@ -18,7 +18,7 @@ constexpr int MostDocuments = 6;
 class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned> {
  protected:
   RandomUser() : random(GetParam()) {
-    answerUnexpected = [this](QWidget& dialog) { AnswerAnything(dialog); };
+    answers.Unexpected = [this](QWidget& dialog) { AnswerAnything(dialog); };
   }
 
   int Pick(int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); }

@@ -25,7 +25,7 @@ constexpr const char* Faults[] = {"none",           "none",
 class TransferSoak : public TransferTest, public ::testing::WithParamInterface<unsigned> {
  protected:
   TransferSoak() {
-    answerUnexpected = [](QWidget& modal) {
+    answers.Unexpected = [](QWidget& modal) {
       if (auto* box = qobject_cast<QMessageBox*>(&modal))
         QTest::mouseClick(static_cast<QWidget*>(box->button(QMessageBox::Ok)), Qt::LeftButton);
       else
