@@ -157,7 +157,11 @@ class AppTest : public ::testing::Test {
     QTest::mouseClick(button, Qt::LeftButton);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }
-  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { testing::Press(key, modifiers); }
+  /// To the focus itself, as a key that is sent to a window runs no shortcut.
+  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QWidget* focus = QApplication::focusWidget();
+    QTest::keyClick(focus != nullptr ? focus : &Frame(), key, modifiers);
+  }
 
   // Dialogs: each one that comes up takes the next of these answers. One without an answer fails the test.
   void Answer(std::function<void(QWidget&)> answer) { answers.GiveToDialog(std::move(answer)); }

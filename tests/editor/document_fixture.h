@@ -1,24 +1,19 @@
-// Documents on the screen, a stand-in for the frame, and a user: key presses, clicks, answers to questions.
+// Documents on the screen, and a stand-in for the frame.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMdiArea>
-#include <QMessageBox>
 #include <QPointer>
 #include <QSpinBox>
 #include <QTest>
-#include <QTimer>
 #include <array>
 #include <deque>
-#include <functional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,12 +23,7 @@
 #include "editor/grid_columns.h"
 #include "tests/core/table_of.h"
 #include "tests/core/temp_folder.h"
-
-// Found by GoogleTest, which would else show bytes in hexadecimal.
-inline void PrintTo(const QString& text, std::ostream* output) { *output << '"' << text.toStdString() << '"'; }
-inline void PrintTo(const QRect& rect, std::ostream* output) {
-  *output << rect.width() << 'x' << rect.height() << " at " << rect.x() << ',' << rect.y();
-}
+#include "tests/editor/user.h"
 
 namespace chanplan::testing {
 
@@ -91,90 +81,6 @@ class FrameStandIn : public FrameOperations {
   }
   QString ApplicationTitle() const override { return "The Application"; }
 };
-
-/// A message box as the user saw it.
-struct Message {
-  QString Title;
-  QString Text;
-  QMessageBox::Icon Icon = QMessageBox::NoIcon;
-  QMessageBox::StandardButtons Buttons;
-  bool operator==(const Message&) const = default;
-};
-
-inline void PrintTo(const Message& message, std::ostream* output) {
-  *output << '[' << message.Title.toStdString() << "] " << message.Text.toStdString() << " (icon " << message.Icon
-          << ", buttons " << message.Buttons.toInt() << ')';
-}
-
-/// Answers message boxes in the order in which the answers were given; one that nobody expects fails the test.
-class Answers {
- public:
-  std::vector<Message> Seen;
-
-  Answers() {
-    QObject::connect(&timer, &QTimer::timeout, [this] { Look(); });
-    timer.start(1);
-  }
-
-  void Give(QMessageBox::StandardButton button) {
-    Give([button](QMessageBox& box) { box.button(button)->click(); });
-  }
-  void Give(std::function<void(QMessageBox&)> answer) { pending.push_back(std::move(answer)); }
-  bool AllGiven() const { return pending.empty(); }
-
- private:
-  void Look() {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr || box == answered) return;
-    answered = box;
-    Seen.push_back({box->windowTitle(), box->text(), box->icon(), box->standardButtons()});
-    if (pending.empty()) {
-      ADD_FAILURE() << "unexpected: " << ::testing::PrintToString(Seen.back());
-      box->reject();
-    } else {
-      const auto answer = std::move(pending.front());
-      pending.pop_front();
-      answer(*box);
-    }
-    answered = nullptr;
-  }
-
-  QTimer timer;
-  QPointer<QMessageBox> answered;
-  std::deque<std::function<void(QMessageBox&)>> pending;
-};
-
-// The user's keyboard: keys go to the window that has the focus, and from there where Qt sends them.
-
-/// The window that has the focus. No window manager is here to give it back after a message box, so this does.
-inline QWindow* FocusWindow() {
-  if (QGuiApplication::focusWindow() == nullptr)
-    for (QWidget* const shown : QApplication::topLevelWidgets())
-      if (shown->isVisible()) shown->activateWindow();
-  EXPECT_TRUE(QTest::qWaitFor([] { return QGuiApplication::focusWindow() != nullptr; }));
-  return QGuiApplication::focusWindow();
-}
-
-inline void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-  QTest::keyClick(FocusWindow(), key, modifiers);
-}
-
-/// Holds these keys down, until they are released by holding none.
-inline void HoldKeys(Qt::KeyboardModifiers held) {
-  if (held == Qt::NoModifier)
-    QTest::keyRelease(FocusWindow(), Qt::Key_Control);
-  else
-    QTest::keyPress(FocusWindow(), Qt::Key_Control, held);
-  EXPECT_EQ(QGuiApplication::keyboardModifiers(), held);
-}
-
-inline void PressTimes(int times, Qt::Key key) {
-  for (int time = 0; time < times; ++time) Press(key);
-}
-
-inline void Type(std::string_view text) {
-  for (const char character : text) QTest::keyClick(FocusWindow(), character);
-}
 
 /// A document's window and what is in it.
 struct Document {

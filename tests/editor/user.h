@@ -106,6 +106,15 @@ inline void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
   QTest::keyClick(FocusWindow(), key, modifiers);
 }
 
+/// Holds these keys down, until they are released by holding none.
+inline void HoldKeys(Qt::KeyboardModifiers held) {
+  if (held == Qt::NoModifier)
+    QTest::keyRelease(FocusWindow(), Qt::Key_Control);
+  else
+    QTest::keyPress(FocusWindow(), Qt::Key_Control, held);
+  EXPECT_EQ(QGuiApplication::keyboardModifiers(), held);
+}
+
 inline void PressTimes(int times, Qt::Key key) {
   for (int time = 0; time < times; ++time) Press(key);
 }
