@@ -55,7 +55,6 @@ class TransferSoak : public TransferTest, public ::testing::WithParamInterface<u
       else if (expected-- > 0)
         table.Row(index).Name = table.Row(index - 1).Name;
     }
-    AlignSubbands(table);
     return table;
   }
 

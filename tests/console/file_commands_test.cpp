@@ -264,11 +264,11 @@ TEST(Merge, TakesEveryStandardOnce) {
                 {"2|0|\x80|5|6|7|8|0.5|0.5|2"},
                 false,
                 {"2|0|\xDC|1|2|1|2|0.1|0.1|1", "2|0|\x80|5|6|7|8|0.5|0.5|2"}},
-      MergeCase{"a count of sub-bands beyond the base's end takes in what follows when the result is validated",
+      MergeCase{"a count of sub-bands beyond the base's end does not take in what follows",
                 {"2|2|X|1|2|1|2|0.1|0.1|1", "0|0|X(A)|1|2|1|2|0.1|0.1|1"},
                 {"2|0|C|7|8|7|8|0.5|0.5|2"},
                 false,
-                {"2|2|X|1|2|1|2|0.1|0.1|1", "0|0|X(A)|1|2|1|2|0.1|0.1|1", "2|0|X(B)|7|8|7|8|0.1|0.1|1"}},
+                {"2|1|X|1|2|1|2|0.1|0.1|1", "0|0|X(A)|1|2|1|2|0.1|0.1|1", "2|0|C|7|8|7|8|0.5|0.5|2"}},
       MergeCase{"nothing and nothing give one row without a name", {}, {}, false, {"|0||0|0|0|0|0|0|0"}},
   };
   for (const MergeCase& merge : cases) {
