@@ -34,6 +34,11 @@ class DocumentWindow : public QMdiSubWindow {
   /// A word that came with the table from a unit and goes back with it; 0 = it came from elsewhere.
   std::uint16_t UnitTableTag = 0;
 
+ signals:
+  /// The table is another one than before: it was loaded, received, or an edit was stored.
+  void TableChanged();
+
+ public:
   virtual DocumentState& State() = 0;
   /// The warnings of the last validation, a line each, ended by CR LF.
   virtual QString WarningsText() const = 0;

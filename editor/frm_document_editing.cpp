@@ -138,6 +138,7 @@ void frmDocument::ShowWarnings() {
   warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
   // The frame shows the active document's warnings, and fetches these when this becomes it.
   if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
+  emit TableChanged();
 }
 
 }  // namespace chanplan
