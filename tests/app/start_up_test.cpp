@@ -230,9 +230,12 @@ TEST_F(RecentFiles, ShownOnceStayInTheMenuUntilOthersTakeTheirPlace) {
   Store().clear();
   app->Recent.LoadRecentFiles();
   EXPECT_EQ(RecentMenu(), QStringList({"/a.sig", "/b.sig"}));
+  EXPECT_TRUE(Item("mnuRecentFile0").isVisible());
+  EXPECT_TRUE(app->Recent.RecentMenuContains("/b.sig"));
   app->Recent.AddRecentFile("/c.sig");
   app->Recent.LoadRecentFiles();
   EXPECT_EQ(RecentMenu(), QStringList({"/c.sig", "/b.sig"}));
+  EXPECT_EQ(app->Recent.Files(), RecentMenu());
 }
 
 TEST_F(RecentFiles, NoneAreShownWithoutANewestOne) {
