@@ -12,8 +12,15 @@ namespace chanplan {
 
 /// Puts `bytes` into `file`, whole or not at all: a former file stays as it was until the new
 /// content is safely on the disk, and stays for good when anything fails or the program is killed.
-/// Its permissions are kept, and a symbolic link stays a link. A device is written directly.
+/// Its owner, group, mode, access list and attributes are kept, and a symbolic link stays a link.
+/// Where no new file can take its place with all of them, the content is changed in place behind a
+/// copy of the former one, which HealInterruptedSaves puts back when the program was killed. A device
+/// is written directly, and so is what a name such as /dev/stdout stands for.
 std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
+
+/// Gives every file its former content back whose change in place was cut short by a crash. Files
+/// that are being saved at the moment are left alone. Done before files are read and saved.
+void HealInterruptedSaves();
 
 struct FileFacts {
   std::uint32_t Size = 0;  ///< bytes, the low 32 bits
@@ -25,5 +32,23 @@ struct FileFacts {
 /// Size and times (UTC) of `file`; nothing when they cannot be had. Where the file system keeps no
 /// time of creation, the last modification stands for it.
 std::optional<FileFacts> ReadFileFacts(const std::filesystem::path& file);
+
+/// Tells a file from another one, and from itself after somebody wrote to it.
+struct FileStamp {
+  std::uint64_t Device = 0;
+  std::uint64_t Number = 0;   ///< the file's, on its device
+  std::int64_t Modified = 0;  ///< in the system's own steps
+  std::uint64_t Size = 0;
+
+  bool operator==(const FileStamp&) const = default;
+  /// Whether both are of one file, whatever was written to it.
+  bool SameFile(const FileStamp& other) const { return Device == other.Device && Number == other.Number; }
+};
+
+/// Nothing when there is no such file. Symbolic links are followed.
+std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file);
+
+/// Whether both names lead to one file that exists.
+bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 
 }  // namespace chanplan

@@ -1,72 +1,141 @@
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <array>
+#include <charconv>
 #include <string>
-#include <utility>
+#include <vector>
 
+#include "core/file_descriptor.h"
 #include "core/file_system.h"
+#include "core/in_place_save_posix.h"
 
 namespace chanplan {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::error_code LastError() { return {errno, std::generic_category()}; }
+constexpr std::string_view FreshFilePrefix = ".chanplan-";
+constexpr char AccessList[] = "system.posix_acl_access";
 
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int opened) : descriptor(opened) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() { Close(); }
-
-  bool IsOpen() const { return descriptor >= 0; }
-  int Get() const { return descriptor; }
-  // Some file systems report a full disk only here.
-  bool Close() { return descriptor < 0 || close(std::exchange(descriptor, -1)) == 0; }
-
- private:
-  int descriptor;
-};
-
-bool WriteAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) return false;
-    if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
+// What follows a link by name alone would lose: the file behind it may have no name, or another one.
+bool IsOpenDescriptor(const fs::path& link) {
+  constexpr auto procFileSystem = 0x9fa0;
+  struct statfs facts {};
+  return statfs(link.parent_path().c_str(), &facts) == 0 && facts.f_type == procFileSystem &&
+         link.filename().string().find_first_not_of("0123456789") == std::string::npos;
 }
 
-std::error_code WriteDevice(const fs::path& device, std::string_view bytes) {
-  FileDescriptor file(open(device.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!file.IsOpen() || !WriteAll(file.Get(), bytes) || !file.Close()) return LastError();
-  return {};
-}
-
-// The file that a chain of symbolic links ends at, which need not exist yet.
+// The file that a chain of symbolic links ends at, which need not exist yet, or the link that stands
+// for an open descriptor.
 fs::path FollowLinks(fs::path file) {
   constexpr int longestChain = 40;
   std::error_code ignored;
-  for (int link = 0; link < longestChain && fs::is_symlink(file, ignored); ++link)
+  for (int link = 0; link < longestChain && fs::is_symlink(file, ignored) && !IsOpenDescriptor(file); ++link)
     file = file.parent_path() / fs::read_symlink(file, ignored);
   return file;
 }
 
-// A new file beside `target`, so that renaming it never crosses file systems.
-fs::path CreateBeside(const fs::path& target, int& descriptor) {
-  for (int attempt = 0;; ++attempt) {
-    fs::path name = target.parent_path() / (".chanplan-" + std::to_string(getpid()) + "-" + std::to_string(attempt));
-    descriptor = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor >= 0 || errno != EEXIST) return name;
+std::error_code WriteDevice(const fs::path& device, std::string_view bytes) {
+  FileDescriptor file(open(device.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  if (!file.IsOpen() || !WriteAll(file.Get(), bytes) || !file.Close()) return LastError();
+  return {};
+}
+
+// One's own descriptor goes on where it stands; opened anew, it would begin at the file's start.
+std::error_code WriteDescriptor(const fs::path& link, std::string_view bytes) {
+  std::error_code ignored;
+  if (fs::canonical(link.parent_path(), ignored) != fs::canonical("/proc/self/fd", ignored))
+    return WriteDevice(link, bytes);
+  const int descriptor = std::stoi(link.filename().string());
+  return WriteAll(descriptor, bytes) ? std::error_code() : LastError();
+}
+
+// What saves that were killed left in `folder`. The process's number may be in use on another machine or
+// in another container only: whoever still writes has marked the file.
+void SweepFolder(const fs::path& folder) {
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, none)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with(FreshFilePrefix)) continue;
+    int process = 0;
+    const char* const end = name.data() + name.size();
+    const auto [rest, error] = std::from_chars(name.data() + FreshFilePrefix.size(), end, process);
+    if (error != std::errc() || rest == end || *rest != '-' || process <= 0) continue;
+    if (kill(process, 0) == 0 || errno != ESRCH) continue;
+    const FileDescriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (file.IsOpen() && MarkInUse(file)) unlink(entry.path().c_str());
   }
 }
 
-void SyncFolder(const fs::path& folder) {
-  const FileDescriptor opened(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (opened.IsOpen()) fsync(opened.Get());
+struct FreshFile {
+  fs::path Name;
+  FileDescriptor File;
+};
+
+// A new file beside `target`, so that renaming it never crosses file systems. `mode` is cut by the umask.
+FreshFile CreateBeside(const fs::path& target, mode_t mode) {
+  for (int attempt = 0;; ++attempt) {
+    fs::path name = target.parent_path() /
+                    std::string(FreshFilePrefix).append(std::to_string(getpid()) + "-" + std::to_string(attempt));
+    FileDescriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    if (!file.IsOpen() && errno == EEXIST) continue;
+    if (file.IsOpen()) flock(file.Get(), LOCK_EX | LOCK_NB);
+    return {std::move(name), std::move(file)};
+  }
+}
+
+using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+// A file's attributes that belong to its owner, the access list among them; the system's labels are its own affair.
+std::optional<Attributes> ReadAttributes(const fs::path& file) {
+  std::array<char, 65536> names{};  // the system's limits, as below
+  const ssize_t length = listxattr(file.c_str(), names.data(), names.size());
+  if (length < 0) return errno == ENOTSUP ? std::optional(Attributes()) : std::nullopt;
+  Attributes attributes;
+  std::string value(65536, '\0');
+  for (const char* name = names.data(); name < names.data() + length; name += std::string_view(name).size() + 1) {
+    if (std::string_view(name) != AccessList && !std::string_view(name).starts_with("user.")) continue;
+    const ssize_t size = getxattr(file.c_str(), name, value.data(), value.size());
+    if (size < 0) return std::nullopt;
+    attributes.emplace_back(name, value.substr(0, static_cast<std::size_t>(size)));
+  }
+  return attributes;
+}
+
+// Makes `fresh`, which only its maker can read so far, the property of those that `target` belongs to. The mode
+// comes last: it is what lets others in, and must not do so by the folder's access list.
+bool TakeOverIdentity(int fresh, const fs::path& target, const struct stat& former) {
+  const std::optional<Attributes> attributes = ReadAttributes(target);
+  if (!attributes) return false;
+  if (fchown(fresh, former.st_uid, former.st_gid) != 0) return false;
+  if (fremovexattr(fresh, AccessList) != 0 && errno != ENODATA && errno != ENOTSUP) return false;
+  for (const auto& [name, value] : *attributes)
+    if (fsetxattr(fresh, name.c_str(), value.data(), value.size(), 0) != 0) return false;
+  return fchmod(fresh, former.st_mode & 07777) == 0;
+}
+
+enum class Replaced { Done, Failed, Impossible };
+
+// Impossible: no other file can take the place of `target`. `former` is null when there is none.
+Replaced PutNewFile(const fs::path& target, const struct stat* former, std::string_view bytes) {
+  constexpr mode_t ownerAlone = 0600;
+  FreshFile fresh = CreateBeside(target, former != nullptr ? ownerAlone : 0666);
+  if (!fresh.File.IsOpen()) return Replaced::Impossible;
+  Replaced outcome = Replaced::Failed;
+  if (former != nullptr && !TakeOverIdentity(fresh.File.Get(), target, *former))
+    outcome = Replaced::Impossible;
+  else if (WriteAll(fresh.File.Get(), bytes) && fsync(fresh.File.Get()) == 0 && fresh.File.Close())
+    outcome = rename(fresh.Name.c_str(), target.c_str()) == 0 ? Replaced::Done : Replaced::Impossible;
+  if (outcome == Replaced::Done) return outcome;
+  const int error = errno;
+  unlink(fresh.Name.c_str());
+  errno = error;
+  return outcome;
 }
 
 std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
@@ -76,36 +145,30 @@ std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
 }  // namespace
 
 std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
-  struct stat former {};
-  const bool exists = stat(file.c_str(), &former) == 0;
-  if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);
-  // Before links are followed: that of /dev/stdout need not lead to a name.
-  if (exists && !S_ISREG(former.st_mode)) return WriteDevice(file, bytes);
   const fs::path target = FollowLinks(file);
   std::error_code ignored;
-  if (fs::is_symlink(target, ignored)) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  if (fs::is_symlink(target, ignored))
+    return IsOpenDescriptor(target) ? WriteDescriptor(target, bytes)
+                                    : std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  HealInterruptedSaves();
+  struct stat former {};
+  const bool exists = stat(target.c_str(), &former) == 0;
+  if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  if (exists && !S_ISREG(former.st_mode)) return WriteDevice(target, bytes);
   // Renaming needs no right to write the file itself, but replacing a write-protected one does.
   if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return LastError();
-
-  int descriptor = -1;
-  const fs::path fresh = CreateBeside(target, descriptor);
-  FileDescriptor output(descriptor);
-  if (!output.IsOpen()) return LastError();
-  bool done = true;
-  if (exists) {
-    // Another owner's file becomes one's own where the system does not let it be given back.
-    [[maybe_unused]] const int owner = fchown(output.Get(), former.st_uid, former.st_gid);
-    done = fchmod(output.Get(), former.st_mode & 07777) == 0;
+  SweepFolder(target.parent_path());
+  switch (PutNewFile(target, exists ? &former : nullptr, bytes)) {
+    case Replaced::Done:
+      SyncFolder(target.parent_path());
+      return {};
+    case Replaced::Impossible:
+      if (exists) return OverwriteInPlace(target, bytes);
+      [[fallthrough]];
+    case Replaced::Failed:
+      break;
   }
-  done = done && WriteAll(output.Get(), bytes) && fsync(output.Get()) == 0 && output.Close() &&
-         rename(fresh.c_str(), target.c_str()) == 0;
-  if (!done) {
-    const std::error_code error = LastError();
-    unlink(fresh.c_str());
-    return error;
-  }
-  SyncFolder(target.parent_path());
-  return {};
+  return LastError();
 }
 
 std::optional<FileFacts> ReadFileFacts(const fs::path& file) {
@@ -114,6 +177,19 @@ std::optional<FileFacts> ReadFileFacts(const fs::path& file) {
   const bool hasBirth = (facts.stx_mask & STATX_BTIME) != 0;
   return FileFacts{static_cast<std::uint32_t>(facts.stx_size), ToTime(hasBirth ? facts.stx_btime : facts.stx_mtime),
                    ToTime(facts.stx_atime), ToTime(facts.stx_mtime)};
+}
+
+std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
+  struct stat facts {};
+  if (stat(file.c_str(), &facts) != 0) return std::nullopt;
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  return FileStamp{facts.st_dev, facts.st_ino, facts.st_mtim.tv_sec * nanoseconds + facts.st_mtim.tv_nsec,
+                   static_cast<std::uint64_t>(facts.st_size)};
+}
+
+bool AreSameFile(const fs::path& one, const fs::path& other) {
+  const auto first = ReadFileStamp(one), second = ReadFileStamp(other);
+  return first && second && first->SameFile(*second);
 }
 
 }  // namespace chanplan

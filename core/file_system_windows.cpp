@@ -44,4 +44,27 @@ std::optional<FileFacts> ReadFileFacts(const std::filesystem::path& file) {
                    ToTime(facts.ftLastWriteTime)};
 }
 
+// The system's own replacing leaves nothing to heal.
+void HealInterruptedSaves() {}
+
+std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file) {
+  const HANDLE opened = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return std::nullopt;
+  BY_HANDLE_FILE_INFORMATION facts{};
+  const bool known = GetFileInformationByHandle(opened, &facts) != 0;
+  CloseHandle(opened);
+  if (!known) return std::nullopt;
+  const auto joined = [](DWORD high, DWORD low) { return (static_cast<std::uint64_t>(high) << 32) | low; };
+  return FileStamp{
+      facts.dwVolumeSerialNumber, joined(facts.nFileIndexHigh, facts.nFileIndexLow),
+      static_cast<std::int64_t>(joined(facts.ftLastWriteTime.dwHighDateTime, facts.ftLastWriteTime.dwLowDateTime)),
+      joined(facts.nFileSizeHigh, facts.nFileSizeLow)};
+}
+
+bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+  const auto first = ReadFileStamp(one), second = ReadFileStamp(other);
+  return first && second && first->SameFile(*second);
+}
+
 }  // namespace chanplan

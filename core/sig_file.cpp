@@ -123,6 +123,7 @@ ReadOutcome ReadSigTable(std::istream& input) {
 }
 
 ReadOutcome LoadSigFile(const std::filesystem::path& path) {
+  HealInterruptedSaves();
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (!file) return Failed(ReadFailure::CannotOpen, 0, std::generic_category().message(errno));

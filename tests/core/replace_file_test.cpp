@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,18 @@ extern "C" int fsync(int descriptor) {
   return flush(descriptor);
 }
 
+extern "C" int fchown(int descriptor, uid_t owner, gid_t group) noexcept {
+  static const auto give = SystemsOwn<int(int, uid_t, gid_t)>("fchown");
+  if (Recorder* const recorder = Recorder::Active) {
+    struct stat facts {};
+    fstat(descriptor, &facts);
+    std::ostringstream call;
+    call << "give away with mode " << std::oct << (facts.st_mode & 07777);
+    recorder->Calls.push_back(call.str());
+  }
+  return give(descriptor, owner, group);
+}
+
 extern "C" int rename(const char* from, const char* to) noexcept {
   static const auto move = SystemsOwn<int(const char*, const char*)>("rename");
   if (Recorder* const recorder = Recorder::Active)
@@ -79,7 +92,10 @@ TEST(ReplaceFile, FlushesTheFileBeforeItGetsItsNameAndTheFolderAfterIt) {
     SCOPED_TRACE(exists);
     const Recorder recorder;
     EXPECT_FALSE(ReplaceFile(folder / "table.sig", "123456789"));
-    EXPECT_EQ(recorder.Calls, (Calls{"flush file of 9 bytes", "rename to table.sig", "flush folder"}));
+    Calls calls = {"flush file of 9 bytes", "rename to table.sig", "flush folder"};
+    // Until it is its owner's again, nobody else may look into the new file.
+    if (exists) calls.insert(calls.begin(), "give away with mode 600");
+    EXPECT_EQ(recorder.Calls, calls);
   }
   EXPECT_EQ(ReadFile(folder / "table.sig"), "123456789");
 }
@@ -90,7 +106,7 @@ TEST(ReplaceFile, LeavesTheFormerFileWhereTheNewOneCannotBeFlushed) {
   Recorder recorder;
   recorder.FlushFails = true;
   EXPECT_EQ(ReplaceFile(folder / "table.sig", "new"), std::errc::io_error);
-  EXPECT_EQ(recorder.Calls, Calls{"flush file of 3 bytes"});
+  EXPECT_EQ(recorder.Calls, (Calls{"give away with mode 600", "flush file of 3 bytes"}));
   EXPECT_EQ(ReadFile(folder / "table.sig"), "former");
   EXPECT_EQ(NamesIn(folder.Path()), Names{"table.sig"});
 }

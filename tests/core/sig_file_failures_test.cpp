@@ -505,7 +505,7 @@ class SharedCounter {
 
 TEST(SaveSigFile, LeavesOneWholeFileWhereverItIsKilled) {
   using Clock = std::chrono::steady_clock;
-  constexpr int rounds = 100;
+  constexpr int rounds = 200;
   const TempFolder folder;
   const fs::path file = folder / "table.sig";
   const SignalStandardTable tables[] = {BigTable('a'), BigTable('b')};

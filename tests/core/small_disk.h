@@ -23,8 +23,8 @@ inline void WriteProcFile(const char* file, const std::string& text) {
   close(descriptor);
 }
 
-/// Puts a disk of few kilobytes on `folder`, which only this process sees and which goes with it.
-inline void MountSmallDisk(const std::filesystem::path& folder) {
+/// From now on only this process sees what it mounts, and that goes with it.
+inline void MakeOwnMounts() {
   const std::string user = std::to_string(geteuid());
   const std::string group = std::to_string(getegid());
   if (unshare(CLONE_NEWNS) != 0) {
@@ -34,8 +34,14 @@ inline void MountSmallDisk(const std::filesystem::path& folder) {
     WriteProcFile("/proc/self/uid_map", "0 " + user + " 1");
     WriteProcFile("/proc/self/gid_map", "0 " + group + " 1");
   }
-  if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
+  if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+    throw std::runtime_error(Impossible + "no mounts of one's own: " + std::strerror(errno));
+}
+
+/// Puts a disk of few kilobytes on `folder`.
+inline void MountSmallDisk(const std::filesystem::path& folder) {
+  MakeOwnMounts();
+  if (mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") != 0)
     throw std::runtime_error(Impossible + "no mount: " + std::strerror(errno));
 }
 

@@ -1,0 +1,184 @@
+// A copy is a file of its own in the state folder: who it is of, the former content and the new one.
+// It gets its name once it is whole, and is marked as in use while its save runs.
+#include "core/in_place_save_posix.h"
+
+#include <fcntl.h>
+
+#include <chrono>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include "core/file_descriptor.h"
+#include "core/file_system.h"
+#include "core/state_folder.h"
+
+namespace chanplan {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view CopyEnding = ".former";
+
+struct Copy {
+  std::string Target;
+  std::uint64_t Device = 0;
+  std::uint64_t Number = 0;
+  std::string Former;
+  std::string New;
+};
+
+fs::path CopyFolder() {
+  const fs::path state = StateFolder();
+  return state.empty() ? state : state / "saves";
+}
+
+// Nobody else may look at a user's state.
+bool MakePrivateFolder(const fs::path& folder) {
+  std::error_code error;
+  const bool made = fs::create_directories(folder.parent_path(), error);
+  if (error) return false;
+  if (made) fs::permissions(folder.parent_path(), fs::perms::owner_all, error);
+  return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST;
+}
+
+std::string ToBytes(const Copy& copy) {
+  std::ostringstream bytes;
+  bytes << copy.Device << ' ' << copy.Number << ' ' << copy.Target.size() << ' ' << copy.Former.size() << ' '
+        << copy.New.size() << '\n'
+        << copy.Target << copy.Former << copy.New;
+  return bytes.str();
+}
+
+std::optional<Copy> FromBytes(const std::string& bytes) {
+  std::istringstream input(bytes);
+  Copy copy;
+  std::size_t target = 0, former = 0, fresh = 0;
+  input >> copy.Device >> copy.Number >> target >> former >> fresh;
+  if (!input || input.get() != '\n') return std::nullopt;
+  const std::string_view rest = std::string_view(bytes).substr(static_cast<std::size_t>(input.tellg()));
+  if (rest.size() < target || rest.size() - target < former || rest.size() - target - former != fresh)
+    return std::nullopt;
+  copy.Target = rest.substr(0, target);
+  copy.Former = rest.substr(target, former);
+  copy.New = rest.substr(target + former);
+  return copy;
+}
+
+// A write that was cut short leaves the beginning; a machine without power may leave zeros in it.
+bool IsPieceOf(std::string_view piece, std::string_view whole) {
+  if (piece.size() > whole.size()) return false;
+  for (std::size_t index = 0; index < piece.size(); ++index)
+    if (piece[index] != whole[index] && piece[index] != '\0') return false;
+  return true;
+}
+
+bool IsTorn(std::string_view content, const Copy& copy) {
+  if (content == copy.Former || content == copy.New) return false;
+  return IsPieceOf(content, copy.New) || IsPieceOf(content, copy.Former);
+}
+
+bool SetContent(int file, std::string_view bytes) {
+  return lseek(file, 0, SEEK_SET) == 0 && ftruncate(file, 0) == 0 && WriteAll(file, bytes) && fsync(file) == 0;
+}
+
+// Two that change a file at once would mix what they write. Another program must not hold this one up for ever.
+bool WaitForTurn(int file) {
+  constexpr int attempts = 300;
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    if (flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
+// False when the copy is still needed.
+bool Heal(const Copy& copy) {
+  const FileDescriptor file(open(copy.Target.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+  struct stat facts {};
+  std::string content;
+  if (!file.IsOpen() || !WaitForTurn(file.Get()) || fstat(file.Get(), &facts) != 0 || !ReadAll(file.Get(), content))
+    return false;
+  // Somebody may have put another file there since.
+  if (facts.st_dev != copy.Device || facts.st_ino != copy.Number || !IsTorn(content, copy)) return true;
+  return SetContent(file.Get(), copy.Former);
+}
+
+void HealFrom(const fs::path& name) {
+  const FileDescriptor file(open(name.c_str(), O_RDWR | O_CLOEXEC));
+  std::string bytes;
+  if (!file.IsOpen() || !MarkInUse(file) || !ReadAll(file.Get(), bytes)) return;
+  const std::optional<Copy> copy = FromBytes(bytes);
+  // One without its ending was not finished, so that nothing was changed yet.
+  if (name.extension() != CopyEnding || !copy || Heal(*copy)) unlink(name.c_str());
+}
+
+// A new file in use, and the name that it gets once it is whole; both are for one copy alone.
+struct UnfinishedCopy {
+  FileDescriptor File;
+  fs::path Name;
+  fs::path Finished;
+};
+
+UnfinishedCopy BeginCopy(const fs::path& folder) {
+  for (int attempt = 0;; ++attempt) {
+    const fs::path name = folder / (std::to_string(getpid()) + "-" + std::to_string(attempt));
+    UnfinishedCopy copy{FileDescriptor(open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)), name,
+                        name.string().append(CopyEnding)};
+    if (!copy.File.IsOpen() && errno != EEXIST) return copy;
+    // Another may sweep it before it is marked.
+    if (!copy.File.IsOpen() || !MarkInUse(copy.File)) continue;
+    if (access(copy.Finished.c_str(), F_OK) != 0) return copy;
+    unlink(name.c_str());
+  }
+}
+
+// The copy's name; empty, with `errno`, when it could not be made. It is in use as long as `file` is open.
+fs::path MakeCopy(const Copy& copy, FileDescriptor& file) {
+  const fs::path folder = CopyFolder();
+  if (folder.empty()) errno = ENOENT;
+  if (folder.empty() || !MakePrivateFolder(folder)) return {};
+  UnfinishedCopy made = BeginCopy(folder);
+  if (!made.File.IsOpen()) return {};
+  file = std::move(made.File);
+  if (WriteAll(file.Get(), ToBytes(copy)) && fsync(file.Get()) == 0 &&
+      rename(made.Name.c_str(), made.Finished.c_str()) == 0) {
+    SyncFolder(folder);
+    return made.Finished;
+  }
+  const int error = errno;
+  unlink(made.Name.c_str());
+  errno = error;
+  return {};
+}
+
+}  // namespace
+
+std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes) {
+  const FileDescriptor file(open(target.c_str(), O_RDWR | O_CLOEXEC));
+  struct stat facts {};
+  if (!file.IsOpen()) return LastError();
+  if (!WaitForTurn(file.Get())) return std::make_error_code(std::errc::device_or_resource_busy);
+  Copy copy;
+  copy.Target = fs::absolute(target).string();
+  copy.New = bytes;
+  if (fstat(file.Get(), &facts) != 0 || !ReadAll(file.Get(), copy.Former)) return LastError();
+  copy.Device = facts.st_dev;
+  copy.Number = facts.st_ino;
+
+  FileDescriptor copyFile;
+  const fs::path copyName = MakeCopy(copy, copyFile);
+  if (copyName.empty()) return LastError();
+  std::error_code error;
+  if (!SetContent(file.Get(), bytes)) error = LastError();
+  if (!error || SetContent(file.Get(), copy.Former)) unlink(copyName.c_str());
+  return error;
+}
+
+void HealInterruptedSaves() {
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(CopyFolder(), none)) HealFrom(entry.path());
+}
+
+}  // namespace chanplan

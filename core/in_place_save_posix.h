@@ -1,0 +1,15 @@
+// Changing a file that no other can take the place of.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace chanplan {
+
+/// Gives the existing file `target` the content `bytes` without making it another file. A copy of the
+/// former content lies in the user's state folder meanwhile. When writing fails, the former content is
+/// put back and the error returned.
+std::error_code OverwriteInPlace(const std::filesystem::path& target, std::string_view bytes);
+
+}  // namespace chanplan
