@@ -1,6 +1,4 @@
 #include "console/command.h"
-#include "core/file_system.h"
-#include "core/sig_file.h"
 #include "report/plan_chart.h"
 
 namespace chanplan {
@@ -12,7 +10,8 @@ void AddChartCommand(CLI::App& app, int& /*exitCode*/) {
   command->add_option("OUT", files->second, "where to write the chart")->required();
   command->callback([files] {
     const auto& [file, out] = *files;
-    FailUnlessSaved(out, ReplaceFile(out, ChartSvg(OpenTable(file), CaptionOfFile(file))));
+    RefuseOwnTable(file, out);
+    SaveBytes(out, ChartSvg(OpenTable(file), CaptionOf(file)));
   });
 }
 

@@ -3,27 +3,53 @@
 #include <algorithm>
 #include <iostream>
 
+#include "core/file_system.h"
 #include "core/sig_file.h"
 #include "core/text_encoding.h"
 #include "core/validation.h"
 
 namespace chanplan {
+namespace {
+
+[[noreturn]] void FailToSave(const std::filesystem::path& file, std::error_code error) {
+  throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
+}
+
+std::string PrintedName(const std::filesystem::path& file) {
+  return file == StandardStream ? "(standard input)" : file.string();
+}
+
+}  // namespace
 
 SignalStandardTable OpenTable(const std::filesystem::path& file) {
-  ReadOutcome outcome = LoadSigFile(file);
-  if (!outcome.Ok()) throw CommandFailure(LoadErrorText(file.string(), 0) + ": " + outcome.Reason);
-  if (outcome.Truncated) Note(file.string() + ": " + std::string(FileTruncatedText));
+  ReadOutcome outcome = file == StandardStream ? ReadSigTable(std::cin) : LoadSigFile(file);
+  if (!outcome.Ok()) throw CommandFailure(LoadErrorText(PrintedName(file), 0) + ": " + outcome.Reason);
+  if (outcome.Truncated) Note(PrintedName(file) + ": " + std::string(FileTruncatedText));
   AlignSubbands(outcome.Table);
   return outcome.Table;
 }
 
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
   AlignSubbands(table);
-  FailUnlessSaved(file, SaveSigFile(file, table));
+  const std::string bytes = WriteSigTable(table);
+  if (HasTooLongLine(bytes)) FailToSave(file, std::make_error_code(std::errc::value_too_large));
+  SaveBytes(file, bytes);
 }
 
-void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
-  if (error) throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
+void SaveBytes(const std::filesystem::path& out, std::string_view bytes) {
+  if (out == StandardStream)
+    std::cout << bytes;  // `main` sees to it that all of it arrives
+  else if (const std::error_code error = ReplaceFile(out, bytes))
+    FailToSave(out, error);
+}
+
+void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out) {
+  if (AreSameFile(file, out))
+    throw CommandFailure(out.string() + " is the table itself, which it would take the place of: nothing was written");
+}
+
+std::string CaptionOf(const std::filesystem::path& file) {
+  return file == StandardStream ? PrintedName(file) : CaptionOfFile(file);
 }
 
 void Note(const std::string& text) { std::cerr << "chanplan: " << text << std::endl; }

@@ -35,6 +35,9 @@ void AddDownloadCommand(CLI::App& app, int& exitCode);
 void AddUploadCommand(CLI::App& app, int& exitCode);
 void AddUnitsCommand(CLI::App& app, int& exitCode);
 
+/// Stands for standard input where a table is read, for standard output where something is written.
+inline constexpr std::string_view StandardStream = "-";
+
 /// The table in `file` as it stands once the editor has opened it: read, its sub-bands in line. Says so on
 /// standard error when it was truncated; throws CommandFailure when it cannot be read.
 SignalStandardTable OpenTable(const std::filesystem::path& file);
@@ -42,8 +45,14 @@ SignalStandardTable OpenTable(const std::filesystem::path& file);
 /// Brings the sub-bands of `table` into line and writes it to `file`; throws CommandFailure.
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 
-/// Throws CommandFailure when `error` is one: what writing `file` came to.
-void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
+/// Writes `bytes` to `out`, whole or not at all; throws CommandFailure.
+void SaveBytes(const std::filesystem::path& out, std::string_view bytes);
+
+/// Throws CommandFailure when what is written to `out` would take the place of the table in `file`.
+void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out);
+
+/// The caption of a document with the table in `file`.
+std::string CaptionOf(const std::filesystem::path& file);
 
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);

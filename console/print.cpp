@@ -1,7 +1,5 @@
 #include "console/command.h"
 #include "console/qt_application.h"
-#include "core/file_system.h"
-#include "core/sig_file.h"
 #include "report/pdf_listing.h"
 
 namespace chanplan {
@@ -14,10 +12,10 @@ struct PrintArguments {
 };
 
 void Print(const PrintArguments& arguments) {
+  RefuseOwnTable(arguments.File, arguments.Out);
   const SignalStandardTable table = OpenTable(arguments.File);
   const auto application = MakePrintApplication();
-  FailUnlessSaved(arguments.Out,
-                  ReplaceFile(arguments.Out, PdfListing(table, CaptionOfFile(arguments.File), arguments.Paper)));
+  SaveBytes(arguments.Out, PdfListing(table, CaptionOf(arguments.File), arguments.Paper));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <iostream>
 
 #include "console/command.h"
-#include "core/sig_file.h"
 #include "core/table_properties.h"
 
 namespace chanplan {
@@ -11,7 +10,7 @@ void AddPropertiesCommand(CLI::App& app, int& /*exitCode*/) {
   const auto file = std::make_shared<std::filesystem::path>();
   command->add_option("FILE", *file, "the table")->required();
   command->callback(
-      [file] { std::cout << WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOfFile(*file))) << '\n'; });
+      [file] { std::cout << WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOf(*file))) << '\n'; });
 }
 
 }  // namespace chanplan

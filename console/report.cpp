@@ -1,5 +1,4 @@
 #include "console/command.h"
-#include "core/sig_file.h"
 #include "report/html_report.h"
 
 namespace chanplan {
@@ -11,7 +10,8 @@ void AddReportCommand(CLI::App& app, int& /*exitCode*/) {
   command->add_option("OUT", files->second, "where to write the report")->required();
   command->callback([files] {
     const auto& [file, out] = *files;
-    FailUnlessSaved(out, SaveReport(out, OpenTable(file), CaptionOfFile(file)));
+    RefuseOwnTable(file, out);
+    SaveBytes(out, ReportText(OpenTable(file), CaptionOf(file)));
   });
 }
 

@@ -152,12 +152,16 @@ std::string WriteSigTable(const SignalStandardTable& table, char decimalSeparato
   return bytes;
 }
 
+bool HasTooLongLine(std::string_view bytes) {
+  for (std::size_t start = 0, end; (end = bytes.find("\r\n", start)) != std::string_view::npos; start = end + 2)
+    if (end - start > MaxLineLength) return true;
+  return false;
+}
+
 std::error_code SaveSigFile(const std::filesystem::path& path, const SignalStandardTable& table,
                             char decimalSeparator) {
   const std::string bytes = WriteSigTable(table, decimalSeparator);
-  // Numbers may come out longer than they went in: a line that could not be read again is not written.
-  for (std::size_t start = 0, end; (end = bytes.find("\r\n", start)) != std::string::npos; start = end + 2)
-    if (end - start > MaxLineLength) return std::make_error_code(std::errc::value_too_large);
+  if (HasTooLongLine(bytes)) return std::make_error_code(std::errc::value_too_large);
   return ReplaceFile(path, bytes);
 }
 

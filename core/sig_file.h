@@ -42,6 +42,9 @@ std::array<std::string, FieldCount> FieldTexts(const SignalStandardRecord& recor
 /// The whole file's bytes for `table`.
 std::string WriteSigTable(const SignalStandardTable& table, char decimalSeparator = '.');
 
+/// Whether a line of `bytes` is too long to be read again: numbers may come out longer than they went in.
+bool HasTooLongLine(std::string_view bytes);
+
 /// Writes `table` to `path`, or leaves the file that was there whole and returns the error.
 std::error_code SaveSigFile(const std::filesystem::path& path, const SignalStandardTable& table,
                             char decimalSeparator = '.');

@@ -96,7 +96,7 @@ std::vector<std::string> EnvironmentWith(const std::vector<std::string>& additio
 
 // Between fork and exec only what another thread's locks cannot block.
 pid_t Start(std::vector<std::string> command, const RunOptions& options, int output, int errors) {
-  const Descriptor input = Open("/dev/null", O_RDONLY);
+  const Descriptor input = Open(options.InputFrom, O_RDONLY);
   std::vector<std::string> environment = EnvironmentWith(options.Environment);
   const std::vector<char*> arguments = Pointers(command);
   const std::vector<char*> variables = Pointers(environment);
@@ -185,8 +185,8 @@ ProgramRun Chanplan::Run(std::vector<std::string> arguments, RunOptions options)
   arguments.insert(arguments.begin(), program.string());
   options.WorkingFolder = Folder.Path();
   // The system's messages are compared, so they have to come in one language.
-  for (const std::string& variable :
-       {"XDG_CONFIG_HOME=" + configuration.Path().string(), std::string("LC_ALL=C.UTF-8")})
+  for (const std::string& variable : {"XDG_CONFIG_HOME=" + configuration.Path().string(),
+                                      "XDG_STATE_HOME=" + configuration.Path().string(), std::string("LC_ALL=C.UTF-8")})
     options.Environment.push_back(variable);
   return RunProgram(std::move(arguments), options);
 }

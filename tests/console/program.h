@@ -23,6 +23,7 @@ enum class TerminalAt { Nowhere, Output, Errors };
 struct RunOptions {
   std::vector<std::string> Environment{};  ///< "NAME=value", on top of the test's own environment
   std::filesystem::path WorkingFolder{};   ///< the test's own when empty
+  std::filesystem::path InputFrom = "/dev/null";
   std::filesystem::path OutputTo{};        ///< a file or device in place of `ProgramRun::Output`
   TerminalAt Terminal = TerminalAt::Nowhere;
   bool Unprivileged = false;                    ///< without root's rights; see WhyNotUnprivileged
@@ -36,7 +37,7 @@ struct ProgramRun {
   std::chrono::milliseconds Elapsed{};
 };
 
-/// Runs `command`, a program's path and its arguments, with an empty standard input.
+/// Runs `command`, a program's path and its arguments, with an empty standard input unless another is named.
 ProgramRun RunProgram(std::vector<std::string> command, const RunOptions& options = {});
 
 /// Why nothing can be run unprivileged here; nothing when it can.
