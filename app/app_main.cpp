@@ -1,6 +1,7 @@
 #include "app/app_main.h"
 
 #include <QDir>
+#include <QGuiApplication>
 
 #include "app/file_io.h"
 #include "editor/messages.h"
@@ -10,6 +11,7 @@ namespace chanplan {
 void AppMain::Main(const QStringList& paths) {
   QDir::setCurrent(ProgramFolder);
   QCoreApplication::setApplicationName(ApplicationName);
+  KeepCopies();
   Frame = std::make_unique<frmMain>(*this);
   Link.CommPort = static_cast<std::int16_t>(Settings.Number(CommPortSetting, 1));
   Link.BaudRate = Settings.BaudRate().toStdString();
@@ -18,7 +20,57 @@ void AppMain::Main(const QStringList& paths) {
   Frame->show();
   if (!Settings.Complaints.isEmpty())
     ShowMessage(*Frame, Settings.Complaints.join("\n\n"), ApplicationName, QMessageBox::Warning);
+  OfferLeftTables();
   for (const QString& path : paths) OpenTableFile(*Frame, path);
+}
+
+void AppMain::KeepCopies() {
+  MakeDocument = [this, make = std::move(MakeDocument)](FrameOperations& frame, DocumentState& state,
+                                                        SharedTables& shared) {
+    std::unique_ptr<DocumentWindow> document = make(frame, state, shared);
+    Recovery.Watch(*document);
+    return document;
+  };
+  QObject::connect(&Recovery, &RecoveryCopies::Failed, &Recovery, [this](const QString& reason) {
+    Frame->ShowStatus("Changes are not safe from a crash before they are saved: " + reason);
+  });
+  // The session ends, and may not wait for answers.
+  QObject::connect(
+      qApp, &QGuiApplication::commitDataRequest, &Recovery,
+      [this] {
+        for (const QPointer<DocumentWindow>& document : Registry.Documents)
+          if (document != nullptr && !document->State().Released) document->CommitEdit();
+        Recovery.Update();
+      },
+      Qt::DirectConnection);
+}
+
+void AppMain::OfferLeftTables() {
+  LeftTables left = Recovery.TakeLeftTables();
+  if (left.Tables.empty()) return;
+  const std::size_t count = left.Tables.size();
+  QString text = count == 1 ? QString("Restore 1 table that was not saved?")
+                            : QString("Restore %1 tables that were not saved?").arg(count);
+  text += '\n';
+  for (const UnsavedTable& unsaved : left.Tables) text += '\n' + unsaved.Caption;
+  const auto answer = Ask(*Frame, QMessageBox::Question, ApplicationName, text,
+                          QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel,
+                          {{QMessageBox::Yes, "&Restore"}, {QMessageBox::Cancel, "&Later"}});
+  if (answer == QMessageBox::Discard) left.Remove();
+  if (answer != QMessageBox::Yes) return;
+  for (const UnsavedTable& unsaved : left.Tables) Restore(unsaved);
+  // Never is there no copy at all.
+  if (Recovery.Update()) left.Remove();
+}
+
+void AppMain::Restore(const UnsavedTable& unsaved) {
+  DocumentWindow& document = Frame->CreateDocument(false);
+  document.ShowUnitTable(unsaved.Table);
+  document.setWindowTitle(unsaved.Caption);
+  document.UnitTableTag = unsaved.UnitTableTag;
+  document.KnownFile = unsaved.KnownFile;
+  document.State().Changed = true;
+  Frame->ShowDocument(document);
 }
 
 }  // namespace chanplan

@@ -20,6 +20,11 @@ class AppMain : public AppState {
   void Main(const QStringList& paths = {});
 
   std::unique_ptr<frmMain> Frame;
+
+ private:
+  void KeepCopies();
+  void OfferLeftTables();
+  void Restore(const UnsavedTable& unsaved);
 };
 
 }  // namespace chanplan

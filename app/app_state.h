@@ -8,6 +8,7 @@
 #include "app/app_settings.h"
 #include "app/document_registry.h"
 #include "app/recent_files.h"
+#include "app/recovery.h"
 #include "app/transfer_flags.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
@@ -34,6 +35,7 @@ struct AppState {
   UnitLink Link;
   DocumentFactory MakeDocument;
   DocumentRegistry Registry;
+  RecoveryCopies Recovery{Registry};
 };
 
 }  // namespace chanplan

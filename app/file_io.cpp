@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <algorithm>
 
 #include "editor/busy_pointer.h"
 #include "editor/messages.h"
@@ -26,6 +27,14 @@ QString FirstFolder(const RecentFileList& recent) {
   if (!recent.Files().isEmpty()) return QFileInfo(recent.Files().front()).path();
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
+bool IsOpenElsewhere(const CommandFrame& frame, const DocumentWindow& opened) {
+  return std::ranges::any_of(frame.findChildren<DocumentWindow*>(), [&opened](DocumentWindow* other) {
+    if (other == &opened || other->State().Released) return false;
+    return other->windowTitle() == opened.windowTitle() ||
+           (opened.KnownFile && other->KnownFile && other->KnownFile->SameFile(*opened.KnownFile));
+  });
 }
 
 void SetUp(QFileDialog& dialog, const RecentFileList& recent, QFileDialog::AcceptMode mode, const char* filesShown) {
@@ -59,15 +68,20 @@ QString PromptSaveFileName(QWidget& owner, const RecentFileList& recent, const Q
 }
 
 void OpenTableFile(CommandFrame& frame, const QString& path) {
-  if (!QFile(path).open(QIODevice::ReadOnly)) return ShowMessage(frame, "Can't open file: " + path);
+  // Opening what is no file, as a pipe, could wait for ever.
+  const bool isFile = !QFileInfo::exists(path) || QFileInfo(path).isFile();
+  if (!isFile || !QFile(path).open(QIODevice::ReadOnly)) return ShowMessage(frame, "Can't open file: " + path);
   const BusyPointer busy(frame);
   DocumentWindow& document = frame.CreateDocument(false);
   const bool read = document.LoadSigStandards(path);
   document.State().Changed = false;
-  if (read)
-    frame.ShowDocument(document);
-  else
+  if (!read) {
     document.close();
+    return;
+  }
+  const bool openAlready = IsOpenElsewhere(frame, document);
+  frame.ShowDocument(document);
+  if (openAlready) frame.ShowStatus(path + " is open in another window, too.");
 }
 
 }  // namespace chanplan

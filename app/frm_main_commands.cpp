@@ -29,6 +29,8 @@ void frmMain::mnuFileSave_Click() {
   const QString caption = document->windowTitle();
   if (document->IsReadOnly() || document->IsUntitled()) return mnuFileSaveAs_Click();
   document->State().Changed = !document->SaveChanplans(caption);
+  app.Recovery.Update();
+  if (document->windowTitle() != caption) app.Recent.UpdateRecentFiles(document->windowTitle());
 }
 
 void frmMain::mnuFileSaveAs_Click() {
@@ -39,6 +41,7 @@ void frmMain::mnuFileSaveAs_Click() {
   const QString path = PromptSaveFileName(proposed, ".sig");
   if (path.isEmpty() || document == nullptr) return;
   document->State().Changed = !document->SaveChanplans(path);
+  app.Recovery.Update();
   app.Recent.UpdateRecentFiles(path);
 }
 

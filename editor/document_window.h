@@ -3,7 +3,9 @@
 
 #include <QMdiSubWindow>
 #include <QString>
+#include <optional>
 
+#include "core/file_system.h"
 #include "core/sig_file.h"
 #include "core/signal_standard_table.h"
 
@@ -33,6 +35,8 @@ class DocumentWindow : public QMdiSubWindow {
 
   /// A word that came with the table from a unit and goes back with it; 0 = it came from elsewhere.
   std::uint16_t UnitTableTag = 0;
+  /// The table's file as it was when this document read or wrote it; nothing when there is none.
+  std::optional<FileStamp> KnownFile;
 
  signals:
   /// The table is another one than before: it was loaded, received, or an edit was stored.
@@ -47,7 +51,8 @@ class DocumentWindow : public QMdiSubWindow {
   /// message, when the file cannot be read; the table is then empty.
   virtual bool LoadSigStandards(const QString& path) = 0;
   /// Stores open edits, validates and writes the table. On success the caption is the path; false,
-  /// after a message, when writing failed. Leaves `Changed` to the caller.
+  /// after a message, when writing failed. Leaves `Changed` to the caller. A file that somebody else
+  /// has changed meanwhile is asked about first; true, too, when the user takes that for the table.
   virtual bool SaveChanplans(const QString& path) = 0;
   /// Stores an edit that is open, so that what follows finds the table as the user sees it.
   virtual void CommitEdit() = 0;

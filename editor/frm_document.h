@@ -103,6 +103,12 @@ class frmDocument : public DocumentWindow {
   void DeleteStandards();
   void UpDown_Change(int value);
 
+  enum class SaveResult { Failed, Saved, Reloaded };
+  SaveResult Save(const QString& path);
+  SaveResult Write(const QString& path);
+  /// Whether somebody else has written to the file that this document takes for its own.
+  bool ChangedMeanwhile(const QString& path) const;
+  SaveResult Reload(const QString& path);
   bool AskToSave();
   void MarkChanged() { state.Changed = true; }
 

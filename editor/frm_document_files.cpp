@@ -3,8 +3,10 @@
 #include <QCloseEvent>
 #include <QLocale>
 #include <QScopedValueRollback>
+#include <algorithm>
 
 #include "core/sig_file.h"
+#include "core/table_difference.h"
 #include "core/table_properties.h"
 #include "editor/default_printer.h"
 #include "editor/frm_document.h"
@@ -26,12 +28,26 @@ class BusyPointer {
   QWidget& widget;
 };
 
+// What a reload changed, in lines that a message box has room for.
+QString DifferenceText(const SignalStandardTable& former, const SignalStandardTable& reloaded) {
+  constexpr std::size_t shown = 20;
+  const std::vector<std::string> differences = TableDifferences(former, reloaded);
+  if (differences.empty()) return "The table was reloaded. It is the one that was here.";
+  QStringList lines = {"The table was reloaded. From what was here (-) to what is in the file (+):", ""};
+  for (std::size_t line = 0; line < std::min(shown, differences.size()); ++line)
+    lines += QString::fromStdString(differences[line]);
+  if (differences.size() > shown) lines += QString("and %1 differences more").arg(differences.size() - shown);
+  return lines.join('\n');
+}
+
 }  // namespace
 
 bool frmDocument::LoadSigStandards(const QString& path) {
   const BusyPointer busy(*this);
   const QScopedValueRollback suppressed(SuppressListEvents, true);
   editor.Close();  // it belongs to the former table
+  // Before it is read: what is written meanwhile must count as a change.
+  KnownFile = ReadFileStamp(PathOf(path));
   ReadOutcome outcome = LoadSigFile(PathOf(path));
   table = std::move(outcome.Table);
   UnitTableTag = 0;
@@ -49,18 +65,55 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   return true;
 }
 
-bool frmDocument::SaveChanplans(const QString& path) {
+bool frmDocument::SaveChanplans(const QString& path) { return Save(path) != SaveResult::Failed; }
+
+frmDocument::SaveResult frmDocument::Save(const QString& path) {
   if (StoreGridsToTable() == Commit::Nothing) ValidateTable();
+  if (!ChangedMeanwhile(path)) return Write(path);
+  const auto answer = Ask(
+      *this, QMessageBox::Warning, frame.ApplicationTitle(),
+      path + "\nhas been changed by another program or in another window since it was read here.\n" +
+          "Reload it and lose the changes made here, overwrite it, or keep both under two names?",
+      QMessageBox::Reset | QMessageBox::Save | QMessageBox::SaveAll | QMessageBox::Cancel,
+      {{QMessageBox::Reset, "&Reload"}, {QMessageBox::Save, "&Overwrite"}, {QMessageBox::SaveAll, "&Keep Both..."}});
+  if (answer == QMessageBox::Reset) return Reload(path);
+  if (answer == QMessageBox::Save) return Write(path);
+  if (answer != QMessageBox::SaveAll) return SaveResult::Failed;
+  const QString other = frame.PromptSaveFileName(path, ".sig");
+  return other.isEmpty() ? SaveResult::Failed : Write(other);
+}
+
+bool frmDocument::ChangedMeanwhile(const QString& path) const {
+  if (path != windowTitle() || !KnownFile) return false;
+  const auto now = ReadFileStamp(PathOf(path));
+  return now && now != KnownFile;
+}
+
+frmDocument::SaveResult frmDocument::Reload(const QString& path) {
+  const SignalStandardTable former = table;
+  if (!LoadSigStandards(path)) {
+    table = former;
+    Refill(0);
+    ShowWarnings();
+    return SaveResult::Failed;
+  }
+  state.Changed = false;
+  ShowMessage(*this, DifferenceText(former, table), frame.ApplicationTitle(), QMessageBox::Information);
+  return SaveResult::Reloaded;
+}
+
+frmDocument::SaveResult frmDocument::Write(const QString& path) {
   const BusyPointer busy(*this);
   // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
   const char separator = QLocale().decimalPoint() == "," ? ',' : '.';
   if (const std::error_code error = SaveSigFile(PathOf(path), table, separator)) {
     ShowFailure(*this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
-    return false;
+    return SaveResult::Failed;
   }
+  KnownFile = ReadFileStamp(PathOf(path));
   setWindowTitle(path);
   GridList->viewport()->update();
-  return true;
+  return SaveResult::Saved;
 }
 
 QString frmDocument::TableProperties() const {
@@ -69,6 +122,13 @@ QString frmDocument::TableProperties() const {
 
 bool frmDocument::SigReport(const QString& ReportName) {
   CommitEdit();
+  const auto replaced = ReadFileStamp(PathOf(ReportName));
+  if (replaced &&
+      ((KnownFile && replaced->SameFile(*KnownFile)) || AreSameFile(PathOf(ReportName), PathOf(windowTitle())))) {
+    ShowFailure(*this, "Error Saving Report",
+                ReportName + " is the table itself, which the report would take the place of.");
+    return false;
+  }
   const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());
   if (error)
     ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromLocal8Bit(error.message().c_str()));
@@ -100,7 +160,8 @@ bool frmDocument::AskToSave() {
     path = frame.PromptSaveFileName("untitled.lst", ".sig");
   else if (IsReadOnly())
     path = frame.PromptSaveFileName("", ".sig");
-  return !path.isEmpty() && SaveChanplans(path);
+  // What was reloaded is to be looked at before it goes.
+  return !path.isEmpty() && Save(path) == SaveResult::Saved;
 }
 
 void frmDocument::closeEvent(QCloseEvent* event) {

@@ -46,7 +46,10 @@ class MachinePort : public FakePort {
 
 class AppTest : public ::testing::Test {
  protected:
-  AppTest() { qputenv("XDG_CONFIG_HOME", folder.Path().string().c_str()); }
+  AppTest() {
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+      qputenv(variable, folder.Path().string().c_str());
+  }
   ~AppTest() override {
     EXPECT_TRUE(answers.AllGiven()) << "a dialog that was waited for did not come";
     answers.Stop();

@@ -1,0 +1,162 @@
+#include "app/recovery.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QUrl>
+#include <QUuid>
+#include <set>
+#include <sstream>
+
+#include "core/sig_file.h"
+#include "core/state_folder.h"
+
+namespace chanplan {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view Title = "Chanplan recovery copy 1";
+constexpr std::string_view CopyEnding = ".copy";
+
+QString PathText(const fs::path& path) { return QString::fromStdU16String(path.u16string()); }
+
+std::unique_ptr<QLockFile> LockOf(const fs::path& folder, const std::string& session) {
+  auto lock = std::make_unique<QLockFile>(PathText(folder / (session + ".lock")));
+  lock->setStaleLockTime(0);  // a program may run for weeks; it is over when its process is
+  return lock;
+}
+
+// Copies are called by their program and their slot: SESSION-SLOT.copy
+std::string SessionOf(const fs::path& copy) {
+  const std::string name = copy.stem().string();
+  return name.substr(0, name.rfind('-'));
+}
+
+}  // namespace
+
+std::string CopyText(const UnsavedTable& unsaved) {
+  std::ostringstream text;
+  text << Title << '\n'
+       << QUrl::toPercentEncoding(unsaved.Caption).toStdString() << '\n'
+       << unsaved.UnitTableTag << '\n'
+       << unsaved.KnownFile.has_value();
+  if (const auto& file = unsaved.KnownFile)
+    text << ' ' << file->Device << ' ' << file->Number << ' ' << file->Modified << ' ' << file->Size;
+  text << '\n' << WriteSigTable(unsaved.Table);
+  return text.str();
+}
+
+std::optional<UnsavedTable> ReadCopyText(const std::string& text) {
+  std::istringstream input(text);
+  std::string title, caption, line;
+  UnsavedTable unsaved;
+  bool hasFile = false;
+  std::getline(input, title);
+  std::getline(input, caption);
+  input >> unsaved.UnitTableTag >> hasFile;
+  if (hasFile) {
+    FileStamp& file = unsaved.KnownFile.emplace();
+    input >> file.Device >> file.Number >> file.Modified >> file.Size;
+  }
+  std::getline(input, line);
+  if (!input || title != Title) return std::nullopt;
+  unsaved.Caption = QUrl::fromPercentEncoding(QByteArray::fromStdString(caption));
+  ReadOutcome read = ReadSigTable(input);
+  if (!read.Ok()) return std::nullopt;
+  unsaved.Table = std::move(read.Table);
+  return unsaved;
+}
+
+void LeftTables::Remove() {
+  std::error_code ignored;
+  for (const fs::path& file : Files) fs::remove(file, ignored);
+  Files.clear();
+  Locks.clear();
+}
+
+RecoveryCopies::RecoveryCopies(const DocumentRegistry& documents)
+    : registry(documents),
+      folder(StateFolder()),
+      session(std::to_string(QCoreApplication::applicationPid()) + "-" +
+              QUuid::createUuid().toString(QUuid::Id128).toStdString()) {
+  if (!folder.empty()) folder /= "recovery";
+  // Once control is back: an edit that is stored in several steps is written once.
+  soon.setSingleShot(true);
+  soon.setInterval(0);
+  connect(&soon, &QTimer::timeout, this, &RecoveryCopies::Update);
+}
+
+RecoveryCopies::~RecoveryCopies() { Update(); }
+
+void RecoveryCopies::Watch(const DocumentWindow& document) {
+  connect(&document, &DocumentWindow::TableChanged, &soon, qOverload<>(&QTimer::start));
+  connect(&document, &QObject::destroyed, &soon, qOverload<>(&QTimer::start));
+}
+
+bool RecoveryCopies::Update() {
+  bool done = true;
+  for (int slot = 1; slot <= static_cast<int>(registry.Documents.size()); ++slot) {
+    const DocumentState& state = registry.DocumentStates[static_cast<std::size_t>(slot) - 1];
+    if (state.Released || !state.Changed)
+      Remove(slot);
+    else if (const DocumentWindow* document = registry.Document(slot))
+      done = Write(slot, *document) && done;
+  }
+  return done;
+}
+
+bool RecoveryCopies::Write(int slot, const DocumentWindow& document) {
+  std::string text = CopyText({document.windowTitle(), document.UnitTableTag, document.KnownFile, document.Table()});
+  if (const auto former = written.find(slot); former != written.end() && former->second == text) return true;
+  std::error_code error = std::make_error_code(std::errc::permission_denied);
+  if (Claim()) error = ReplaceFile(FileOf(slot), text);
+  if (error && !failed) emit Failed(QString::fromLocal8Bit(error.message().c_str()));
+  failed = static_cast<bool>(error);
+  if (!failed) written[slot] = std::move(text);
+  return !failed;
+}
+
+void RecoveryCopies::Remove(int slot) {
+  if (written.erase(slot) == 0) return;
+  std::error_code ignored;
+  fs::remove(FileOf(slot), ignored);
+}
+
+fs::path RecoveryCopies::FileOf(int slot) const {
+  return folder / (session + "-" + std::to_string(slot) + std::string(CopyEnding));
+}
+
+bool RecoveryCopies::Claim() {
+  if (claim != nullptr) return true;
+  if (folder.empty() || !QDir().mkpath(PathText(folder))) return false;
+  QFile::setPermissions(PathText(folder), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  std::unique_ptr<QLockFile> lock = LockOf(folder, session);
+  if (!lock->tryLock(0)) return false;
+  claim = std::move(lock);
+  return true;
+}
+
+LeftTables RecoveryCopies::TakeLeftTables() const {
+  std::error_code none;
+  std::map<std::string, std::set<fs::path>> sessions;
+  for (const auto& entry : fs::directory_iterator(folder, none))
+    if (entry.path().extension() == CopyEnding && SessionOf(entry.path()) != session)
+      sessions[SessionOf(entry.path())].insert(entry.path());
+  LeftTables left;
+  for (const auto& [name, files] : sessions) {
+    std::unique_ptr<QLockFile> lock = LockOf(folder, name);
+    if (!lock->tryLock(0)) continue;  // it runs still, or another program takes them
+    left.Locks.push_back(std::move(lock));
+    for (const fs::path& file : files) {
+      QFile copy(PathText(file));
+      if (!copy.open(QIODevice::ReadOnly)) continue;
+      std::optional<UnsavedTable> unsaved = ReadCopyText(copy.readAll().toStdString());
+      if (!unsaved) continue;
+      left.Tables.push_back(std::move(*unsaved));
+      left.Files.push_back(file);
+    }
+  }
+  return left;
+}
+
+}  // namespace chanplan
