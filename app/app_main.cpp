@@ -18,10 +18,13 @@ void AppMain::Main(const QStringList& paths) {
   Frame->NewDocument();
   Recent.LoadRecentFiles();
   Frame->show();
-  if (!Settings.Complaints.isEmpty())
-    ShowMessage(*Frame, Settings.Complaints.join("\n\n"), ApplicationName, QMessageBox::Warning);
+  if (const QStringList complaints = Settings.Complaints(); !complaints.isEmpty())
+    ShowMessage(*Frame, complaints.join("\n\n"), ApplicationName, QMessageBox::Warning);
   OfferLeftTables();
-  for (const QString& path : paths) OpenTableFile(*Frame, path);
+  for (const QString& path : paths) {
+    OpenTableFile(*Frame, path);
+    Recent.UpdateRecentFiles(path);
+  }
 }
 
 void AppMain::KeepCopies() {

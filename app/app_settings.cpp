@@ -1,6 +1,9 @@
 #include "app/app_settings.h"
 
 #include <QDir>
+#include <QFile>
+#include <QUrl>
+#include <algorithm>
 #include <cmath>
 
 #include "settings/user_settings.h"
@@ -21,14 +24,44 @@ AppSettings::AppSettings()
 #else
     : store(QString::fromStdString(SettingsFile()), QSettings::IniFormat) {
 #endif
-  if (store.status() != QSettings::NoError)
-    Complaints +=
-        "Your settings file " + Place() + " is damaged or cannot be read. Defaults are used for what it lacks.";
+  store.allKeys();  // sections are looked into once they are needed
+  if (store.status() == QSettings::NoError) return;
+  QString complaint =
+      "Your settings file " + Place() + " is damaged or cannot be read. Defaults are used for what it lacks.";
+  for (const QString& section : DamagedSections())
+    complaint += "\nLines of section \"" + section + "\" cannot be read; they will be lost when settings are written.";
+  complaints[-1] = complaint;
 }
 
+// The library says only that something is wrong.
+QStringList AppSettings::DamagedSections() const {
+  QFile file(store.fileName());
+  QStringList damaged;
+  QString section;
+  if (!file.open(QIODevice::ReadOnly)) return damaged;
+  for (const QByteArray& untrimmed : file.readAll().split('\n')) {
+    const QByteArray line = untrimmed.trimmed();
+    if (line.isEmpty() || line.startsWith(';') || line.startsWith('#')) continue;
+    if (line.startsWith('[') && line.endsWith(']'))
+      section = QUrl::fromPercentEncoding(line.mid(1, line.size() - 2));
+    else if (!section.isEmpty() && !line.contains('=') && !damaged.contains(section))
+      damaged += section;
+  }
+  return damaged;
+}
+
+QStringList AppSettings::Complaints() const {
+  QStringList lines;
+  for (const auto& [place, complaint] : complaints) lines += complaint;
+  return lines;
+}
+
+// A store that was damaged when it was read says so for ever, and nothing else: a new one tells of this write.
 bool AppSettings::Write() {
   store.sync();
-  return store.status() != QSettings::AccessError;
+  QSettings writing(store.fileName(), store.format());
+  writing.sync();
+  return writing.status() != QSettings::AccessError;
 }
 
 QString AppSettings::Place() const { return QDir::toNativeSeparators(store.fileName()); }
@@ -43,13 +76,15 @@ double AppSettings::Number(const NumberSetting& setting, double defaultValue) {
   const double value = Text(key).toDouble(&isNumber);
   if (isNumber && value >= setting.Least && value <= setting.Most && (!setting.Whole || value == std::rint(value)))
     return value;
-  Complaints += QString(
-                    "In section \"Settings\" of your settings, \"%1\" is \"%2\", which is not a %3 from %4 to %5. "
-                    "Its default, %6, is used.")
-                    .arg(setting.Key, Text(key), setting.Whole ? "whole number" : "number")
-                    .arg(setting.Least, 0, 'f', 0)
-                    .arg(setting.Most, 0, 'f', 0)
-                    .arg(defaultValue, 0, 'g', 9);
+  const auto place = std::ranges::find(NumberSettings, &setting) - NumberSettings.begin();
+  complaints[static_cast<int>(place)] =
+      QString(
+          "In section \"Settings\" of your settings, \"%1\" is \"%2\", which is not a %3 from %4 to %5. "
+          "Its default, %6, is used.")
+          .arg(setting.Key, Text(key), setting.Whole ? "whole number" : "number")
+          .arg(setting.Least, 0, 'f', 0)
+          .arg(setting.Most, 0, 'f', 0)
+          .arg(defaultValue, 0, 'g', 9);
   return defaultValue;
 }
 
@@ -64,7 +99,8 @@ void AppSettings::SetNumber(const NumberSetting& setting, double value) {
 
 void AppSettings::SetBaudRate(const QString& text) { store.setValue(InSettings(BaudRateKey), text); }
 
-QStringList AppSettings::RecentFiles() const {
+QStringList AppSettings::RecentFiles() {
+  store.sync();
   QStringList files;
   if (Text(RecentFileKey(1)).isEmpty()) return files;
   for (const QString& key : store.allKeys())
@@ -73,6 +109,7 @@ QStringList AppSettings::RecentFiles() const {
 }
 
 void AppSettings::AddRecentFile(const QString& path) {
+  store.sync();
   for (int number = RecentFileCount - 1; number >= 1; --number)
     if (const QString former = Text(RecentFileKey(number)); !former.isEmpty())
       store.setValue(RecentFileKey(number + 1), former);

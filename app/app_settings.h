@@ -4,6 +4,8 @@
 #include <QSettings>
 #include <QString>
 #include <QStringList>
+#include <array>
+#include <map>
 
 namespace chanplan {
 
@@ -19,12 +21,15 @@ struct NumberSetting {
   bool Whole;
 };
 
-inline constexpr NumberSetting CommPortSetting = {"CommPort", 0, 32767, true};
+inline constexpr NumberSetting CommPortSetting = {"CommPort", 1, 6, true};
 inline constexpr NumberSetting MainLeftSetting = {"MainLeft", -1e6, 1e6, false};
 inline constexpr NumberSetting MainTopSetting = {"MainTop", -1e6, 1e6, false};
 inline constexpr NumberSetting MainWidthSetting = {"MainWidth", 0, 1e6, false};
 inline constexpr NumberSetting MainHeightSetting = {"MainHeight", 0, 1e6, false};
 inline constexpr NumberSetting MainStateSetting = {"MainState", 0, 2, true};
+/// In the order in which they are kept and complained about.
+inline constexpr std::array<const NumberSetting*, 6> NumberSettings = {
+    &CommPortSetting, &MainLeftSetting, &MainTopSetting, &MainWidthSetting, &MainHeightSetting, &MainStateSetting};
 inline constexpr char BaudRateKey[] = "BaudRate";
 
 class AppSettings {
@@ -32,7 +37,7 @@ class AppSettings {
   AppSettings();
 
   /// The stored number, or `defaultValue` when there is none. One that cannot be made use of gives
-  /// the default too, and a line in `Complaints`.
+  /// the default too, and a complaint.
   double Number(const NumberSetting& setting, double defaultValue);
   QString BaudRate() const;
 
@@ -44,18 +49,21 @@ class AppSettings {
   QString Place() const;
 
   /// The values of section "Recent Files" in the store's order: the newest file first. Nothing
-  /// when there is no newest file.
-  QStringList RecentFiles() const;
+  /// when there is no newest file. What other programs have stored meanwhile counts, here and below.
+  QStringList RecentFiles();
   /// Makes `path` the newest of the five recent files, wherever else it may stand among them.
   void AddRecentFile(const QString& path);
 
   /// What is wrong with the settings read so far, a sentence or two each.
-  QStringList Complaints;
+  QStringList Complaints() const;
 
  private:
+  /// The sections with lines that are no settings, which the next write loses.
+  QStringList DamagedSections() const;
   QString Text(const QString& key) const;
 
   QSettings store;
+  std::map<int, QString> complaints;  // by the setting's place; those about the whole store come first
 };
 
 }  // namespace chanplan

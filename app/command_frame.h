@@ -15,6 +15,8 @@ class CommandFrame : public QMainWindow, public FrameOperations {
   /// is used again. Its caption is `name` followed by its number. The frame owns it; it is not shown yet.
   virtual DocumentWindow& CreateDocument(bool newSlotRequested, const QString& name = "Untitled ") = 0;
   virtual void ShowDocument(DocumentWindow& document) = 0;
+  /// The document that commands act on, null when there is none.
+  virtual DocumentWindow* ActiveDocument() const = 0;
 };
 
 }  // namespace chanplan

@@ -22,11 +22,30 @@ QString ChosenFile(QFileDialog& dialog) {
   return dialog.exec() == QDialog::Accepted ? QDir::toNativeSeparators(dialog.selectedFiles().value(0)) : QString();
 }
 
-// Where the newest recent file is, else the user's documents: the current folder is the program's.
-QString FirstFolder(const RecentFileList& recent) {
-  if (!recent.Files().isEmpty()) return QFileInfo(recent.Files().front()).path();
+// Where the active document is, else the newest recent file, else the user's documents: the current folder is
+// the program's.
+QString FirstFolder(const CommandFrame& frame, const RecentFileList& recent) {
+  QStringList files = recent.Files();
+  if (const DocumentWindow* active = frame.ActiveDocument()) files.prepend(active->windowTitle());
+  for (const QString& file : files)
+    if (const QFileInfo info(file); info.isAbsolute() && info.dir().exists()) return info.path();
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
+// The dialog takes what follows any "." for a type. In "v1.2" it is none, unless there is such a file already.
+QString WithType(CommandFrame& frame, const QString& path, const QString& type) {
+  const QString suffix = QFileInfo(path).suffix();
+  bool isNumber = false;
+  suffix.toULongLong(&isNumber);
+  if (!isNumber || QFileInfo::exists(path)) return path;
+  const QString typed = path + type;
+  const bool free = !QFileInfo::exists(typed);
+  if (free ||
+      Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), typed + " already exists.\nDo you want to replace it?",
+          QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes)
+    return typed;
+  return {};
 }
 
 bool IsOpenElsewhere(const CommandFrame& frame, const DocumentWindow& opened) {
@@ -37,9 +56,10 @@ bool IsOpenElsewhere(const CommandFrame& frame, const DocumentWindow& opened) {
   });
 }
 
-void SetUp(QFileDialog& dialog, const RecentFileList& recent, QFileDialog::AcceptMode mode, const char* filesShown) {
+void SetUp(QFileDialog& dialog, const CommandFrame& frame, const RecentFileList& recent, QFileDialog::AcceptMode mode,
+           const char* filesShown) {
   dialog.setObjectName("CMDialog1");
-  dialog.setDirectory(FirstFolder(recent));
+  dialog.setDirectory(FirstFolder(frame, recent));
   dialog.setAcceptMode(mode);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::HideNameFilterDetails);
@@ -51,20 +71,21 @@ void SetUp(QFileDialog& dialog, const RecentFileList& recent, QFileDialog::Accep
 
 void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent) {
   QFileDialog dialog(&frame);
-  SetUp(dialog, recent, QFileDialog::AcceptOpen, TableFiles);
+  SetUp(dialog, frame, recent, QFileDialog::AcceptOpen, TableFiles);
   const QString path = ChosenFile(dialog);
   if (path.isEmpty()) return;
   OpenTableFile(frame, path);
   recent.UpdateRecentFiles(path);
 }
 
-QString PromptSaveFileName(QWidget& owner, const RecentFileList& recent, const QString& proposedName,
+QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, const QString& proposedName,
                            const QString& fileType) {
-  QFileDialog dialog(&owner);
-  SetUp(dialog, recent, QFileDialog::AcceptSave, fileType == ".sig" ? TableFiles : ReportFiles);
-  dialog.setDefaultSuffix(proposedName.endsWith(".htm") ? ".htm" : fileType);  // reports are asked for as tables are
+  QFileDialog dialog(&frame);
+  SetUp(dialog, frame, recent, QFileDialog::AcceptSave, fileType == ".sig" ? TableFiles : ReportFiles);
+  const QString type = proposedName.endsWith(".htm") ? ".htm" : fileType;  // reports are asked for as tables are
+  dialog.setDefaultSuffix(type);
   dialog.selectFile(proposedName);
-  return ChosenFile(dialog);
+  return WithType(frame, ChosenFile(dialog), type);
 }
 
 void OpenTableFile(CommandFrame& frame, const QString& path) {

@@ -13,7 +13,7 @@ void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent);
 
 /// Asks for a file to save to, `proposedName` at first: its full path, or "" when the user cancels.
 /// `fileType`, ".sig" or ".htm", decides on the files shown, and is added to a name without a type.
-QString PromptSaveFileName(QWidget& owner, const RecentFileList& recent, const QString& proposedName,
+QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, const QString& proposedName,
                            const QString& fileType);
 
 /// Opens the table at `path` in a document of its own, or in the untouched first document. When it

@@ -36,8 +36,7 @@ class frmMain : public CommandFrame {
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override;
   QString ApplicationTitle() const override { return ApplicationName; }
 
-  /// The document that commands act on, null when there is none.
-  DocumentWindow* ActiveDocument() const;
+  DocumentWindow* ActiveDocument() const override;
   DocumentWindow& CreateDocument(bool newSlotRequested, const QString& name = "Untitled ") override;
   void ShowDocument(DocumentWindow& document) override;
   /// A new empty document, shown.

@@ -8,6 +8,8 @@
 namespace chanplan {
 namespace {
 
+constexpr int MostRecentFileLetters = 80;
+
 constexpr int LastRecentFile = 5;
 constexpr int LastPort = 6;
 constexpr int LastBaudRate = 4;
@@ -212,7 +214,10 @@ void frmMain::ShowRecentFiles(const QStringList& files) {
   Action("mnuRecentFile0")->setVisible(!files.isEmpty());
   for (int index = 1; index <= qMin(LastRecentFile, static_cast<int>(files.size())); ++index) {
     QAction* item = Action("mnuRecentFile" + QString::number(index));
-    item->setText(QString(files[index - 1]).replace('&', "&&"));
+    // A menu as wide as the screen hides what it is about; a TAB would stand before a key's name.
+    const QString shown = fontMetrics().elidedText(QString(files[index - 1]).replace('\t', ' '), Qt::ElideMiddle,
+                                                   fontMetrics().averageCharWidth() * MostRecentFileLetters);
+    item->setText(QString(shown).replace('&', "&&"));
     item->setVisible(true);
   }
 }

@@ -10,8 +10,6 @@
 namespace chanplan {
 namespace {
 
-constexpr int TitleBarHeight = 30;  // pixels, about
-
 // Indexed by the stored window state.
 constexpr std::array<Qt::WindowState, 3> WindowStates = {Qt::WindowNoState, Qt::WindowMinimized, Qt::WindowMaximized};
 
@@ -27,7 +25,7 @@ void RestorePlacement(QWidget& frame, AppSettings& settings) {
                      TwipsToPixelsY(settings.Number(MainHeightSetting, screenHeight * 0.6), frame));
   QList<QRect> screens;
   for (const QScreen* shown : QGuiApplication::screens()) screens += shown->availableGeometry();
-  const QRect placement = BroughtIntoView(stored, screens);
+  const QRect placement = FittedToScreen(stored, screens);
   frame.move(placement.topLeft());
   frame.resize(placement.size());
   frame.setWindowState(WindowStates.at(static_cast<std::size_t>(settings.Number(MainStateSetting, 0))));
@@ -42,10 +40,12 @@ void SavePlacement(const QWidget& frame, AppSettings& settings) {
   settings.SetNumber(MainStateSetting, frame.isMaximized() ? 2 : 0);
 }
 
-QRect BroughtIntoView(QRect placement, const QList<QRect>& screens) {
-  const QRect upperEdge(placement.topLeft(), QSize(placement.width(), TitleBarHeight));
-  if (std::ranges::any_of(screens, [&](const QRect& screen) { return screen.intersects(upperEdge); })) return placement;
-  const QRect home = screens.front();
+QRect FittedToScreen(QRect placement, const QList<QRect>& screens) {
+  const auto shownArea = [&placement](const QRect& screen) {
+    const QSize shown = screen.intersected(placement).size();
+    return static_cast<qint64>(shown.width()) * shown.height();
+  };
+  const QRect home = *std::ranges::max_element(screens, {}, shownArea);  // the first when none shows any of it
   placement.setSize(placement.size().boundedTo(home.size()));
   placement.moveLeft(qBound(home.left(), placement.left(), home.right() + 1 - placement.width()));
   placement.moveTop(qBound(home.top(), placement.top(), home.bottom() + 1 - placement.height()));

@@ -15,7 +15,7 @@ void RestorePlacement(QWidget& frame, AppSettings& settings);
 /// Stores them, unless `frame` is minimised.
 void SavePlacement(const QWidget& frame, AppSettings& settings);
 
-/// `placement`, unless none of `screens` shows its upper edge: moved and cut to the first then.
-QRect BroughtIntoView(QRect placement, const QList<QRect>& screens);
+/// `placement`, moved and cut to the one of `screens` that shows most of it; to the first when none does.
+QRect FittedToScreen(QRect placement, const QList<QRect>& screens);
 
 }  // namespace chanplan

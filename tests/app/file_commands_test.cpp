@@ -1,8 +1,11 @@
 // New, Open, Save, Save As, Close, recent files and the factory table.
+#include <sys/stat.h>
+
 #include <QComboBox>
 #include <QListView>
 #include <QTreeView>
 
+#include "app/file_io.h"
 #include "tests/app/app_fixture.h"
 
 using namespace chanplan;
@@ -68,6 +71,62 @@ TEST_F(Files, DialogsStartWhereTheNewestRecentFileIs) {
   app->Recent.LoadRecentFiles();
   LookAtFileDialog([this](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir(InFolder(""))); });
   Choose("mnuFileSaveAs");
+}
+
+TEST_F(Files, DialogsStartWhereTheActiveDocumentIsAndNeverInAFolderThatIsGone) {
+  std::filesystem::create_directory(folder / "plans");
+  std::filesystem::create_directory(folder / "recent");
+  SetStored("Recent Files/RecentFile1", "/gone/x.sig");
+  SetStored("Recent Files/RecentFile2", InFolder("recent/x.sig"));
+  Start();
+  LookAtFileDialog([this](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir(InFolder("recent"))); });
+  Choose("mnuFileOpen");
+  OpenTableFile(Frame(), Table("plans/a.sig"));
+  LookAtFileDialog([this](QFileDialog& dialog) { EXPECT_EQ(dialog.directory(), QDir(InFolder("plans"))); });
+  Choose("mnuFileOpen");
+}
+
+TEST_F(Files, NumberBehindADotIsNoType) {
+  WriteFile(folder / "taken.2.sig", "former");
+  Start({Table("a.sig")});
+  AnswerFileDialog(InFolder("v1.2"));
+  Choose("mnuFileSaveAs");
+  EXPECT_EQ(Captions(), QStringList({InFolder("v1.2.sig")}));
+  AnswerFileDialog(InFolder("taken.2"));
+  AnswerMessage(QMessageBox::No);
+  Choose("mnuFileSaveAs");
+  EXPECT_EQ(messages.back().Text, InFolder("taken.2.sig") + " already exists.\nDo you want to replace it?");
+  EXPECT_EQ(ReadFile(folder / "taken.2.sig"), "former");
+}
+
+TEST_F(Files, FileThatIsOpenInAnotherWindowIsSaidToBe) {
+  const QString path = Table("a.sig");
+  Start({path});
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "");
+  OpenByDialog(path);
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), path + " is open in another window, too.");
+}
+
+TEST_F(Files, SaveOfOneWindowAsksInTheOther) {
+  const QString path = Table("a.sig", {"A"});
+  Start({path});
+  OpenByDialog(path);
+  Frame().ActiveDocument()->InsertBlank();
+  Choose("mnuFileSave");
+  Frame().ShowDocument(*app->Registry.Document(1));
+  AnswerMessage(QMessageBox::SaveAll);
+  AnswerFileDialog(InFolder("other.sig"));
+  Choose("mnuFileSave");
+  EXPECT_EQ(Captions(), QStringList({InFolder("other.sig"), path}));
+  EXPECT_EQ(RecentMenu().value(0), InFolder("other.sig"));
+}
+
+TEST_F(Files, PipeIsNoTableAndHoldsNothingUp) {
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  Start();
+  AnswerMessage();
+  OpenTableFile(Frame(), InFolder("pipe"));
+  EXPECT_EQ(messages.back().Text, "Can't open file: " + InFolder("pipe"));
 }
 
 TEST_F(Files, AllFilesAreThoseWithoutATypeToo) {

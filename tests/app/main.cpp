@@ -11,7 +11,8 @@ int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   // Nothing of the user who runs the tests is read or written.
   const chanplan::testing::TempFolder home;
-  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) qputenv(variable, home.Path().string().c_str());
+  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+    qputenv(variable, home.Path().string().c_str());
   chanplan::testing::HidePrinters();
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const QApplication application(argc, argv);

@@ -49,6 +49,20 @@ TEST_F(Report, IsWrittenAndOpenedInTheViewer) {
   EXPECT_EQ(viewer.Opened, QList<QUrl>{QUrl::fromLocalFile(InFolder("plan.htm"))});
 }
 
+TEST_F(Report, DoesNotTakeThePlaceOfTheTable) {
+  Start({Table("plan.sig")});
+  const std::string table = ReadFile(folder / "plan.sig");
+  std::filesystem::create_hard_link(folder / "plan.sig", folder / "link.htm");
+  AnswerFileDialog(InFolder("link.htm"));
+  AnswerMessage(QMessageBox::Yes);  // it is there
+  AnswerMessage();
+  Choose("mnuFileReport");
+  EXPECT_EQ(messages.back().Text,
+            InFolder("link.htm") + " is the table itself, which the report would take the place of.");
+  EXPECT_EQ(ReadFile(folder / "plan.sig"), table);
+  EXPECT_TRUE(viewer.Opened.isEmpty());
+}
+
 TEST_F(Report, ProposesTheNameOfTheTable) {
   Start({Table("Band.old.sig")});
   ExpectProposal("Band.htm");

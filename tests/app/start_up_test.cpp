@@ -143,14 +143,14 @@ TEST_F(StartUp, UnreadableSettingsAreNamedOnceAndTheirDefaultsUsed) {
   ASSERT_EQ(messages.size(), 1U);
   EXPECT_EQ(
       messages.front().Text,
+      "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 1 to "
+      "6. Its default, 1, is used.\n\n"
       "In section \"Settings\" of your settings, \"MainLeft\" is \"left\", which is not a number from -1000000 to "
       "1000000. Its default, " +
           QString::number(screenWidth * 15 / 20.0) +  // twips
           ", is used.\n\n"
           "In section \"Settings\" of your settings, \"MainState\" is \"7\", which is not a whole number from 0 to 2. "
-          "Its default, 0, is used.\n\n"
-          "In section \"Settings\" of your settings, \"CommPort\" is \"COM2\", which is not a whole number from 0 to "
-          "32767. Its default, 1, is used.");
+          "Its default, 0, is used.");
   EXPECT_EQ(app->Link.CommPort, 1);
   EXPECT_EQ(Frame().x(), qRound(screenWidth / 20.0));
   EXPECT_FALSE(Frame().isMaximized());
@@ -176,20 +176,79 @@ TEST_F(StartUp, PlacementOutsideTheScreenIsBroughtBack) {
   EXPECT_EQ(Frame().pos(), QPoint(QGuiApplication::primaryScreen()->size().width() - Frame().width(), 0));
 }
 
-TEST(BroughtIntoView, LeavesAloneWhatAScreenShows) {
+TEST_F(StartUp, PortThatTheMenuDoesNotHaveIsNamed) {
+  SetStored("Settings/CommPort", "7");
+  AnswerMessage();
+  Start();
+  EXPECT_EQ(messages.front().Text,
+            "In section \"Settings\" of your settings, \"CommPort\" is \"7\", which is not a whole number from 1 to 6. "
+            "Its default, 1, is used.");
+}
+
+TEST_F(StartUp, MillionsOfTwipsAreNamed) {
+  SetStored("Settings/MainWidth", "2000000");
+  AnswerMessage();
+  Start();
+  EXPECT_TRUE(messages.front().Text.startsWith("In section \"Settings\" of your settings, \"MainWidth\""));
+}
+
+TEST_F(StartUp, DamagedSectionIsNamedBeforeItIsOverwritten) {
+  WriteFile(SettingsFile(), "[Settings]\nCommPort=2\nthis is no setting\n[Recent%20Files]\nRecentFile1=/a.sig\n");
+  AnswerMessage();
+  Start();
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_TRUE(messages.front().Text.endsWith(
+      "Lines of section \"Settings\" cannot be read; they will be lost when settings are written."))
+      << messages.front().Text.toStdString();
+  EXPECT_EQ(app->Link.CommPort, 2);
+}
+
+TEST(FittedToScreen, TakesTheOneThatShowsMost) {
   const QList<QRect> screens = {{0, 0, 1000, 800}, {1000, 0, 1000, 800}};
   const struct {
     QRect Placement;
     QRect Result;
   } cases[] = {
       {{100, 100, 600, 400}, {100, 100, 600, 400}},    // inside
-      {{1900, 700, 600, 400}, {1900, 700, 600, 400}},  // a corner on the second screen
+      {{1900, 700, 600, 400}, {1400, 400, 600, 400}},  // a corner on the second screen
+      {{700, 100, 600, 400}, {400, 100, 600, 400}},    // half on either
+      {{701, 100, 600, 400}, {1000, 100, 600, 400}},   // more on the second
+      {{200, 100, 1500, 900}, {0, 0, 1000, 800}},      // larger than any
       {{2100, 100, 600, 400}, {400, 100, 600, 400}},   // to the right of both
       {{-700, 100, 600, 400}, {0, 100, 600, 400}},     // to the left
       {{100, -500, 600, 900}, {100, 0, 600, 800}},     // its title bar above the screen, and too high
       {{100, 900, 2000, 400}, {0, 400, 1000, 400}},    // below, and too wide
   };
-  for (const auto& test : cases) EXPECT_EQ(BroughtIntoView(test.Placement, screens), test.Result);
+  for (const auto& test : cases) EXPECT_EQ(FittedToScreen(test.Placement, screens), test.Result);
+}
+
+TEST_F(RecentFiles, ProgramsThatRunAtOnceShareThem) {
+  Start();
+  app->Recent.AddRecentFile("A");
+  // The other program's, written by hand: two stores of one program are one.
+  const std::string other = "[Recent%20Files]\nRecentFile1=from the other\nRecentFile2=A\n";
+  WriteFile(SettingsFile(), other);
+  app->Recent.AddRecentFile("B");
+  EXPECT_EQ(StoredRecentFiles(), QStringList({"B", "from the other", "A", "", "", ""}));
+}
+
+TEST_F(RecentFiles, FilesGivenAtTheStartAreAmongThem) {
+  const QString first = Table("a.sig"), second = Table("b.sig");
+  Start({first, second});
+  EXPECT_EQ(RecentMenu(), QStringList({second, first}));
+}
+
+TEST_F(RecentFiles, LongPathsAreShortenedInTheMenuAndOpenedAllTheSame) {
+  std::filesystem::create_directory(folder / std::string(200, 'n'));
+  const QString path = Table((std::string(200, 'n') + "/tab\there & there.sig").c_str());
+  SetStored(RecentFileKey(1), path);
+  Start();
+  const QString shown = RecentMenu().value(0);
+  EXPECT_TRUE(shown.endsWith("tab here & there.sig")) << shown.toStdString();
+  EXPECT_TRUE(shown.contains(QChar(0x2026))) << shown.toStdString();
+  EXPECT_LT(shown.size(), 130);
+  Choose("mnuRecentFile1");
+  EXPECT_EQ(Captions(), QStringList({path}));
 }
 
 TEST_F(RecentFiles, SamePathMayBeThereTwice) {
@@ -364,6 +423,20 @@ TEST_F(Closing, IsRefusedWhileAMessageBoxIsUp) {
   }
   EXPECT_EQ(ended.size(), 0);
   app->Registry.DocumentStates[0].Changed = false;
+}
+
+TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedWhenTheyWereDamagedToo) {
+  qputenv("XDG_CONFIG_HOME", (folder / "configuration").string().c_str());
+  std::filesystem::create_directory(folder / "configuration");
+  WriteFile(SettingsFile(), "[Settings]\nno setting\n");
+  AnswerMessage();
+  Start();
+  std::filesystem::remove_all(folder / "configuration");
+  WriteFile(folder / "configuration", "");
+  AnswerMessage();
+  Choose("mnuFileExit");
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_TRUE(messages.back().Text.startsWith("Your settings cannot be written to "));
 }
 
 TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedOnceAndTheProgramEnds) {

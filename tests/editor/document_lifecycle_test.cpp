@@ -183,6 +183,92 @@ TEST_F(DocumentLifecycle, DecimalsAreTypedWithAPointWhateverTheLocale) {
   EXPECT_EQ(TableIn(document).Row(1).UplinkStartFreq, 890.25);
 }
 
+// --- A file that somebody else changes meanwhile
+
+class ChangedMeanwhile : public DocumentTest {
+ protected:
+  // A document with one standard more than its file, which then holds others.
+  Document OpenAndChange() {
+    Document document = Open(Standards(2));
+    document.Window->InsertBlank();
+    EXPECT_FALSE(SaveSigFile(folder / "table.sig", TableOfNames({"S1", "Theirs"})));
+    return document;
+  }
+  std::vector<std::string> NamesInFile(const char* name = "table.sig") {
+    return RowNames(LoadSigFile(folder / name).Table);
+  }
+  using Names = std::vector<std::string>;
+};
+
+TEST_F(ChangedMeanwhile, FileIsOverwrittenOnlyWhenTheUserSaysSo) {
+  const Document document = OpenAndChange();
+  answers.Give(QMessageBox::Cancel);
+  EXPECT_FALSE(document.Window->SaveChanplans(PathText("table.sig")));
+  ASSERT_EQ(answers.Seen.size(), 1u);
+  EXPECT_TRUE(answers.Seen[0].Text.contains("has been changed by another program or in another window"));
+  EXPECT_EQ(NamesInFile(), (Names{"S1", "Theirs"}));
+  answers.Give([](QMessageBox& box) {
+    QStringList texts;
+    for (const QAbstractButton* button : box.buttons()) texts += button->text();
+    texts.sort();
+    EXPECT_EQ(texts, QStringList({"&Keep Both...", "&Overwrite", "&Reload", "Cancel"}));
+    QTest::mouseClick(box.button(QMessageBox::Save), Qt::LeftButton);
+  });
+  EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig")));
+  EXPECT_EQ(NamesInFile(), (Names{"S1", "S2", "[New Standard]"}));
+  EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig"))) << "without another question";
+}
+
+TEST_F(ChangedMeanwhile, ReloadShowsTheDifference) {
+  const Document document = OpenAndChange();
+  answers.Give(QMessageBox::Reset);
+  answers.Give(QMessageBox::Ok);
+  EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig")));
+  EXPECT_EQ(NamesIn(document), (Names{"S1", "Theirs"}));
+  ASSERT_EQ(answers.Seen.size(), 2u);
+  EXPECT_EQ(answers.Seen[1].Text,
+            "The table was reloaded. From what was here (-) to what is in the file (+):\n\n"
+            "- S2\n- [New Standard]\n+ Theirs");
+  EXPECT_FALSE(document.State->Changed);
+}
+
+TEST_F(ChangedMeanwhile, TableStaysWhenTheFileCannotBeReloaded) {
+  const Document document = OpenAndChange();
+  WriteFile(folder / "table.sig", "header\r\ngarbage\r\n");
+  answers.Give(QMessageBox::Reset);
+  answers.Give(QMessageBox::Ok);
+  EXPECT_FALSE(document.Window->SaveChanplans(PathText("table.sig")));
+  EXPECT_EQ(NamesIn(document), (Names{"S1", "S2", "[New Standard]"}));
+}
+
+TEST_F(ChangedMeanwhile, BothAreKeptUnderTwoNames) {
+  const Document document = OpenAndChange();
+  frame.SaveAnswer = PathText("mine.sig");
+  answers.Give(QMessageBox::SaveAll);
+  EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig")));
+  EXPECT_EQ(frame.Prompts, std::vector{(SavePrompt{PathText("table.sig"), ".sig"})});
+  EXPECT_EQ(document.Window->windowTitle(), PathText("mine.sig"));
+  EXPECT_EQ(NamesInFile(), (Names{"S1", "Theirs"}));
+  EXPECT_EQ(NamesInFile("mine.sig"), (Names{"S1", "S2", "[New Standard]"}));
+}
+
+TEST_F(ChangedMeanwhile, WhatIsReloadedAtACloseIsLookedAtFirst) {
+  const Document document = OpenAndChange();
+  answers.Give(QMessageBox::Yes);
+  answers.Give(QMessageBox::Reset);
+  answers.Give(QMessageBox::Ok);
+  EXPECT_FALSE(document.Window->close());
+  EXPECT_FALSE(document.State->Changed);
+  EXPECT_TRUE(document.Window->close());
+}
+
+TEST_F(ChangedMeanwhile, FileThatIsGoneIsSavedAgain) {
+  const Document document = OpenAndChange();
+  std::filesystem::remove(folder / "table.sig");
+  EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig")));
+  EXPECT_EQ(NamesInFile(), (Names{"S1", "S2", "[New Standard]"}));
+}
+
 TEST_F(DocumentLifecycle, PropertiesAndTableLeaveAnOpenEditAlone) {
   const Document document = Open(Standards(1));
   const QString former = document.Window->TableProperties();
