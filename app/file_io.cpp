@@ -102,7 +102,13 @@ void OpenTableFile(CommandFrame& frame, const QString& path) {
   }
   const bool openAlready = IsOpenElsewhere(frame, document);
   frame.ShowDocument(document);
-  if (openAlready) frame.ShowStatus(path + " is open in another window, too.");
+  QStringList remarks;
+  if (openAlready) remarks += path + " is open in another window, too.";
+  if (const auto count = document.ReadNotes.size(); count > 0)
+    remarks += QString(count == 1 ? "%1 remark on the file: %2." : "%1 remarks on the file; the first: %2.")
+                   .arg(count)
+                   .arg(QString::fromStdString(document.ReadNotes.front()));
+  if (!remarks.isEmpty()) frame.ShowStatus(remarks.join(' '));
 }
 
 }  // namespace chanplan

@@ -15,18 +15,57 @@ namespace {
   throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
 }
 
+}  // namespace
+
 std::string PrintedName(const std::filesystem::path& file) {
   return file == StandardStream ? "(standard input)" : file.string();
 }
 
-}  // namespace
-
-SignalStandardTable OpenTable(const std::filesystem::path& file) {
+OpenedTable OpenWithNotes(const std::filesystem::path& file) {
   ReadOutcome outcome = file == StandardStream ? ReadSigTable(std::cin) : LoadSigFile(file);
   if (!outcome.Ok()) throw CommandFailure(LoadErrorText(PrintedName(file), 0) + ": " + outcome.Reason);
   if (outcome.Truncated) Note(PrintedName(file) + ": " + std::string(FileTruncatedText));
   AlignSubbands(outcome.Table);
-  return outcome.Table;
+  return {std::move(outcome.Table), std::move(outcome.Notes), outcome.RowsLeftOut};
+}
+
+SignalStandardTable OpenTable(const std::filesystem::path& file) { return OpenWithNotes(file).Table; }
+
+int ExitCodeAfterLoss(int count) {
+  if (count == 0) return ExitDone;
+  Note(std::to_string(count) + (count == 1 ? " row was lost" : " rows were lost") + ": a table holds 200");
+  return ExitRowsLost;
+}
+
+std::shared_ptr<bool> AddFormatOption(CLI::App& command) {
+  auto json = std::make_shared<bool>(false);
+  command
+      .add_option_function<std::string>(
+          "--format", [json](const std::string& name) { *json = name == "json"; },
+          "text (unless another is named) or json")
+      ->check(CLI::IsMember({"text", "json"}));
+  return json;
+}
+
+std::string JsonString(std::string_view text) {
+  std::string json = "\"";
+  for (const char byte : text) {
+    constexpr std::string_view hexadecimal = "0123456789abcdef";
+    const auto code = static_cast<unsigned char>(byte);
+    if (byte == '"' || byte == '\\')
+      json.append(1, '\\').append(1, byte);
+    else if (code < 32)
+      json.append("\\u00").append(1, hexadecimal[code / 16]).append(1, hexadecimal[code % 16]);
+    else
+      json += byte;
+  }
+  return json + '"';
+}
+
+std::string JsonStrings(const std::vector<std::string>& texts) {
+  std::string json;
+  for (const std::string& text : texts) json.append(json.empty() ? "" : ", ").append(JsonString(text));
+  return "[" + json + "]";
 }
 
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {

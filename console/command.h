@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "core/signal_standard_table.h"
 
@@ -14,6 +15,7 @@ namespace chanplan {
 inline constexpr int ExitDone = 0;
 inline constexpr int ExitDifferent = 1;  ///< findings, or tables that differ
 inline constexpr int ExitFailed = 2;
+inline constexpr int ExitRowsLost = 3;  ///< done, but a table has room for 200 rows only
 
 /// Ends the command with one line on standard error.
 class CommandFailure : public std::runtime_error {
@@ -38,6 +40,17 @@ void AddUnitsCommand(CLI::App& app, int& exitCode);
 /// Stands for standard input where a table is read, for standard output where something is written.
 inline constexpr std::string_view StandardStream = "-";
 
+/// A table as it stands once the editor has opened it, and what reading it came to.
+struct OpenedTable {
+  SignalStandardTable Table;
+  std::vector<std::string> Notes;  ///< as ReadOutcome's
+  int RowsLeftOut = 0;
+};
+
+/// Reads `file` and brings its sub-bands in line. Says so on standard error when it was truncated; throws
+/// CommandFailure when it cannot be read.
+OpenedTable OpenWithNotes(const std::filesystem::path& file);
+
 /// The table in `file` as it stands once the editor has opened it: read, its sub-bands in line. Says so on
 /// standard error when it was truncated; throws CommandFailure when it cannot be read.
 SignalStandardTable OpenTable(const std::filesystem::path& file);
@@ -60,6 +73,21 @@ void Note(const std::string& text);
 /// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters: what a unit sends
 /// must not move the cursor.
 std::string PrintedText(std::string_view bytes);
+
+/// Says on standard error that `count` rows were lost; the command's exit status, in either case.
+int ExitCodeAfterLoss(int count);
+
+/// What a file or standard input is called in messages.
+std::string PrintedName(const std::filesystem::path& file);
+
+/// Adds the option --format to `command`; what it sets is true when JSON is asked for.
+std::shared_ptr<bool> AddFormatOption(CLI::App& command);
+
+/// `text` (UTF-8) as a JSON string, its quotes included.
+std::string JsonString(std::string_view text);
+
+/// The strings `texts` as a JSON array.
+std::string JsonStrings(const std::vector<std::string>& texts);
 
 /// `text` with every CR LF as LF.
 std::string WithLfLineEnds(std::string text);

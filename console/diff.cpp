@@ -10,12 +10,23 @@ void AddDiffCommand(CLI::App& app, int& exitCode) {
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
   command->add_option("A", files->first, "a table")->required();
   command->add_option("B", files->second, "the table to compare it with")->required();
-  command->footer("Exit status: 0 the tables are alike, 1 they differ, 2 a file could not be read.");
-  command->callback([files, &exitCode] {
-    const SignalStandardTable left = OpenTable(files->first);
-    const auto differences = TableDifferences(left, OpenTable(files->second));
-    for (const std::string& line : differences) std::cout << line << '\n';
-    exitCode = differences.empty() ? ExitDone : ExitDifferent;
+  const auto json = AddFormatOption(*command);
+  command->footer(
+      "Exit status: 0 the tables are alike, 1 they differ, 2 a file could not be read, 3 they are alike as far as "
+      "they were read.");
+  command->callback([files, json, &exitCode] {
+    const OpenedTable left = OpenWithNotes(files->first);
+    const OpenedTable right = OpenWithNotes(files->second);
+    const auto differences = TableDifferences(left.Table, right.Table);
+    const bool cut = left.RowsLeftOut + right.RowsLeftOut > 0;
+    if (*json) {
+      const char* alike = differences.empty() && !cut ? "true" : "false";
+      std::cout << "{\"alike\": " << alike << ", \"differences\": " << JsonStrings(differences) << "}\n";
+    } else {
+      for (const std::string& line : differences) std::cout << line << '\n';
+    }
+    if (cut) Note("rows beyond the 200th were not compared");
+    exitCode = !differences.empty() ? ExitDifferent : cut ? ExitRowsLost : ExitDone;
   });
 }
 

@@ -9,9 +9,16 @@ void AddIdentifyCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("identify", "Print model and firmware version of a unit");
   const auto arguments = std::make_shared<PortArguments>();
   arguments->AddTo(*command);
-  command->callback([arguments] {
+  const auto json = AddFormatOption(*command);
+  command->callback([arguments, json] {
     UnitSession session(*arguments);
     const bool accepted = session.Identify();
+    if (*json) {
+      std::cout << "{\"model\": " << JsonString(PrintedText(session.Link().UnitModel)) << ", \"firmware\": \""
+                << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00")
+                << "\", \"accepted\": " << (accepted ? "true" : "false") << "}\n";
+      return;
+    }
     std::cout << "Model:    " << PrintedText(session.Link().UnitModel) << '\n'
               << "Firmware: " << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00") << '\n'
               << "Accepted: " << (accepted ? "yes" : "no") << '\n';

@@ -30,7 +30,7 @@ void AddPrintCommand(CLI::App& app, int& /*exitCode*/) {
           "--paper",
           [arguments](const std::string& name) { arguments->Paper = name == "a4" ? PaperSize::A4 : PaperSize::Letter; },
           "letter (unless another is named) or a4")
-      ->check(CLI::IsMember({"letter", "a4"}));
+      ->transform(CLI::IsMember({"letter", "a4"}, CLI::ignore_case));
   command->callback([arguments] { Print(*arguments); });
 }
 

@@ -2,12 +2,17 @@
 
 namespace chanplan {
 
-void AddSaveAsCommand(CLI::App& app, int& /*exitCode*/) {
+void AddSaveAsCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("save-as", "Open a table, validate it and save it under another name");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
   command->add_option("FILE", files->first, "the table to open")->required();
   command->add_option("OUT", files->second, "where to save it")->required();
-  command->callback([files] { SaveTableAs(OpenTable(files->first), files->second); });
+  command->footer("Exit status: 0 saved, 2 failed, 3 saved, but rows were lost.");
+  command->callback([files, &exitCode] {
+    const OpenedTable opened = OpenWithNotes(files->first);
+    SaveTableAs(opened.Table, files->second);
+    exitCode = ExitCodeAfterLoss(opened.RowsLeftOut);
+  });
 }
 
 }  // namespace chanplan

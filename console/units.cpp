@@ -1,4 +1,5 @@
 #include <iostream>
+#include <optional>
 
 #include "console/command.h"
 #include "console/qt_application.h"
@@ -13,18 +14,36 @@ namespace {
 // A unit answers at once; a port without one must not hold up the search.
 constexpr int SearchTimeoutMs = 2000;
 
-bool PrintUnit(const std::string& device) {
+struct FoundUnit {
+  std::string Device;
+  std::string Model;
+  std::string Firmware;
+  bool Accepted = false;
+};
+
+std::optional<FoundUnit> FindUnit(const std::string& device) {
   QtSerialPort port(device);
   UnitLink link(port, SystemTiming());
   std::string reply;
   const bool answered = link.OpenCommPort(1) == 1 && link.ReadUnitIdentity(SearchTimeoutMs, reply) == LinkTrue;
+  std::optional<FoundUnit> unit;
   if (answered)
-    std::cout << device << '\t' << PrintedText(link.UnitModel) << '\t'
-              << FormatNumber(link.UnitFirmwareVersion, "#0.00") << '\t'
-              << (IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion) ? "accepted" : "not accepted")
-              << std::endl;
+    unit = {device, PrintedText(link.UnitModel), FormatNumber(link.UnitFirmwareVersion, "#0.00"),
+            IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)};
   link.CloseCommPort();
-  return answered;
+  return unit;
+}
+
+// A search takes seconds: each unit is told at once.
+void PrintText(const FoundUnit& unit) {
+  std::cout << unit.Device << '\t' << unit.Model << '\t' << unit.Firmware << '\t'
+            << (unit.Accepted ? "accepted" : "not accepted") << std::endl;
+}
+
+void PrintJson(const FoundUnit& unit, bool first) {
+  std::cout << (first ? "" : ",\n ") << "{\"device\": " << JsonString(unit.Device)
+            << ", \"model\": " << JsonString(unit.Model) << ", \"firmware\": " << JsonString(unit.Firmware)
+            << ", \"accepted\": " << (unit.Accepted ? "true" : "false") << '}' << std::flush;
 }
 
 }  // namespace
@@ -32,11 +51,22 @@ bool PrintUnit(const std::string& device) {
 void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("units", "Try the machine's serial ports and list the units that answer");
   command->footer("A line per unit: device, model, firmware version, whether the editor accepts it.");
-  command->callback([] {
+  const auto json = AddFormatOption(*command);
+  command->callback([json] {
     const auto application = MakePortApplication();
     const auto devices = SerialDevices(CommDevice);
     int answered = 0;
-    for (const std::string& device : devices) answered += PrintUnit(device) ? 1 : 0;
+    if (*json) std::cout << '[';
+    for (const std::string& device : devices) {
+      const std::optional<FoundUnit> unit = FindUnit(device);
+      if (!unit) continue;
+      if (*json)
+        PrintJson(*unit, answered == 0);
+      else
+        PrintText(*unit);
+      ++answered;
+    }
+    if (*json) std::cout << "]\n";
     if (answered == 0) Note("no unit answered on " + std::to_string(devices.size()) + " serial ports");
   });
 }

@@ -18,13 +18,16 @@ int DigitValue(char c) {
   return 99;
 }
 
-double RadixNumber(std::string_view digits, int radix) {
+struct Number {
+  double Value = 0;
+  bool Whole = false;  // nothing stands behind it
+};
+
+Number RadixNumber(std::string_view digits, int radix) {
   double value = 0;
-  for (const char c : digits) {
-    if (DigitValue(c) >= radix) break;
-    value = value * radix + DigitValue(c);
-  }
-  return std::min(value, std::numeric_limits<double>::max());
+  const auto end = std::ranges::find_if(digits, [radix](char c) { return DigitValue(c) >= radix; });
+  std::for_each(digits.begin(), end, [&](char c) { value = value * radix + DigitValue(c); });
+  return {std::min(value, std::numeric_limits<double>::max()), end == digits.end() && !digits.empty()};
 }
 
 // Whether a number beyond a double's range is too large rather than too small, which the parser
@@ -44,9 +47,7 @@ bool IsAboveOne(std::string_view number) {
   return point - first + exponent > 0;
 }
 
-}  // namespace
-
-double LeadingNumber(std::string_view field) {
+Number ReadNumber(std::string_view field) {
   std::string text;
   std::ranges::copy_if(field, std::back_inserter(text), [](char c) { return c != ' '; });
 
@@ -69,7 +70,7 @@ double LeadingNumber(std::string_view field) {
     (text[end] == '.' ? point : digits) = true;
     ++end;
   }
-  if (!digits) return 0;
+  if (!digits) return {0, text.empty()};
 
   // The exponent belongs to the number only when it has digits of its own.
   if (end < text.size() && std::string_view("EeDd").find(text[end]) != std::string_view::npos) {
@@ -85,8 +86,14 @@ double LeadingNumber(std::string_view field) {
   const auto parsed = std::from_chars(text.data() + start, text.data() + end, value);
   if (parsed.ec == std::errc::result_out_of_range)
     value = IsAboveOne({text.data() + start, end - start}) ? std::numeric_limits<double>::max() : 0;
-  return negative ? -value : value;
+  return {negative ? -value : value, end == text.size()};
 }
+
+}  // namespace
+
+double LeadingNumber(std::string_view text) { return ReadNumber(text).Value; }
+
+bool HasMoreThanNumber(std::string_view text) { return !ReadNumber(text).Whole; }
 
 std::optional<std::int32_t> RoundToInteger(double value) {
   const double rounded = std::nearbyint(value);

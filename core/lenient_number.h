@@ -14,6 +14,9 @@ namespace chanplan {
 /// range reads as the largest finite double, so that it can be written and read again.
 double LeadingNumber(std::string_view text);
 
+/// Whether there is more in `text` than LeadingNumber read of it, blanks aside. Empty text is read whole.
+bool HasMoreThanNumber(std::string_view text);
+
 /// `value` rounded to the nearest integer, halves to the even neighbour; nothing when the result
 /// lies outside the signed 32-bit range.
 std::optional<std::int32_t> RoundToInteger(double value);

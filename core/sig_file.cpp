@@ -8,6 +8,7 @@
 #include "core/file_system.h"
 #include "core/lenient_number.h"
 #include "core/number_picture.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 namespace {
@@ -41,6 +42,18 @@ class LineReader {
 
   int Number() const { return number; }
 
+  // Line ends in what is left, up to a limit that bounds the time; the last line needs none.
+  int CountRest() {
+    constexpr int most = 1 << 20;
+    using Traits = std::char_traits<char>;
+    int lines = 0, last = '\n', byte = 0;
+    for (int count = 0; count < most && (byte = bytes.sbumpc()) != Traits::eof(); ++count) {
+      lines += byte == '\n' ? 1 : 0;
+      last = byte;
+    }
+    return lines + (last == '\n' ? 0 : 1);
+  }
+
   [[noreturn]] void Fail(ReadFailure kind, std::string_view problem) const {
     throw Failure{kind, "line " + std::to_string(number).append(problem)};
   }
@@ -62,7 +75,39 @@ std::size_t SplitFields(std::string_view line, std::span<std::string_view, Field
   return count;
 }
 
-SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader) {
+// A file that is mostly wrong is wrong in one way, which the first lines tell.
+constexpr std::size_t MostNotes = 100;
+
+void NoteUnlessWhole(std::string_view text, double value, const LineReader& reader, std::vector<std::string>& notes) {
+  if (notes.size() >= MostNotes || text.empty()) return;
+  if (!HasMoreThanNumber(text) && LeadingNumber(text) == value) return;
+  notes.push_back("line " + std::to_string(reader.Number()) + ": \"" + Utf8FromWindows1252(text) + "\" was read as " +
+                  ShortestDecimal(value));
+}
+
+// Two-byte characters, by their mark or by the zeros in a header's first letters.
+bool LooksLikeUtf16(std::string_view line) {
+  if (line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF")) return true;
+  if (line.size() < 4) return false;
+  const auto zeros = [&line](std::size_t at) { return line[at] == 0 && line[at + 2] == 0; };
+  const auto letters = [&line](std::size_t at) { return line[at] > ' ' && line[at + 2] > ' '; };
+  return (letters(0) && zeros(1)) || (zeros(0) && letters(1));
+}
+
+// A row where the header belongs: both frequencies are numbers.
+bool LooksLikeARow(std::string_view line) {
+  std::array<std::string_view, FieldCount> fields;
+  if (SplitFields(line, fields) < FieldCount) return false;
+  return std::ranges::all_of(std::span(fields).subspan(3, 2),
+                             [](std::string_view text) { return !text.empty() && LeadingNumber(text) != 0; });
+}
+
+void LookAtHeader(std::string_view line, const LineReader& reader, std::vector<std::string>& notes) {
+  if (LooksLikeUtf16(line)) reader.Fail(ReadFailure::Utf16, " is text of 16-bit characters (UTF-16), not of bytes");
+  if (LooksLikeARow(line)) notes.emplace_back("line 1 looks like a row, and was left out as the header");
+}
+
+SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader, std::vector<std::string>& notes) {
   std::array<std::string_view, FieldCount> fields;
   const std::size_t count = SplitFields(line, fields);
   if (count < FieldCount)
@@ -77,11 +122,16 @@ SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader
         reader.Fail(ReadFailure::IntegerOutOfRange,
                     ": the value of \"" + std::string(RecordFields[column].Header) + "\" is out of range");
       value = *integer;
+      NoteUnlessWhole(text, value, reader, notes);
+    };
+    const auto readNumber = [&](double& value) {
+      value = LeadingNumber(text);
+      NoteUnlessWhole(text, value, reader, notes);
     };
     VisitField(record, RecordFields[column],
-               ByType{[&](std::string& value) { value = text; }, [&](double& value) { value = LeadingNumber(text); },
-                      readInteger});
+               ByType{[&](std::string& value) { value = text; }, readNumber, readInteger});
   }
+  NoteUnlessWhole(record.State, LeadingNumber(record.State), reader, notes);
   record.State = ShortestDecimal(LeadingNumber(record.State));
   return record;
 }
@@ -107,13 +157,22 @@ ReadOutcome Failed(ReadFailure failure, int line, std::string reason) {
 ReadOutcome ReadSigTable(std::istream& input) {
   LineReader reader(input);
   try {
-    if (!reader.Next()) return Failed(ReadFailure::Empty, 0, "the file is empty, not even a header line is there");
+    const auto header = reader.Next();
+    if (!header) return Failed(ReadFailure::Empty, 0, "the file is empty, not even a header line is there");
     ReadOutcome outcome;
+    LookAtHeader(*header, reader, outcome.Notes);
+    const std::size_t cr = header->find('\r');
+    const bool hasLoneCr = cr != std::string_view::npos && cr + 1 < header->size();
     while (const auto line = reader.Next()) {
-      outcome.Table.Append(ParseRecord(*line, reader));
+      outcome.Table.Append(ParseRecord(*line, reader, outcome.Notes));
       outcome.Truncated = outcome.Table.Count == MaxRecords;
       if (outcome.Truncated) break;
     }
+    if (hasLoneCr && outcome.Table.Count == 0)
+      return Failed(ReadFailure::LoneCarriageReturns, 1, "line 1: lines end in a lone CR, not in CR LF or LF");
+    if (outcome.Truncated) outcome.RowsLeftOut = reader.CountRest();
+    if (outcome.RowsLeftOut > 0)
+      outcome.Notes.push_back(std::to_string(outcome.RowsLeftOut) + " rows beyond the 200th were left out");
     return outcome;
   } catch (const Failure& failure) {
     return Failed(failure.Kind, reader.Number(), failure.Reason);

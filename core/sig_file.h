@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "core/record_fields.h"
 #include "core/signal_standard_table.h"
@@ -19,12 +20,27 @@ namespace chanplan {
 /// A line longer than this is a read failure, which bounds the memory any input can take.
 inline constexpr std::size_t MaxLineLength = 65536;
 
-enum class ReadFailure { None, CannotOpen, CannotRead, Empty, LineTooLong, TooFewFields, IntegerOutOfRange };
+enum class ReadFailure {
+  None,
+  CannotOpen,
+  CannotRead,
+  Empty,
+  LineTooLong,
+  TooFewFields,
+  IntegerOutOfRange,
+  LoneCarriageReturns,
+  Utf16
+};
 
 /// What reading a file came to. After a failure the table is empty.
 struct ReadOutcome {
   SignalStandardTable Table;
-  bool Truncated = false;  ///< 200 rows were read and the rest, if any, was not looked at
+  bool Truncated = false;  ///< 200 rows were read and the rest, if any, was only counted
+  /// Rows beyond the 200th, of those in the next MiB; 0 when there were exactly 200.
+  int RowsLeftOut = 0;
+  /// What was not taken as it stands in the file, a line (UTF-8) each, such as
+  /// "line 3: \"880,2\" was read as 880".
+  std::vector<std::string> Notes;
   ReadFailure Failure = ReadFailure::None;
   int Line = 0;        ///< 1-based line of the failure; 0 when no line is to blame
   std::string Reason;  ///< the failure in words, such as "line 3 has 9 fields where 10 are needed"
@@ -32,7 +48,8 @@ struct ReadOutcome {
   bool Ok() const { return Failure == ReadFailure::None; }
 };
 
-/// Reads a table from `input`. CR LF and a bare LF end a line; the last line needs no end.
+/// Reads a table from `input`. CR LF and a bare LF end a line; the last line needs no end. Text of 16-bit
+/// characters and lines that all end in a lone CR are failures: they would be read as something else.
 ReadOutcome ReadSigTable(std::istream& input);
 ReadOutcome LoadSigFile(const std::filesystem::path& path);
 

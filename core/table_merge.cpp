@@ -11,18 +11,25 @@ namespace {
 class MergeResult {
  public:
   bool Full() const { return written == slots.size(); }
-  void Write(const SignalStandardRecord& record) { slots[written++] = record; }
+  void Write(const SignalStandardRecord& record) {
+    if (Full())
+      ++lost;
+    else
+      slots[written++] = record;
+  }
+  int Lost() const { return lost; }
   const PassedRows& Slots() const { return slots; }
 
  private:
   PassedRows slots = PassedRows(MaxRecords);
   std::size_t written = 0;
+  int lost = 0;
 };
 
 // Moves the source rows from `row` on that share its base name into the result.
 void MoveGroup(PassedRows& source, PassedRows::iterator row, MergeResult& result) {
   const std::string name(BaseName(row->Name));
-  for (; row != source.end() && !result.Full() && BaseName(row->Name) == name; ++row) {
+  for (; row != source.end() && BaseName(row->Name) == name; ++row) {
     result.Write(*row);
     row->Name.clear();
   }
@@ -46,7 +53,6 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   std::string_view currentName;
   bool copyGroup = false;
   for (const SignalStandardRecord& row : baseRows) {
-    if (result.Full()) break;
     if (row.Name.empty()) continue;
     if (BaseName(row.Name) != currentName) {
       currentName = BaseName(row.Name);
@@ -65,9 +71,9 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   }
 
   for (const SignalStandardRecord& row : sourceRows)
-    if (!row.Name.empty() && !result.Full()) result.Write(row);
+    if (!row.Name.empty()) result.Write(row);
 
-  MergeOutcome outcome{base, result.Full()};
+  MergeOutcome outcome{base, result.Full(), result.Lost()};
   SetTable(result.Slots(), outcome.Table);
   return outcome;
 }

@@ -4,6 +4,8 @@
 #include <QMdiSubWindow>
 #include <QString>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "core/file_system.h"
 #include "core/sig_file.h"
@@ -37,6 +39,8 @@ class DocumentWindow : public QMdiSubWindow {
   std::uint16_t UnitTableTag = 0;
   /// The table's file as it was when this document read or wrote it; nothing when there is none.
   std::optional<FileStamp> KnownFile;
+  /// What was not taken as it stood in the file that was loaded, a line each.
+  std::vector<std::string> ReadNotes;
 
  signals:
   /// The table is another one than before: it was loaded, received, or an edit was stored.

@@ -50,6 +50,7 @@ bool frmDocument::LoadSigStandards(const QString& path) {
   KnownFile = ReadFileStamp(PathOf(path));
   ReadOutcome outcome = LoadSigFile(PathOf(path));
   table = std::move(outcome.Table);
+  ReadNotes = std::move(outcome.Notes);
   UnitTableTag = 0;
   if (!outcome.Ok()) {
     Refill(0);

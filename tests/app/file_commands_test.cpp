@@ -107,6 +107,14 @@ TEST_F(Files, FileThatIsOpenInAnotherWindowIsSaidToBe) {
   EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), path + " is open in another window, too.");
 }
 
+TEST_F(Files, WhatWasNotReadWholeIsSaidInTheStatusBar) {
+  WriteFile(folder / "a.sig", "header\r\n2\t0\tA\t880,2\t925,2\t1\t2\t0.2\t0.2\t1\r\n");
+  Start();
+  OpenByDialog(InFolder("a.sig"));
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(),
+            "2 remarks on the file; the first: line 2: \"880,2\" was read as 880.");
+}
+
 TEST_F(Files, SaveOfOneWindowAsksInTheOther) {
   const QString path = Table("a.sig", {"A"});
   Start({path});

@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <QTableWidget>
 
+#include "app/command_line.h"
 #include "app/placement.h"
 #include "tests/app/app_fixture.h"
 
@@ -66,6 +67,17 @@ TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
     ASSERT_GT(document.height(), area.height());
     EXPECT_EQ(document.topLeft(), QPoint(0, 0)) << number;
   }
+}
+
+TEST(EditorCommandLine, TakesNamesAddressesAndQuestions) {
+  QDir::setCurrent(QDir::tempPath());  // an earlier test's folder may be gone
+  const QString here = QDir::currentPath();
+  EXPECT_EQ(ReadCommandLine({"a.sig", "file:///plans/b%20c.sig", "--", "--version", "file:///d.sig"}).Files,
+            QStringList({here + "/a.sig", "/plans/b c.sig", here + "/--version", "/d.sig"}));
+  EXPECT_TRUE(ReadCommandLine({"a.sig", "--help"}).Answer.startsWith("Usage: chanplan-editor"));
+  EXPECT_TRUE(ReadCommandLine({"--version"}).Answer.startsWith("Chanplan Editor "));
+  EXPECT_FALSE(ReadCommandLine({"--version"}).Wrong);
+  EXPECT_TRUE(ReadCommandLine({"--loud", "a.sig"}).Wrong);
 }
 
 TEST_F(StartUp, OpensTheTablesItIsGiven) {

@@ -207,8 +207,11 @@ TEST(SaveAs, KeepsTwoHundredRowsAndSaysSo) {
     const Chanplan chanplan;
     WriteFile(chanplan.Folder / "long.sig", SigText(NumberedRows(table.Rows)));
     const ProgramRun run = chanplan.Run({"save-as", "long.sig", "out.sig"});
-    EXPECT_EQ(run.Errors, table.Noted ? "chanplan: long.sig: " + std::string(TruncationNote) + "\n" : "");
-    EXPECT_EQ(run.ExitStatus, 0);
+    const int lost = table.Rows - std::min(table.Rows, 200);
+    const std::string lostNote = "chanplan: " + std::to_string(lost) + " rows were lost: a table holds 200\n";
+    EXPECT_EQ(run.Errors, (table.Noted ? "chanplan: long.sig: " + std::string(TruncationNote) + "\n" : "") +
+                              (lost > 0 ? lostNote : ""));
+    EXPECT_EQ(run.ExitStatus, lost > 0 ? 3 : 0);
     EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(std::min(table.Rows, 200))));
   }
 }
@@ -279,7 +282,6 @@ TEST(Merge, TakesEveryStandardOnce) {
     Arguments arguments = {"merge", "base.sig", "source.sig", "out.sig"};
     if (merge.ReplaceMatching) arguments.push_back("--replace-matching");
     const ProgramRun run = chanplan.Run(arguments);
-    EXPECT_EQ(run.Output, "");
     EXPECT_EQ(run.Errors, "");
     EXPECT_EQ(run.ExitStatus, 0);
     EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(merge.Out));
@@ -300,12 +302,94 @@ TEST(Merge, SaysWhenTheTableIsFull) {
     WriteFile(chanplan.Folder / "base.sig", SigText(NumberedRows(full.BaseRows)));
     WriteFile(chanplan.Folder / "source.sig", SigText(NumberedRows(full.SourceRows, full.BaseRows + 1)));
     const ProgramRun run = chanplan.Run({"merge", "base.sig", "source.sig", "out.sig"});
-    EXPECT_EQ(run.Errors, full.Noted ? "chanplan: There were too many records to merge tables.\n"
-                                       "The Merged table has been truncated at 200 records.\n"
-                                     : "");
-    EXPECT_EQ(run.ExitStatus, 0);
+    const bool lost = full.BaseRows + full.SourceRows > 200;
+    EXPECT_EQ(run.Errors, std::string(full.Noted ? "chanplan: There were too many records to merge tables.\n"
+                                                   "The Merged table has been truncated at 200 records.\n"
+                                                 : "") +
+                              (lost ? "chanplan: 10 rows were lost: a table holds 200\n" : ""));
+    EXPECT_EQ(run.ExitStatus, lost ? 3 : 0);
     EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"),
               SigText(NumberedRows(std::min(full.BaseRows + full.SourceRows, 200))));
+  }
+}
+
+TEST(Merge, TellsWhatBecameOfEachStandard) {
+  struct Fates {
+    std::vector<std::string> Options;
+    const char* Output;
+  };
+  for (const Fates& fates : {Fates{{}, "kept\tS1\nkept\tS2\ndropped\tS2\nadded\tS3\n"},
+                             Fates{{"--replace-matching"}, "kept\tS1\nreplaced\tS2\nadded\tS3\n"}})
+    for (const bool dry : {false, true}) {
+      const Chanplan chanplan;
+      WriteFile(chanplan.Folder / "base.sig", SigText(NumberedRows(2)));
+      WriteFile(chanplan.Folder / "source.sig", SigText(NumberedRows(2, 2)));
+      Arguments arguments = {"merge", "base.sig", "source.sig", "out.sig"};
+      arguments.insert(arguments.end(), fates.Options.begin(), fates.Options.end());
+      if (dry) arguments.emplace_back("--dry-run");
+      const ProgramRun run = chanplan.Run(arguments);
+      EXPECT_EQ(run.Output, fates.Output);
+      EXPECT_EQ(run.ExitStatus, 0);
+      EXPECT_EQ(fs::exists(chanplan.Folder / "out.sig"), !dry);
+    }
+}
+
+// what readers of damaged tables are told
+
+TEST(Damage, IsNotedByCheck) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", SigText({"2|0|A|880,2|925.2|1|2.5|0.2|0.2|1"}));
+  const ProgramRun run = chanplan.Run({"check", "plan.sig"});
+  EXPECT_EQ(run.Errors,
+            "chanplan: plan.sig: line 2: \"880,2\" was read as 880\n"
+            "chanplan: plan.sig: line 2: \"2.5\" was read as 2\n");
+}
+
+TEST(Diff, DoesNotCallAlikeWhatItHasNotSeen) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "a.sig", SigText(NumberedRows(201)));
+  WriteFile(chanplan.Folder / "b.sig", SigText(NumberedRows(200)));
+  EXPECT_EQ(chanplan.Run({"diff", "b.sig", "b.sig"}).ExitStatus, 0);
+  const ProgramRun run = chanplan.Run({"diff", "a.sig", "b.sig"});
+  EXPECT_EQ(run.ExitStatus, 3);
+  EXPECT_TRUE(run.Errors.ends_with("chanplan: rows beyond the 200th were not compared\n")) << run.Errors;
+}
+
+// JSON
+
+TEST(Json, IsPrintedByCheckAndDiff) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "a\"b.sig",
+            SigText({"2|1|PCS|1850.2|1930.2|512|810|0.2|0.2|1", "0|0|any|1850.2|1930.2|512|810|0|0|0",
+                     "2|0|\xDC|890,5|935|10|5|0|0|0"}));
+  WriteFile(chanplan.Folder / "plain.sig", SigText({}));
+  const ProgramRun check = chanplan.Run({"check", "--format", "json", "a\"b.sig", "plain.sig"});
+  EXPECT_EQ(check.Output,
+            "[{\"file\": \"a\\\"b.sig\", \"notes\": [\"line 4: \\\"890,5\\\" was read as 890\"], \"warnings\": "
+            "[{\"name\": \"\xC3\x9C\", \"message\": \"Stop channel is less than start channel.\"}]},\n"
+            " {\"file\": \"plain.sig\", \"notes\": [], \"warnings\": []}]\n");
+  EXPECT_EQ(check.Errors, "");
+  EXPECT_EQ(check.ExitStatus, 1);
+  const ProgramRun diff = chanplan.Run({"diff", "--format", "json", "plain.sig", "plain.sig"});
+  EXPECT_EQ(diff.Output, "{\"alike\": true, \"differences\": []}\n");
+}
+
+// names and arguments
+
+TEST(Names, InBracketsAreFilesAndNoLists) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "[a,b]", SigText({}));
+  const ProgramRun run = chanplan.Run({"check", "[a,b]"});
+  EXPECT_EQ(run.Errors, "");
+  EXPECT_EQ(run.ExitStatus, 0);
+}
+
+TEST(Version, IsToldByTheProgramAndItsCommands) {
+  const Chanplan chanplan;
+  for (const Arguments& arguments : {Arguments{"--version"}, Arguments{"check", "--version"}}) {
+    const ProgramRun run = chanplan.Run(arguments);
+    EXPECT_TRUE(run.Output.starts_with("Chanplan Editor ")) << run.Output;
+    EXPECT_EQ(run.ExitStatus, 0);
   }
 }
 
@@ -586,7 +670,7 @@ struct WrongArguments {
 TEST(Arguments, ThatAreWrongFailWithAReason) {
   const std::array cases = {
       WrongArguments{{}, "A subcommand is required\n"},
-      WrongArguments{{"frobnicate"}, "A subcommand is required\n"},
+      WrongArguments{{"frobnicate"}, "chanplan: there is no command \"frobnicate\"; chanplan --help names them all\n"},
       WrongArguments{{"check"}, "FILE is required\n"},
       WrongArguments{{"save-as", "a.sig"}, "OUT is required\n"},
       WrongArguments{{"merge", "a.sig", "b.sig"}, "OUT is required\n"},

@@ -40,7 +40,8 @@ TEST(Dash, StandsForStandardInputAndOutput) {
     RunOptions options;
     options.InputFrom = chanplan.Folder / "plan.sig";
     const ProgramRun streamed = chanplan.Run(words, options);
-    EXPECT_EQ(streamed.Errors, "");
+    // What a merge tells makes room for its table.
+    EXPECT_EQ(streamed.Errors, words[0] == "merge" ? named.Output : "");
     EXPECT_EQ(streamed.ExitStatus, named.ExitStatus);
     std::string output = streamed.Output;
     constexpr std::string_view caption = "(standard input)";

@@ -118,6 +118,11 @@ TEST(ReadSigTable, FailsAsAWholeAndTellsTheLine) {
   constexpr auto outOfRange = ReadFailure::IntegerOutOfRange;
   const std::vector<BadFile> files = {
       {"empty file", "", ReadFailure::Empty, 0, "the file is empty"},
+      {"UTF-16 with its mark", "\xFF\xFES\0t\0\r\0\n\0"s, ReadFailure::Utf16, 1, "line 1 is text of 16-bit characters"},
+      {"UTF-16 without it", "S\0t\0a\0\r\0\n\0"s, ReadFailure::Utf16, 1, "line 1 is text of 16-bit characters"},
+      {"UTF-16, the other way round", "\0S\0t\0a\0\r\0\n"s, ReadFailure::Utf16, 1, "line 1 is text of"},
+      {"lines that end in a lone CR", "header\r2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r",
+       ReadFailure::LoneCarriageReturns, 1, "lines end in a lone CR"},
       {"blank line at the end", Header + Row + "\r\n", fewFields, 3, "line 3 has 1 field"},
       {"blank line in the middle", Header + Row + "\r\n" + Row, fewFields, 3, "line 3 has 1 field"},
       {"blank line after the header", Header + "\n", fewFields, 2, "line 2 has 1 field"},
@@ -146,6 +151,26 @@ TEST(ReadSigTable, FailsAsAWholeAndTellsTheLine) {
     EXPECT_EQ(outcome.Table, SignalStandardTable()) << fact;
     EXPECT_FALSE(outcome.Truncated) << fact;
   }
+}
+
+TEST(ReadSigTable, NotesWhatItDidNotTakeAsItStands) {
+  using Lines = std::vector<std::string>;
+  const std::string row = "2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r\n";
+  EXPECT_EQ(Read(Header + row).Notes, Lines());
+  EXPECT_EQ(Read(Header + "\t\tGSM\t \t1 850.2\t\t\t1E-2\t&H1F\t007\r\n").Notes, Lines());
+  EXPECT_EQ(Read(Header + row + "abc\t0\tGSM\t890,2\t9x\t1.5\t124\t0.2\t0.2.1\t1\r\n").Notes,
+            (Lines{"line 3: \"890,2\" was read as 890", "line 3: \"9x\" was read as 9", "line 3: \"1.5\" was read as 2",
+                   "line 3: \"0.2.1\" was read as 0.2", "line 3: \"abc\" was read as 0"}));
+  EXPECT_EQ(Read(row + row).Notes, Lines{"line 1 looks like a row, and was left out as the header"});
+}
+
+TEST(ReadSigTable, TellsTheRowsBeyondTheTwoHundredth) {
+  for (const int count : {199, 200, 201, 250}) {
+    const ReadOutcome outcome = Read(Header + Rows(count));
+    EXPECT_EQ(outcome.Truncated, count >= 200);
+    EXPECT_EQ(outcome.RowsLeftOut, std::max(count - 200, 0));
+  }
+  EXPECT_EQ(Read(Header + Rows(200) + "last, without an end").RowsLeftOut, 1);
 }
 
 TEST(ReadSigTable, KeepsNoRowInReachAfterAFailure) {

@@ -259,7 +259,9 @@ TEST(ReadSigTable, StopsReadingAnEndlessFileAtRow200) {
   EXPECT_TRUE(outcome.Ok());
   EXPECT_TRUE(outcome.Truncated);
   EXPECT_EQ(outcome.Table.Count, 200);
-  EXPECT_EQ(lines.BytesRead(), 201 * Lines(1).size());
+  // The rows beyond are counted, but not for ever.
+  EXPECT_GT(outcome.RowsLeftOut, 1000);
+  EXPECT_LT(lines.BytesRead(), std::size_t{2} << 20);
 }
 
 TEST(ReadSigTable, TakesLinesOf64KiBAndNoLonger) {

@@ -1,0 +1,41 @@
+#include "app/command_line.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+namespace chanplan {
+namespace {
+
+constexpr char Help[] =
+    "Usage: chanplan-editor [OPTIONS] [--] [FILE...]\n"
+    "Edit the channel plans of handheld RF test units.\n\n"
+    "  FILE       tables to open, names or file: addresses\n"
+    "  --help     print this\n"
+    "  --version  print the version\n";
+
+QString PathOf(const QString& file) {
+  const QString path = file.startsWith("file:") ? QUrl(file).toLocalFile() : file;
+  return QFileInfo(path).absoluteFilePath();
+}
+
+}  // namespace
+
+CommandLine ReadCommandLine(const QStringList& arguments) {
+  CommandLine line;
+  bool onlyFiles = false;
+  for (const QString& argument : arguments) {
+    if (onlyFiles || !argument.startsWith("--"))
+      line.Files += PathOf(argument);
+    else if (argument == "--")
+      onlyFiles = true;
+    else if (argument == "--help")
+      return {{}, Help};
+    else if (argument == "--version")
+      return {{}, "Chanplan Editor " CHANPLAN_VERSION "\n"};
+    else
+      return {{}, "There is no option " + argument + "; chanplan-editor --help names them all.\n", true};
+  }
+  return line;
+}
+
+}  // namespace chanplan
