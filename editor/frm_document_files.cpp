@@ -142,6 +142,7 @@ void frmDocument::PrintSigs() {
     const BusyPointer busy(*this);
     PrintOnDefaultPrinter(windowTitle(),
                           [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
+    frame.ShowStatus("The listing was sent to " + DefaultPrinterName() + ".");
   } catch (const PrintFailure& failure) {
     ShowFailure(*this, "Print", "The listing was not printed: " + QString::fromUtf8(failure.what()) + ".");
   }

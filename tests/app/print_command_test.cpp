@@ -55,6 +55,13 @@ TEST_F(Printing, OnAPrinterThatRefusesSaysSo) {
   EXPECT_EQ(queue.Documents(), 0);
 }
 
+TEST_F(Printing, TakenDocumentIsSaidInTheStatusBar) {
+  Start({Table("plan.sig")});
+  AnswerMessage(QMessageBox::Ok);
+  Choose("mnuFilePrint");
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "The listing was sent to Listing.");
+}
+
 TEST_F(Printing, NeedsADocument) {
   Start();
   Choose("mnuFileClose");
