@@ -171,6 +171,8 @@ std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
   return LastError();
 }
 
+void HealInterruptedSaves() { HealInPlaceSaves(); }
+
 std::optional<FileFacts> ReadFileFacts(const fs::path& file) {
   struct statx facts {};
   if (statx(AT_FDCWD, file.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &facts) != 0) return std::nullopt;

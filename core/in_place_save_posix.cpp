@@ -11,7 +11,6 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
-#include "core/file_system.h"
 #include "core/state_folder.h"
 
 namespace chanplan {
@@ -176,7 +175,7 @@ std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes)
   return error;
 }
 
-void HealInterruptedSaves() {
+void HealInPlaceSaves() {
   std::error_code none;
   for (const auto& entry : fs::directory_iterator(CopyFolder(), none)) HealFrom(entry.path());
 }

@@ -12,4 +12,7 @@ namespace chanplan {
 /// put back and the error returned.
 std::error_code OverwriteInPlace(const std::filesystem::path& target, std::string_view bytes);
 
+/// Puts the former content back wherever that was cut short.
+void HealInPlaceSaves();
+
 }  // namespace chanplan
