@@ -89,6 +89,7 @@ void Grid::SetRows(int rows, int height) {
   const int former = rowCount();
   setRowCount(rows);
   for (int row = former; row < rows; ++row) setRowHeight(row, height);
+  updateGeometries();  // at once, so that a new row can be scrolled to
 }
 
 bool Grid::focusNextPrevChild(bool next) {
