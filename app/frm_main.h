@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QPointer>
+#include <QRubberBand>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -75,11 +76,14 @@ class frmMain : public CommandFrame {
   void BuildClientArea();
   QAction* Action(const QString& name) const;
   /// Connects the items `name``first` to `name``last` of a menu array.
+  void MakeOneChoice(const char* name, int first, int last);
   void ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index));
 
   // The pane
   void LayOutPane();
+  int AllowedPaneHeight(int proposed) const;
   void SetPaneHeight(int proposed);
+  void ShowDropLine(const QPoint& globalPosition);
   void DropSplitter(const QPoint& globalPosition);
 
   void AddDocument(std::unique_ptr<DocumentWindow> document);
@@ -133,6 +137,7 @@ class frmMain : public CommandFrame {
   QLabel* sbStatusBarPanel2;
   QWidget* WarningHolder;
   SplitterBar* lblSplitter;
+  QRubberBand* dropLine = nullptr;  // shows where the splitter would drop
   WarningsPane* lstWarnings;
   QTimer* ResizeTimer;
   QList<QAction*> documentItems;            // enabled while a document is open

@@ -1,5 +1,7 @@
 // The main frame: its menus and toolbar buttons, as tables, and what happens when a menu drops down.
+#include <QActionGroup>
 #include <QMenuBar>
+#include <QTextDocument>
 #include <array>
 
 #include "app/frm_main.h"
@@ -143,12 +145,20 @@ void frmMain::BuildMenus() {
   ConnectArray("mnuRecentFile", 1, LastRecentFile, &frmMain::mnuRecentFile_Click);
   ConnectArray("menuOptionsCom", 1, LastPort, &frmMain::menuOptionsCom_Click);
   ConnectArray("menuOptionsBaud", 0, LastBaudRate, &frmMain::menuOptionsBaud_Click);
+  MakeOneChoice("menuOptionsCom", 1, LastPort);
+  MakeOneChoice("menuOptionsBaud", 0, LastBaudRate);
 }
 
 void frmMain::ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index)) {
   for (int index = first; index <= last; ++index)
     connect(Action(name + QString::number(index)), &QAction::triggered, this,
             [this, index, click] { (this->*click)(index); });
+}
+
+// One of the items of a menu array is chosen.
+void frmMain::MakeOneChoice(const char* name, int first, int last) {
+  auto* choice = new QActionGroup(this);
+  for (int index = first; index <= last; ++index) choice->addAction(Action(name + QString::number(index)));
 }
 
 QAction* frmMain::Action(const QString& name) const { return findChild<QAction*>(name, Qt::FindDirectChildrenOnly); }
@@ -194,14 +204,17 @@ void frmMain::mnuWindow_DropDown() {
   qDeleteAll(windowList);
   windowList.clear();
   QMenu* menu = menuBar()->findChild<QMenu*>("mnuWindow");
+  menu->setToolTipsVisible(true);
   windowList += menu->addSeparator();
   for (const QPointer<DocumentWindow>& document : app.Registry.Documents) {
     if (document == nullptr || document->State().Released) continue;
     const qsizetype number = windowList.size();
     const QString mnemonic = number <= 9 ? "&" : "";  // a second digit would stand for another document
-    QAction* item =
-        menu->addAction(mnemonic + QString::number(number) + " " + document->windowTitle().replace('&', "&&"), document,
-                        [this, shown = document.data()] { ShowDocument(*shown); });
+    // The end of a path tells documents apart.
+    const QString caption = menu->fontMetrics().elidedText(document->windowTitle(), Qt::ElideLeft, width() / 2);
+    QAction* item = menu->addAction(mnemonic + QString::number(number) + " " + QString(caption).replace('&', "&&"),
+                                    document, [this, shown = document.data()] { ShowDocument(*shown); });
+    if (caption != document->windowTitle()) item->setToolTip(Qt::convertFromPlainText(document->windowTitle()));
     item->setCheckable(true);
     item->setChecked(document == ActiveDocument());
     windowList += item;
