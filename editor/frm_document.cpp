@@ -178,6 +178,10 @@ void frmDocument::ConnectGrids() {
     CommitEdit();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
+  // The cursor may be there already, from before the editor was closed.
+  connect(GridDetails, &QTableWidget::cellClicked, this, [this](int row) {
+    if (row >= SubbandsRow && row <= ModulationRow && !editor.IsOpen()) BeginCellEdit(0);
+  });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
     const bool refused = StoreGridsToTable() == Commit::Refused;

@@ -58,7 +58,7 @@ TEST_F(Menus, PortAndSpeedAreChoicesOfOne) {
 
 // The end of a path is what tells documents apart.
 TEST_F(Menus, WindowListLeavesOutTheBeginningsOfLongPaths) {
-  const QString longFolder = InFolder(QString(120, 'f'));
+  const QString longFolder = InFolder(std::string(120, 'f').c_str());
   QDir().mkpath(longFolder);
   const QString path = longFolder + "/plan & more.sig";
   WriteFile(path.toStdString(), "header\r\n");
