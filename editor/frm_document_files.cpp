@@ -6,6 +6,7 @@
 
 #include "core/sig_file.h"
 #include "core/table_properties.h"
+#include "editor/busy_pointer.h"
 #include "editor/default_printer.h"
 #include "editor/frm_document.h"
 #include "editor/messages.h"
@@ -14,19 +15,6 @@
 #include "report/listing.h"
 
 namespace chanplan {
-namespace {
-
-// The busy pointer, for as long as this lives.
-class BusyPointer {
- public:
-  explicit BusyPointer(QWidget& shown) : widget(shown) { widget.setCursor(Qt::WaitCursor); }
-  ~BusyPointer() { widget.unsetCursor(); }
-
- private:
-  QWidget& widget;
-};
-
-}  // namespace
 
 bool frmDocument::LoadSigStandards(const QString& path) {
   const BusyPointer busy(*this);

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QEventLoop>
+#include <QFile>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStandardPaths>
@@ -49,7 +51,14 @@ Desktop& TheDesktop() { return *theDesktop; }
 Desktop::Desktop(const QString& ownProgram) {
   theDesktop = this;
   QApplication::instance()->installEventFilter(this);
-  windowManager.start("openbox", {"--sm-disable"});
+  // Without habits of its own: it would look at each click first, and lose some of two in a row.
+  QFile settings(QDir::tempPath() + "/chanplan-window-manager-" + QString::number(QCoreApplication::applicationPid()));
+  if (!settings.open(QIODevice::WriteOnly)) qFatal("no settings for the window manager");
+  settings.write(
+      "<?xml version=\"1.0\"?><openbox_config xmlns=\"http://openbox.org/3.4/rc\">"
+      "<keyboard/><mouse/></openbox_config>\n");
+  settings.close();
+  windowManager.start("openbox", {"--sm-disable", "--config-file", settings.fileName()});
   if (!QTest::qWaitFor([] { return !Run({"get_desktop"}).isEmpty(); }, LongestWait)) qFatal("no window manager");
   otherProgram.start(ownProgram, {"--other-program"});
   if (!QTest::qWaitFor([this] { return otherProgram.canReadLine(); }, LongestWait)) qFatal("no other program");
@@ -64,6 +73,7 @@ Desktop::~Desktop() {
     process->terminate();
     if (!process->waitForFinished(5000)) process->kill();
   }
+  QFile::remove(windowManager.arguments().back());
 }
 
 QString Desktop::Run(const QStringList& arguments) {
