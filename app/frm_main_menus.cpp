@@ -4,6 +4,7 @@
 
 #include "app/frm_main.h"
 #include "app/icons.h"
+#include "editor/text_edge.h"
 
 namespace chanplan {
 namespace {
@@ -140,6 +141,8 @@ void frmMain::BuildMenus() {
       open->addAction(action);
     }
   }
+  portProblem = menuBar()->findChild<QMenu*>("menuOptionsComPort")->addAction("");
+  portProblem->setEnabled(false);
   ConnectArray("mnuRecentFile", 1, LastRecentFile, &frmMain::mnuRecentFile_Click);
   ConnectArray("menuOptionsCom", 1, LastPort, &frmMain::menuOptionsCom_Click);
   ConnectArray("menuOptionsBaud", 0, LastBaudRate, &frmMain::menuOptionsBaud_Click);
@@ -180,7 +183,27 @@ void frmMain::mnuView_DropDown() {
   Action("mnuViewWarnings")->setChecked(!WarningHolder->isHidden());
 }
 
+// Why a port cannot be opened is told where there is none to choose: of ports that exist before others.
+void frmMain::LookForPorts() {
+  std::optional<PortError> problem;
+  QString place;
+  bool found = false;
+  for (int port = 1; port <= LastPort; ++port) {
+    const bool opens = app.Link.ProbeCommPort(port);
+    found = found || opens;
+    Action("menuOptionsCom" + QString::number(port))->setVisible(opens);
+    const std::optional<PortError> failure = app.Link.PortFailure();
+    if (opens || !failure || (problem && (!problem->DeviceIsMissing || failure->DeviceIsMissing))) continue;
+    problem = failure;
+    place = QString("COM %1: ").arg(port);
+  }
+  portProblem->setVisible(!found);
+  if (!found && problem) portProblem->setText(QString(place + TextOf(problem->what())).replace('&', "&&"));
+}
+
+// A port that a transfer uses is not to be opened by anyone else, nor are the others by its link.
 void frmMain::menuOptions_DropDown() {
+  if (!transfer) LookForPorts();
   const int chosen = ChosenPort();
   for (int port = 1; port <= LastPort; ++port)
     Action("menuOptionsCom" + QString::number(port))->setChecked(chosen == port);

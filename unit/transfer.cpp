@@ -56,18 +56,13 @@ bool DecodeTable(std::string_view reply, UnitTable& held) {
   const int announced = TwoBytesToInteger(reply.substr(2, 2));
   held.Table.Count = 0;
   held.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
-  int subbandsExpected = 0;
+  SubbandCounter subbands;
   for (int index = 0; index < announced; ++index) {
     const std::string_view bytes = reply.substr(WireHeaderSize + WireRecordSize * static_cast<std::size_t>(index));
     if (bytes[0] == EndOfListState) break;
     if (index == MaxRecords) return false;
     SignalStandardRecord record = DecodeRecord(bytes.substr(0, WireRecordSize));
-    if (record.Subbands > 0) {
-      subbandsExpected = record.Subbands;
-    } else if (subbandsExpected > 0) {
-      --subbandsExpected;
-      record.Name = held.Table.Row(index - 1).Name;
-    }
+    if (subbands.Takes(record)) record.Name = held.Table.Row(index - 1).Name;
     held.Table.Append(std::move(record));
   }
   return true;

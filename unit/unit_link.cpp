@@ -13,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t BufferSize = 10000;
-constexpr std::size_t IdentitySize = 13;
 constexpr int CloseSyncTimeoutMs = 500;
 // How long the processor is given away between two looks at the port.
 constexpr std::chrono::nanoseconds PollPause = 1ms;
@@ -146,10 +145,12 @@ LinkResult UnitLink::ReadUnitIdentity(int timeoutMs, std::string& reply) {
 }
 
 bool UnitLink::ProbeCommPort(int portNumber) {
+  openFailure.reset();
   try {
     CommControl.SetPortNumber(portNumber);
     CommControl.Open();
-  } catch (const PortError&) {
+  } catch (const PortError& error) {
+    openFailure = error;
     return false;
   }
   if (CommControl.IsOpen()) CommControl.Close();

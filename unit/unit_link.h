@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -12,6 +13,8 @@
 #include "unit/unit_line.h"
 
 namespace chanplan {
+
+inline constexpr std::size_t IdentitySize = 13;  ///< bytes
 
 /// Results of the link's operations.
 enum LinkResult : std::int16_t {
@@ -61,7 +64,7 @@ class UnitLink {
   /// Asks the unit who it is: LinkTrue with `reply`, `UnitModel` and `UnitFirmwareVersion`, or LinkTimeout
   /// with what came of the reply.
   LinkResult ReadUnitIdentity(int timeoutMs, std::string& reply);
-  /// Whether the port could be opened.
+  /// Whether the port could be opened; otherwise `PortFailure` says why not.
   bool ProbeCommPort(int portNumber);
   /// Waits while events run; returns the milliseconds that passed.
   std::int32_t DelayMs(std::int16_t milliseconds);

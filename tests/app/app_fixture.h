@@ -33,15 +33,15 @@ namespace chanplan::testing {
 /// A machine that has not all of the ports 1 to 6.
 class MachinePort : public FakePort {
  public:
-  MachinePort(const HandDrivenClock& portClock, std::set<int> absentPorts)
-      : FakePort(portClock), absent(std::move(absentPorts)) {}
+  MachinePort(const HandDrivenClock& portClock, const std::set<int>& absentPorts)
+      : FakePort(portClock), absent(absentPorts) {}
   void SetPortNumber(int number) override {
     FakePort::SetPortNumber(number);
-    if (absent.contains(number)) throw PortError("no such port");
+    if (absent.contains(number)) throw PortError("there is no port " + std::to_string(number), true);
   }
 
  private:
-  std::set<int> absent;
+  const std::set<int>& absent;
 };
 
 class AppTest : public ::testing::Test {

@@ -26,15 +26,14 @@ struct FaultCase {
 };
 
 constexpr const char* NoAnswer =
-    "chanplan: no unit answered on PORT within 10 s: check that it is switched on and that the cable sits\n";
+    "chanplan: PORT: no unit answered within 10 s: check that it is switched on and that the cable sits\n";
 constexpr const char* SilentLater = "chanplan: Error establishing communication with Handheld Product!\n";
 constexpr const char* NotWhole =
     "chanplan: the unit's table did not arrive whole within 30 s: check the cable and start again\n";
 constexpr const char* NotConfirmed =
     "chanplan: the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
     "again\n";
-constexpr const char* HungUp =
-    "chanplan: PORT stopped working \\([^()]+\\): was the cable pulled\\? Plug it in and start again\n";
+constexpr const char* HungUp = "chanplan: PORT stopped working: was the cable pulled\\? Plug it in and start again\n";
 
 std::string WithPort(std::string text, const std::string& port) {
   if (const std::size_t place = text.find("PORT"); place != std::string::npos) text.replace(place, 4, port);
