@@ -138,7 +138,7 @@ class frmMain : public CommandFrame {
   QTimer* ResizeTimer;
   QList<QAction*> documentItems;            // enabled while a document is open
   QList<QAction*> windowList;               // the Window menu's list of documents
-  QAction* portProblem;                     // why the COM Port menu is empty
+  QAction* portProblem = nullptr;           // says why the COM Port menu is empty, while it is
   QPointer<QObject> warningsShownOf;        // a document
   std::optional<TransferCommand> transfer;  // the one that runs
 };

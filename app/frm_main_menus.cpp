@@ -141,8 +141,6 @@ void frmMain::BuildMenus() {
       open->addAction(action);
     }
   }
-  portProblem = menuBar()->findChild<QMenu*>("menuOptionsComPort")->addAction("");
-  portProblem->setEnabled(false);
   ConnectArray("mnuRecentFile", 1, LastRecentFile, &frmMain::mnuRecentFile_Click);
   ConnectArray("menuOptionsCom", 1, LastPort, &frmMain::menuOptionsCom_Click);
   ConnectArray("menuOptionsBaud", 0, LastBaudRate, &frmMain::menuOptionsBaud_Click);
@@ -197,8 +195,12 @@ void frmMain::LookForPorts() {
     problem = failure;
     place = QString("COM %1: ").arg(port);
   }
-  portProblem->setVisible(!found);
-  if (!found && problem) portProblem->setText(QString(place + TextOf(problem->what())).replace('&', "&&"));
+  delete portProblem;
+  portProblem = nullptr;
+  if (found || !problem) return;
+  const QString text = place + TextOf(problem->what());
+  portProblem = menuBar()->findChild<QMenu*>("menuOptionsComPort")->addAction(QString(text).replace('&', "&&"));
+  portProblem->setEnabled(false);
 }
 
 // A port that a transfer uses is not to be opened by anyone else, nor are the others by its link.
