@@ -207,6 +207,7 @@ void Serve(const Settings& settings) {
       replies.AddLate(unit.TakeLateEchoes());
       lastByte = Clock::now();
     } else if (Clock::now() - lastByte > QuietLine) {
+      terminal.Free();
       unit.LineIsQuiet();
     }
     replies.Send();

@@ -175,6 +175,59 @@ TEST(UnitFault, ThatOnlyDelaysStillLeadsToTheEnd) {
   });
 }
 
+// At the speed of a real line, one program right behind the other. Behind a stale echo, a tag with a low
+// byte of 0 makes the table look empty.
+TEST(UnitFault, ThatDelaysEchoesOnARealLineCostsNoTable) {
+  std::vector<std::future<void>> running;
+  for (const char* const fault : {"slow", "late-echo"})
+    running.push_back(std::async(std::launch::async, [fault] {
+      SCOPED_TRACE(fault);
+      const Chanplan chanplan;
+      WriteFile(chanplan.Folder / "unit.sig", SigText(NumberedRows(2, 3)));
+      WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(1)));
+      const RunningSimulator unit({"--fault", fault, "--tag", "256", "--table", chanplan.Folder / "unit.sig", "--save",
+                                   chanplan.Folder / "held.sig"});
+      for (int round = 0; round < 2; ++round) {
+        const ProgramRun run = chanplan.Run({"download", unit.Link(), "out.sig"});
+        EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
+        EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(2, 3)));
+      }
+      const ProgramRun run = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
+      EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
+      std::vector<std::string> merged = NumberedRows(2, 3);
+      merged.push_back(NumberedRows(1).front());
+      EXPECT_EQ(ReadFile(chanplan.Folder / "held.sig"), SigText(merged));
+    }));
+  for (std::future<void>& each : running) each.get();
+}
+
+TEST(UnitFault, ThatSendsMoreRecordsThanATableHoldsIsNamed) {
+  FaultyUnit many({"too-many",
+                   {},
+                   {"download", "PORT", "out.sig"},
+                   "chanplan: The unit announces more than 200 records, which no table can hold\n"});
+  many.ExpectCleanFailure(many.Run());
+}
+
+TEST(UnitFault, ThatSwitchesTheUnitOffInAnUploadFailsIt) {
+  FaultyUnit unit({"off-in-upload", {}, {"upload", "PORT", "table.sig"}, NotConfirmed});
+  unit.ExpectCleanFailure(unit.Run());
+}
+
+TEST(UnitFault, ThatSendsEveryByteBackIsNoUnitToTalkTo) {
+  FaultyUnit unit(
+      {"echo", {}, {"download", "PORT", "out.sig"}, "chanplan: the unit [^\n]+ is not compatible: [^\n]+\n"});
+  unit.ExpectCleanFailure(unit.Run());
+}
+
+TEST(UnitFault, ThatCutsTheIdentityIsSaidWithWhatCame) {
+  FaultyUnit unit({"drop-every-nth-byte",
+                   {"--nth", "14"},
+                   {"identify", "PORT"},
+                   "chanplan: PORT: incomplete answer, 12 of 13 bytes: check that the cable sits\n"});
+  unit.ExpectCleanFailure(unit.Run());
+}
+
 TEST(UnitFault, ThatFollowsTheIdentificationLetsTheUnitBeIdentified) {
   for (const char* const fault :
        {"silent-after-identify", "truncate-reply", "wrong-count", "garbage", "hang-up", "drop-every-nth-byte"}) {
