@@ -48,7 +48,13 @@ void frmInProgress::Set_on_top(bool onTop) {
 }
 
 void frmInProgress::set_prog_bar_value(int value) {
-  ProgressBar1->setValue(qBound(ProgressBar1->minimum(), value, ProgressBar1->maximum()));
+  const int shown = qBound(ProgressBar1->minimum(), value, ProgressBar1->maximum());
+  // Setting it takes time that the bytes of an upload do not have: only for another percentage, and at the end.
+  const auto percent = [this](int of) {
+    return (of - ProgressBar1->minimum()) * 100LL / qMax(ProgressBar1->maximum() - ProgressBar1->minimum(), 1);
+  };
+  if (shown == ProgressBar1->maximum() || percent(shown) != percent(ProgressBar1->value()))
+    ProgressBar1->setValue(shown);
 }
 
 void frmInProgress::set_prog_bar_range(int low, int high) { ProgressBar1->setRange(low, high); }

@@ -54,8 +54,7 @@ frmMain::frmMain(AppState& application)
   BuildClientArea();
   connect(&app.Recent, &RecentFileList::Loaded, this, &frmMain::ShowRecentFiles);
   RestorePlacement(*this, app.Settings);
-  for (int port = 1; port <= 6; ++port)
-    Action("menuOptionsCom" + QString::number(port))->setVisible(app.Link.ProbeCommPort(port));
+  LookForPorts();
 }
 
 // Documents talk to the frame until their very end, closed ones too.

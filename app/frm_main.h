@@ -94,6 +94,7 @@ class frmMain : public CommandFrame {
   void EnableDocumentItems();
   void mnuView_DropDown();
   void menuOptions_DropDown();
+  void LookForPorts();
   void mnuWindow_DropDown();
 
   // Commands (frm_main_commands.cpp)
@@ -142,6 +143,7 @@ class frmMain : public CommandFrame {
   QTimer* ResizeTimer;
   QList<QAction*> documentItems;            // enabled while a document is open
   QList<QAction*> windowList;               // the Window menu's list of documents
+  QAction* portProblem = nullptr;           // says why the COM Port menu is empty, while it is
   QPointer<QObject> warningsShownOf;        // a document
   std::optional<TransferCommand> transfer;  // the one that runs
 };

@@ -6,6 +6,7 @@
 
 #include "app/frm_main.h"
 #include "app/icons.h"
+#include "editor/text_edge.h"
 
 namespace chanplan {
 namespace {
@@ -190,7 +191,31 @@ void frmMain::mnuView_DropDown() {
   Action("mnuViewWarnings")->setChecked(!WarningHolder->isHidden());
 }
 
+// Why a port cannot be opened is told where there is none to choose: of ports that exist before others.
+void frmMain::LookForPorts() {
+  std::optional<PortError> problem;
+  QString place;
+  bool found = false;
+  for (int port = 1; port <= LastPort; ++port) {
+    const bool opens = app.Link.ProbeCommPort(port);
+    found = found || opens;
+    Action("menuOptionsCom" + QString::number(port))->setVisible(opens);
+    const std::optional<PortError> failure = app.Link.PortFailure();
+    if (opens || !failure || (problem && (!problem->DeviceIsMissing || failure->DeviceIsMissing))) continue;
+    problem = failure;
+    place = QString("COM %1: ").arg(port);
+  }
+  delete portProblem;
+  portProblem = nullptr;
+  if (found || !problem) return;
+  const QString text = place + TextOf(problem->what());
+  portProblem = menuBar()->findChild<QMenu*>("menuOptionsComPort")->addAction(QString(text).replace('&', "&&"));
+  portProblem->setEnabled(false);
+}
+
+// A port that a transfer uses is not to be opened by anyone else, nor are the others by its link.
 void frmMain::menuOptions_DropDown() {
+  if (!transfer) LookForPorts();
   const int chosen = ChosenPort();
   for (int port = 1; port <= LastPort; ++port)
     Action("menuOptionsCom" + QString::number(port))->setChecked(chosen == port);

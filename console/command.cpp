@@ -26,18 +26,24 @@ void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
   if (error) throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
 }
 
-void Note(const std::string& text) { std::cerr << "chanplan: " << text << std::endl; }
+void Note(const std::string& text) { std::cerr << "chanplan: " << HarmlessText(text) << std::endl; }
+
+std::string HarmlessText(std::string text) {
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const auto code = static_cast<unsigned char>(text[index]);
+    const bool isUpperControl =
+        code == 0xC2 && index + 1 < text.size() && static_cast<unsigned char>(text[index + 1]) < 0xA0;
+    if (isUpperControl) text.erase(index, 1);
+    if (isUpperControl || code == 127 || (code < 32 && code != '\n' && code != '\t')) text[index] = '?';
+  }
+  return text;
+}
 
 std::string PrintedText(std::string_view bytes) {
-  std::string text(bytes);
-  const auto isControl = [](char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    // The code page leaves five of the upper codes to control characters.
-    constexpr std::string_view unused = "\x81\x8D\x8F\x90\x9D";
-    return code < 32 || code == 127 || unused.find(byte) != std::string_view::npos;
-  };
-  std::ranges::replace_if(text, isControl, '?');
-  return Utf8FromWindows1252(text);
+  std::string text = HarmlessText(Utf8FromWindows1252(bytes));
+  std::ranges::replace_if(
+      text, [](char byte) { return byte == '\n' || byte == '\t'; }, '?');
+  return text;
 }
 
 std::string WithLfLineEnds(std::string text) {

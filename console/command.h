@@ -45,11 +45,14 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 /// Throws CommandFailure when `error` is one: what writing `file` came to.
 void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
 
+/// `text` (UTF-8) with "?" in place of control characters but line ends and TABs: what a file or a unit
+/// holds must not move the cursor.
+std::string HarmlessText(std::string text);
+
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);
 
-/// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters: what a unit sends
-/// must not move the cursor.
+/// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters.
 std::string PrintedText(std::string_view bytes);
 
 /// `text` with every CR LF as LF.

@@ -14,7 +14,7 @@ void AddDiffCommand(CLI::App& app, int& exitCode) {
   command->callback([files, &exitCode] {
     const SignalStandardTable left = OpenTable(files->first);
     const auto differences = TableDifferences(left, OpenTable(files->second));
-    for (const std::string& line : differences) std::cout << line << '\n';
+    for (const std::string& line : differences) std::cout << HarmlessText(line) << '\n';
     exitCode = differences.empty() ? ExitDone : ExitDifferent;
   });
 }

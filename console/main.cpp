@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "console/command.h"
+#include "console/interruption.h"
 
 int main(int argc, char** argv) {
   using namespace chanplan;
@@ -24,6 +25,9 @@ int main(int argc, char** argv) {
     std::cout.flush();
     if (!std::cout) throw CommandFailure("standard output could not be written");
     return exitCode;
+  } catch (const Interrupted&) {
+    Note("interrupted");
+    return InterruptedExitCode();
   } catch (const std::exception& error) {
     Note(error.what());
     return ExitFailed;

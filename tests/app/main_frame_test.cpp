@@ -176,6 +176,31 @@ TEST_F(Menus, ListOnlyThePortsOfThisMachine) {
   EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptionsComPort")), QStringList({"COM 1", "COM 3", "COM 4 ", "COM 6"}));
 }
 
+TEST_F(Menus, LookForPortsWheneverTheyDropDown) {
+  absentPorts = {1, 2, 3, 4, 5, 6};
+  Start();
+  absentPorts = {1, 2, 3, 5, 6};
+  DropDown("menuOptions");
+  EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptionsComPort")), QStringList({"COM 4 "}));
+  PullUp();
+  absentPorts.insert(4);
+  DropDown("menuOptions");
+  PullUp();
+  for (int port = 1; port <= 6; ++port) EXPECT_FALSE(Item("menuOptionsCom" + QString::number(port)).isVisible());
+}
+
+TEST_F(Menus, SayWhyThereIsNoPort) {
+  absentPorts = {1, 2, 3, 4, 5, 6};
+  Start();
+  const QMenu& menu = Get<QMenu>("menuOptionsComPort");
+  EXPECT_EQ(VisibleItems(menu), QStringList({"COM 1: there is no port 1"}));
+  EXPECT_FALSE(menu.actions().back()->isEnabled());
+  busyPorts = {3, 4};
+  DropDown("menuOptions");
+  EXPECT_EQ(VisibleItems(menu), QStringList({"COM 3: port 3 is busy"})) << "what is there tells more";
+  PullUp();
+}
+
 TEST_F(Menus, CheckTheChosenPortAndSpeed) {
   Start();
   Choose("menuOptionsCom3");
