@@ -16,7 +16,11 @@ constexpr int BarWidth = 320;  // pixels
 }  // namespace
 
 frmInProgress::frmInProgress(QWidget* frame, bool& abortFlag)
-    : QDialog(frame), AbortRequested(abortFlag), LblPrompt(new QLabel), ProgressBar1(new QProgressBar) {
+    : QDialog(frame),
+      AbortRequested(abortFlag),
+      LblPrompt(new QLabel),
+      ProgressBar1(new QProgressBar),
+      CmdAbort(new QPushButton("&Abort")) {
   setObjectName("frmInProgress");
   LblPrompt->setObjectName("LblPrompt");
   LblPrompt->setTextFormat(Qt::PlainText);
@@ -24,16 +28,15 @@ frmInProgress::frmInProgress(QWidget* frame, bool& abortFlag)
   ProgressBar1->setAccessibleName("Progress");
   ProgressBar1->setMinimumWidth(BarWidth);
   set_prog_bar_range(0, 100);
-  auto* abort = new QPushButton("&Abort");
-  abort->setObjectName("CmdAbort");
-  abort->setAutoDefault(false);  // Enter does not abort
-  connect(abort, &QPushButton::clicked, this, &QDialog::close);
+  CmdAbort->setObjectName("CmdAbort");
+  CmdAbort->setAutoDefault(false);  // Enter does not abort
+  connect(CmdAbort, &QPushButton::clicked, this, &QDialog::close);
 
   auto* column = new QVBoxLayout(this);
   column->setSizeConstraint(QLayout::SetFixedSize);
   column->addWidget(LblPrompt);
   column->addWidget(ProgressBar1);
-  column->addWidget(abort, 0, Qt::AlignRight);
+  column->addWidget(CmdAbort, 0, Qt::AlignRight);
 }
 
 void frmInProgress::set_Label(const QString& text) { LblPrompt->setText(text); }
@@ -45,12 +48,19 @@ void frmInProgress::Set_on_top(bool onTop) {
 }
 
 void frmInProgress::set_prog_bar_value(int value) {
-  ProgressBar1->setValue(qBound(ProgressBar1->minimum(), value, ProgressBar1->maximum()));
+  const int shown = qBound(ProgressBar1->minimum(), value, ProgressBar1->maximum());
+  // Setting it takes time that the bytes of an upload do not have: only for another percentage, and at the end.
+  const auto percent = [this](int of) {
+    return (of - ProgressBar1->minimum()) * 100LL / qMax(ProgressBar1->maximum() - ProgressBar1->minimum(), 1);
+  };
+  if (shown == ProgressBar1->maximum() || percent(shown) != percent(ProgressBar1->value()))
+    ProgressBar1->setValue(shown);
 }
 
 void frmInProgress::set_prog_bar_range(int low, int high) { ProgressBar1->setRange(low, high); }
 
 void frmInProgress::ShowOverFrame() {
+  CmdAbort->setEnabled(true);
   ensurePolished();
   layout()->activate();
   const QWidget& frame = *parentWidget();
@@ -70,6 +80,7 @@ void frmInProgress::Finish() {
 void frmInProgress::Abort() {
   AbortRequested = true;
   set_Label("Aborting...");
+  CmdAbort->setEnabled(false);  // it cannot be asked for more often than once
 }
 
 void frmInProgress::SetLabel(std::string_view text) { set_Label(TextOf(text)); }
@@ -88,6 +99,7 @@ void frmInProgress::AskToAbort() {
   question = new QMessageBox(QMessageBox::Question, windowTitle(), "Interrupting the current process?",
                              QMessageBox::Yes | QMessageBox::No, this);
   question->setAttribute(Qt::WA_DeleteOnClose);
+  question->setDefaultButton(QMessageBox::No);
   connect(question, &QMessageBox::finished, this, [this](int answer) {
     if (answer == QMessageBox::Yes) Abort();
     Set_on_top(true);

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 
 #include "unit/transfer.h"
 
@@ -49,6 +50,7 @@ class frmInProgress : public QDialog, public TransferProgress {
   bool& AbortRequested;
   QLabel* LblPrompt;
   QProgressBar* ProgressBar1;
+  QPushButton* CmdAbort;
   QPointer<QMessageBox> question;
 };
 

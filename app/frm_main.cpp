@@ -23,6 +23,14 @@ constexpr int FirstPaneHeight = 1500;  // twips
 // A document that is larger than the area is placed with its list, or its title bar, out of sight.
 void KeepCornerInSight(QMdiSubWindow& document) { document.move(qMax(document.x(), 0), qMax(document.y(), 0)); }
 
+// On a small screen, or one that enlarges everything, less than a document's least size may be seen
+// of it. Its normal size stays.
+void MaximiseWhereLittleIsInSight(QMdiSubWindow& document) {
+  const QSize seen = (document.geometry() & document.mdiArea()->viewport()->rect()).size();
+  const QSize least = document.minimumSize();
+  if (seen.width() < least.width() || seen.height() < least.height()) document.showMaximized();
+}
+
 }  // namespace
 
 frmMain::frmMain(AppState& application)
@@ -46,8 +54,7 @@ frmMain::frmMain(AppState& application)
   BuildClientArea();
   connect(&app.Recent, &RecentFileList::Loaded, this, &frmMain::ShowRecentFiles);
   RestorePlacement(*this, app.Settings);
-  for (int port = 1; port <= 6; ++port)
-    Action("menuOptionsCom" + QString::number(port))->setVisible(app.Link.ProbeCommPort(port));
+  LookForPorts();
 }
 
 // Documents talk to the frame until their very end, closed ones too.
@@ -63,17 +70,29 @@ void frmMain::BuildStatusBar() {
 }
 
 void frmMain::BuildClientArea() {
+  auto* client = new QWidget;
+  dropLine = new QRubberBand(QRubberBand::Line, client);
+  dropLine->setObjectName("dropLine");
   documents->setObjectName("documents");
   documents->setAccessibleName("Documents");
   documents->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   documents->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-  connect(documents, &QMdiArea::subWindowActivated, this, &frmMain::DocumentsChanged);
+  documents->setActivationOrder(QMdiArea::ActivationHistoryOrder);  // closing one goes back to the one before it
+  connect(documents, &QMdiArea::subWindowActivated, this, [this](const QMdiSubWindow* activated) {
+    // While another program has the screen no document is active, but none is left either.
+    if (activated == nullptr) return;
+    for (const QPointer<DocumentWindow>& document : app.Registry.Documents)
+      if (document != nullptr && document != activated && !document->State().Released) document->CommitEdit();
+    DocumentsChanged();
+  });
 
   WarningHolder->setObjectName("WarningHolder");
   WarningHolder->setFixedHeight(TwipsToPixelsY(FirstPaneHeight, *this));
   WarningHolder->installEventFilter(this);
   lblSplitter->setObjectName("lblSplitter");
   lstWarnings->setObjectName("lstWarnings");
+  connect(lblSplitter, &SplitterBar::Dragged, this, &frmMain::ShowDropLine);
+  connect(lblSplitter, &SplitterBar::Released, dropLine, &QWidget::hide);
   connect(lblSplitter, &SplitterBar::Dropped, this, &frmMain::DropSplitter);
   connect(lblSplitter, &SplitterBar::Nudged, this,
           [this](int pixelsUp) { SetPaneHeight(WarningHolder->height() + pixelsUp); });
@@ -93,11 +112,10 @@ void frmMain::BuildClientArea() {
     DocumentWindow* document = ActiveDocument();
     if (document != nullptr && WarningHolder->isAncestorOf(focusWidget()))
       document->setFocus();
-    else
+    else if (WarningHolder->isVisible())
       lstWarnings->setFocus();
   });
 
-  QWidget* client = new QWidget;
   auto* column = new QVBoxLayout(client);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
@@ -114,7 +132,7 @@ QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& 
   return chanplan::PromptSaveFileName(*this, app.Recent, proposedName, fileType);
 }
 
-DocumentWindow* frmMain::ActiveDocument() const { return qobject_cast<DocumentWindow*>(documents->currentSubWindow()); }
+DocumentWindow* frmMain::ActiveDocument() const { return DocumentWindow::ActiveIn(*documents); }
 
 DocumentWindow& frmMain::CreateDocument(bool newSlotRequested, const QString& name) {
   const bool firstIsInUse = transfer && transfer->Holds(app.Registry.Document(1));
@@ -145,14 +163,19 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   if (event->spontaneous()) return;  // the user is back from another desktop or from an icon
-  for (QMdiSubWindow* document : documents->subWindowList()) KeepCornerInSight(*document);
+  for (QMdiSubWindow* document : documents->subWindowList()) {
+    KeepCornerInSight(*document);
+    MaximiseWhereLittleIsInSight(*document);
+  }
 }
 
 void frmMain::ShowDocument(DocumentWindow& document) {
+  const bool opened = document.isHidden();
   if (document.isMinimized())
     document.showNormal();
   else
     document.show();
+  if (opened && isVisible()) MaximiseWhereLittleIsInSight(document);
   documents->setActiveSubWindow(&document);
   DocumentsChanged();
 }
@@ -176,6 +199,8 @@ void frmMain::LayOutPane() {
 
 void frmMain::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
+  if (!event->oldSize().isValid() || event->size().height() < event->oldSize().height())
+    SetPaneHeight(WarningHolder->height());
   LayOutPane();
 }
 
@@ -207,14 +232,21 @@ void frmMain::DropOnWarnings(const QString& sourceName, int y) {
   if (sourceName == lblSplitter->objectName()) SetPaneHeight(WarningHolder->height() - y);
 }
 
-void frmMain::SetPaneHeight(int proposed) {
+// Where the pane's upper edge would come to lie.
+void frmMain::ShowDropLine(const QPoint& globalPosition) {
+  QWidget& client = *centralWidget();
+  const int height = AllowedPaneHeight(client.height() - client.mapFromGlobal(globalPosition).y());
+  dropLine->setGeometry(0, client.height() - height, client.width(), SplitterHeight);
+  dropLine->show();
+}
+
+int frmMain::AllowedPaneHeight(int proposed) const {
   const double highest = frameGeometry().height() / 3.0;
   const int lowest = 2 * sbStatusBar->height();
-  if (proposed > highest)
-    WarningHolder->setFixedHeight(qRound(highest));
-  else
-    WarningHolder->setFixedHeight(qMax(proposed, lowest));
+  return proposed > highest ? qRound(highest) : qMax(proposed, lowest);
 }
+
+void frmMain::SetPaneHeight(int proposed) { WarningHolder->setFixedHeight(AllowedPaneHeight(proposed)); }
 
 void frmMain::closeEvent(QCloseEvent* event) {
   if (transfer) {

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QPointer>
+#include <QRubberBand>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -74,11 +75,14 @@ class frmMain : public CommandFrame {
   void BuildClientArea();
   QAction* Action(const QString& name) const;
   /// Connects the items `name``first` to `name``last` of a menu array.
+  void MakeOneChoice(const char* name, int first, int last);
   void ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index));
 
   // The pane
   void LayOutPane();
+  int AllowedPaneHeight(int proposed) const;
   void SetPaneHeight(int proposed);
+  void ShowDropLine(const QPoint& globalPosition);
   void DropSplitter(const QPoint& globalPosition);
 
   void AddDocument(std::unique_ptr<DocumentWindow> document);
@@ -89,6 +93,7 @@ class frmMain : public CommandFrame {
   void EnableDocumentItems();
   void mnuView_DropDown();
   void menuOptions_DropDown();
+  void LookForPorts();
   void mnuWindow_DropDown();
 
   // Commands (frm_main_commands.cpp)
@@ -132,10 +137,12 @@ class frmMain : public CommandFrame {
   QLabel* sbStatusBarPanel2;
   QWidget* WarningHolder;
   SplitterBar* lblSplitter;
+  QRubberBand* dropLine = nullptr;  // shows where the splitter would drop
   WarningsPane* lstWarnings;
   QTimer* ResizeTimer;
   QList<QAction*> documentItems;            // enabled while a document is open
   QList<QAction*> windowList;               // the Window menu's list of documents
+  QAction* portProblem = nullptr;           // says why the COM Port menu is empty, while it is
   QPointer<QObject> warningsShownOf;        // a document
   std::optional<TransferCommand> transfer;  // the one that runs
 };

@@ -1,9 +1,12 @@
 // The main frame: its menus and toolbar buttons, as tables, and what happens when a menu drops down.
+#include <QActionGroup>
 #include <QMenuBar>
+#include <QTextDocument>
 #include <array>
 
 #include "app/frm_main.h"
 #include "app/icons.h"
+#include "editor/text_edge.h"
 
 namespace chanplan {
 namespace {
@@ -145,12 +148,20 @@ void frmMain::BuildMenus() {
   ConnectArray("mnuRecentFile", 1, LastRecentFile, &frmMain::mnuRecentFile_Click);
   ConnectArray("menuOptionsCom", 1, LastPort, &frmMain::menuOptionsCom_Click);
   ConnectArray("menuOptionsBaud", 0, LastBaudRate, &frmMain::menuOptionsBaud_Click);
+  MakeOneChoice("menuOptionsCom", 1, LastPort);
+  MakeOneChoice("menuOptionsBaud", 0, LastBaudRate);
 }
 
 void frmMain::ConnectArray(const char* name, int first, int last, void (frmMain::*click)(int index)) {
   for (int index = first; index <= last; ++index)
     connect(Action(name + QString::number(index)), &QAction::triggered, this,
             [this, index, click] { (this->*click)(index); });
+}
+
+// One of the items of a menu array is chosen.
+void frmMain::MakeOneChoice(const char* name, int first, int last) {
+  auto* choice = new QActionGroup(this);
+  for (int index = first; index <= last; ++index) choice->addAction(Action(name + QString::number(index)));
 }
 
 QAction* frmMain::Action(const QString& name) const { return findChild<QAction*>(name, Qt::FindDirectChildrenOnly); }
@@ -182,7 +193,31 @@ void frmMain::mnuView_DropDown() {
   Action("mnuViewWarnings")->setChecked(!WarningHolder->isHidden());
 }
 
+// Why a port cannot be opened is told where there is none to choose: of ports that exist before others.
+void frmMain::LookForPorts() {
+  std::optional<PortError> problem;
+  QString place;
+  bool found = false;
+  for (int port = 1; port <= LastPort; ++port) {
+    const bool opens = app.Link.ProbeCommPort(port);
+    found = found || opens;
+    Action("menuOptionsCom" + QString::number(port))->setVisible(opens);
+    const std::optional<PortError> failure = app.Link.PortFailure();
+    if (opens || !failure || (problem && (!problem->DeviceIsMissing || failure->DeviceIsMissing))) continue;
+    problem = failure;
+    place = QString("COM %1: ").arg(port);
+  }
+  delete portProblem;
+  portProblem = nullptr;
+  if (found || !problem) return;
+  const QString text = place + TextOf(problem->what());
+  portProblem = menuBar()->findChild<QMenu*>("menuOptionsComPort")->addAction(QString(text).replace('&', "&&"));
+  portProblem->setEnabled(false);
+}
+
+// A port that a transfer uses is not to be opened by anyone else, nor are the others by its link.
 void frmMain::menuOptions_DropDown() {
+  if (!transfer) LookForPorts();
   const int chosen = ChosenPort();
   for (int port = 1; port <= LastPort; ++port)
     Action("menuOptionsCom" + QString::number(port))->setChecked(chosen == port);
@@ -196,14 +231,17 @@ void frmMain::mnuWindow_DropDown() {
   qDeleteAll(windowList);
   windowList.clear();
   QMenu* menu = menuBar()->findChild<QMenu*>("mnuWindow");
+  menu->setToolTipsVisible(true);
   windowList += menu->addSeparator();
   for (const QPointer<DocumentWindow>& document : app.Registry.Documents) {
     if (document == nullptr || document->State().Released) continue;
     const qsizetype number = windowList.size();
     const QString mnemonic = number <= 9 ? "&" : "";  // a second digit would stand for another document
-    QAction* item =
-        menu->addAction(mnemonic + QString::number(number) + " " + document->windowTitle().replace('&', "&&"), document,
-                        [this, shown = document.data()] { ShowDocument(*shown); });
+    // The end of a path tells documents apart.
+    const QString caption = menu->fontMetrics().elidedText(document->windowTitle(), Qt::ElideLeft, width() / 2);
+    QAction* item = menu->addAction(mnemonic + QString::number(number) + " " + QString(caption).replace('&', "&&"),
+                                    document, [this, shown = document.data()] { ShowDocument(*shown); });
+    if (caption != document->windowTitle()) item->setToolTip(Qt::convertFromPlainText(document->windowTitle()));
     item->setCheckable(true);
     item->setChecked(document == ActiveDocument());
     windowList += item;

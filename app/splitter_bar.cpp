@@ -15,9 +15,14 @@ SplitterBar::SplitterBar(QWidget* parent) : QLabel(parent) {
 // Taking the press makes the bar get all that the mouse does until it is let go.
 void SplitterBar::mousePressEvent(QMouseEvent* event) { event->setAccepted(event->button() == Qt::LeftButton); }
 
+void SplitterBar::mouseMoveEvent(QMouseEvent* event) {
+  if ((event->buttons() & Qt::LeftButton) != 0) emit Dragged(event->globalPosition().toPoint());
+}
+
 void SplitterBar::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton && !rect().contains(event->position().toPoint()))
-    emit Dropped(event->globalPosition().toPoint());
+  if (event->button() != Qt::LeftButton) return;
+  emit Released();
+  if (!rect().contains(event->position().toPoint())) emit Dropped(event->globalPosition().toPoint());
 }
 
 void SplitterBar::keyPressEvent(QKeyEvent* event) {

@@ -13,13 +13,18 @@ class SplitterBar : public QLabel {
   explicit SplitterBar(QWidget* parent);
 
  signals:
+  /// The mouse holds it there.
+  void Dragged(const QPoint& globalPosition);
   /// The mouse let go of it there, elsewhere than on itself.
   void Dropped(const QPoint& globalPosition);
+  /// The mouse let go of it.
+  void Released();
   /// A key asks for so many pixels up (positive) or down.
   void Nudged(int pixelsUp);
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;

@@ -1,5 +1,8 @@
 #include "app/transfer_command.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+
 #include "app/frm_upload_optns.h"
 #include "core/table_merge.h"
 #include "editor/messages.h"
@@ -13,6 +16,10 @@ namespace {
 constexpr char CanceledText[] = "Process canceled by user.";
 constexpr char NothingUploadedText[] =
     "The table of the unit could not be read whole, so nothing was uploaded: check the cable and start again.";
+
+constexpr char NotConfirmedText[] =
+    "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
+    "the cable sits, and upload the table again.";
 
 QString CompletedText(int records) {
   return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
@@ -30,9 +37,25 @@ TransferCommand::TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, Tr
       busy(mainFrame),
       progress(mainFrame.findChild<frmInProgress*>()) {
   flags.AbortRequested = false;
+  link.StopRequested = [this] { return flags.AbortRequested; };
+  qApp->installEventFilter(this);
 }
 
-TransferCommand::~TransferCommand() { link.CommPort = PortForTheNext; }
+TransferCommand::~TransferCommand() {
+  link.StopRequested = [] { return false; };
+  link.CommPort = PortForTheNext;
+}
+
+// Where no dialog is shown whose own key it is, Escape ends the wait for a unit that is silent.
+bool TransferCommand::eventFilter(QObject* watched, QEvent* event) {
+  const bool dialogIsShown = QApplication::activeModalWidget() != nullptr ||
+                             QApplication::activePopupWidget() != nullptr ||
+                             (progress != nullptr && progress->isVisible());
+  if (event->type() != QEvent::KeyPress || dialogIsShown || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+    return QObject::eventFilter(watched, event);
+  flags.AbortRequested = true;
+  return true;
+}
 
 void TransferCommand::Download() { ReceiveInNewDocument(false); }
 
@@ -48,12 +71,17 @@ void TransferCommand::Upload(DocumentWindow& document) {
 
 // The user may have wished to stop while the unit was waited for.
 bool TransferCommand::Connect() {
+  const QString port = QString("COM %1").arg(link.CommPort);
+  frame.ShowStatus("Looking for a unit on " + port + " ... (Esc cancels)");
   const ConnectOutcome outcome = ConnectToUnit(link);
-  if (flags.AbortRequested)
+  if (flags.AbortRequested) {
     frame.ShowStatus(CanceledText);
-  else if (!outcome.Accepted())
+    return false;
+  }
+  frame.ShowStatus(outcome.Accepted() ? QString() : port + ": " + TextOf(outcome.Reason));
+  if (!outcome.Accepted())
     ShowMessage(frame, QString::fromStdString(outcome.Message), frame.ApplicationTitle(), QMessageBox::Critical);
-  return outcome.Accepted() && !flags.AbortRequested;
+  return outcome.Accepted();
 }
 
 // Nothing when the unit was not reached, so that no document was made.
@@ -79,17 +107,24 @@ bool TransferCommand::Append() {
     if (outcome->UnitAnswered) ShowMessage(frame, NothingUploadedText, frame.ApplicationTitle(), QMessageBox::Warning);
     return false;
   }
-  MergeTables(*moved, *added);
-  return true;
+  const int dropped = MergeTables(*moved, *added);
+  if (dropped == 0) return true;
+  const QString question =
+      QString("%1 records find no room in the unit. Upload the first %2 all the same?").arg(dropped).arg(MaxRecords);
+  const bool confirmed = Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), question,
+                             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+  if (!confirmed) frame.ShowStatus(CanceledText);
+  return confirmed;
 }
 
-void TransferCommand::MergeTables(DocumentWindow& base, DocumentWindow& source) {
+int TransferCommand::MergeTables(DocumentWindow& base, DocumentWindow& source) {
   for (DocumentWindow* document : {&base, &source}) document->CommitEdit();
   const MergeOutcome merged = MergeWholeGroups(base.Table(), source.Table(), flags.UploadReplaceMatching);
   if (merged.Truncated) ShowMessage(frame, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
   GetTable(merged.Table, sharedTables.Passed);
   base.SetTable();
   if (merged.Table.Count > 0) base.State().Changed = true;  // it is in no file
+  return merged.Dropped;
 }
 
 // Nothing, after telling the user, when a value does not fit.
@@ -125,14 +160,16 @@ bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
   return !message || Send(document, *message).UnitAnswered;
 }
 
+// The table is on the screen before the end of the exchange is waited for.
 TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
   document.CommitEdit();
   UnitTable held{document.Table(), document.UnitTableTag};
   const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
   document.UnitTableTag = held.UnitTableTag;
-  End(outcome, held.Table.Count);
-  const bool received = outcome.UnitAnswered && !outcome.Aborted && outcome.Result != LinkTimeout;
+  ShowEnd(outcome, held.Table.Count);
+  const bool received = outcome.Moved() && (outcome.Result == LinkTrue || outcome.Result == LinkFalse);
   if (received) document.ShowUnitTable(held.Table);
+  FinishTransfer(link, outcome);
   Tell(outcome);
   return outcome;
 }
@@ -140,9 +177,12 @@ TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
 TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view message) {
   const int records = document.Table().Count;  // it may be edited meanwhile
   const TransferOutcome outcome = RunUpload(link, message, Begin(), [this] { return flags.AbortRequested; });
-  if (outcome.UnitAnswered && !outcome.Aborted) document.UnitTableTag = UploadTag(document.UnitTableTag);
-  End(outcome, records);
+  if (outcome.Moved()) document.UnitTableTag = UploadTag(document.UnitTableTag);
+  ShowEnd(outcome, records);
+  const LinkResult sync = FinishTransfer(link, outcome);
   Tell(outcome);
+  if (outcome.Done() && sync != LinkAck)
+    ShowMessage(frame, NotConfirmedText, frame.ApplicationTitle(), QMessageBox::Warning);
   return outcome;
 }
 
@@ -154,12 +194,11 @@ TransferProgress& TransferCommand::Begin() {
   return *progress;
 }
 
-void TransferCommand::End(const TransferOutcome& outcome, int records) {
+void TransferCommand::ShowEnd(const TransferOutcome& outcome, int records) {
   frame.ShowStatus(!outcome.Message.empty() ? QString::fromStdString(outcome.Message)
                    : flags.AbortRequested   ? QString(CanceledText)
                                             : CompletedText(records));
   progress->Finish();
-  FinishTransfer(link, outcome);
 }
 
 void TransferCommand::Tell(const TransferOutcome& outcome) {

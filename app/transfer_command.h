@@ -1,6 +1,7 @@
 // The commands that move a table between a document and the unit.
 #pragma once
 
+#include <QObject>
 #include <QPointer>
 #include <cstdint>
 #include <optional>
@@ -18,12 +19,11 @@
 namespace chanplan {
 
 /// A command that runs, from connecting to the unit to the closed port: one at a time. Events are
-/// handled meanwhile; its documents stay open until its end.
-class TransferCommand {
+/// handled meanwhile; its documents stay open until its end. Escape ends its waits for a silent unit.
+class TransferCommand : public QObject {
  public:
   TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, TransferFlags& transferFlags, SharedTables& shared);
-  ~TransferCommand();
-  Q_DISABLE_COPY_MOVE(TransferCommand)
+  ~TransferCommand() override;
 
   /// Brings the unit's table into a document of its own.
   void Download();
@@ -36,8 +36,8 @@ class TransferCommand {
   /// The two directions of `Proc_Query`. `message` is the table of `document` as it goes out.
   TransferOutcome Receive(DocumentWindow& document);
   TransferOutcome Send(DocumentWindow& document, std::string_view message);
-  /// Merges the table of `source` into that of `base`.
-  void MergeTables(DocumentWindow& base, DocumentWindow& source);
+  /// Merges the table of `source` into that of `base`. Returns how many rows found no room.
+  int MergeTables(DocumentWindow& base, DocumentWindow& source);
 
   /// What a confirmed abort does.
   void Abort();
@@ -47,6 +47,9 @@ class TransferCommand {
   /// The port that the user chooses meanwhile: one command keeps to one unit.
   std::int16_t PortForTheNext;
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   bool Connect();
   std::optional<TransferOutcome> ReceiveInNewDocument(bool newSlotRequested);
@@ -54,7 +57,7 @@ class TransferCommand {
   std::optional<std::string> Encode(DocumentWindow& document);
   bool ConfirmLosses(const SignalStandardTable& table);
   TransferProgress& Begin();
-  void End(const TransferOutcome& outcome, int records);
+  void ShowEnd(const TransferOutcome& outcome, int records);
   void Tell(const TransferOutcome& outcome);
 
   CommandFrame& frame;

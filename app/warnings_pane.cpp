@@ -32,12 +32,18 @@ class TabbedLines : public QStyledItemDelegate {
     layout.draw(painter, line.rect.topLeft() + QPointF(Margin(line), 0));
   }
 
+  // All lines are as wide as the widest one, so that there is a way to its end.
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     QStyleOptionViewItem line = option;
     initStyleOption(&line, index);
-    QTextLayout layout;
-    LayOut(layout, line);
-    return {qCeil(layout.maximumWidth()) + 2 * Margin(line), line.fontMetrics.height()};
+    double widest = 0;
+    for (int row = 0; row < index.model()->rowCount(); ++row) {
+      line.text = index.siblingAtRow(row).data().toString();
+      QTextLayout layout;
+      LayOut(layout, line);
+      widest = qMax(widest, layout.maximumWidth());
+    }
+    return {qCeil(widest) + 2 * Margin(line), line.fontMetrics.height()};
   }
 
  private:
@@ -124,6 +130,15 @@ void WarningsPane::ShowPosition() {
 void WarningsPane::initViewItemOption(QStyleOptionViewItem* option) const {
   QListWidget::initViewItemOption(option);
   MuteSelection(*option, *this);
+}
+
+// The first key goes to the first line, not past it.
+void WarningsPane::keyPressEvent(QKeyEvent* event) {
+  const bool down = event->key() == Qt::Key_Down || event->key() == Qt::Key_PageDown;
+  if (down && SelectedIndex() < 0 && count() > 0)
+    setCurrentRow(0);
+  else
+    QListWidget::keyPressEvent(event);
 }
 
 // A click on the line that is selected already is a click too.

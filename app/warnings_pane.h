@@ -27,6 +27,7 @@ class WarningsPane : public QListWidget {
  protected:
   void initViewItemOption(QStyleOptionViewItem* option) const override;
   void mousePressEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   int SelectedIndex() const;

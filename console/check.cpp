@@ -25,7 +25,7 @@ Checked CheckFile(const std::filesystem::path& file) {
 void PrintText(const Checked& checked, bool named) {
   for (const std::string& note : checked.Notes) Note(PrintedName(checked.File) + ": " + note);
   const std::string prefix = named ? PrintedName(checked.File) + ": " : "";
-  for (const Warning& warning : checked.Warnings) std::cout << prefix << WarningText(warning) << '\n';
+  for (const Warning& warning : checked.Warnings) std::cout << prefix << HarmlessText(WarningText(warning)) << '\n';
 }
 
 std::string JsonOf(const Checked& checked) {

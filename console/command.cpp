@@ -9,13 +9,6 @@
 #include "core/validation.h"
 
 namespace chanplan {
-namespace {
-
-[[noreturn]] void FailToSave(const std::filesystem::path& file, std::error_code error) {
-  throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
-}
-
-}  // namespace
 
 std::string PrintedName(const std::filesystem::path& file) {
   return file == StandardStream ? "(standard input)" : file.string();
@@ -71,15 +64,19 @@ std::string JsonStrings(const std::vector<std::string>& texts) {
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
   AlignSubbands(table);
   const std::string bytes = WriteSigTable(table);
-  if (HasTooLongLine(bytes)) FailToSave(file, std::make_error_code(std::errc::value_too_large));
+  if (HasTooLongLine(bytes)) FailUnlessSaved(file, std::make_error_code(std::errc::value_too_large));
   SaveBytes(file, bytes);
 }
 
 void SaveBytes(const std::filesystem::path& out, std::string_view bytes) {
   if (out == StandardStream)
     std::cout << bytes;  // `main` sees to it that all of it arrives
-  else if (const std::error_code error = ReplaceFile(out, bytes))
-    FailToSave(out, error);
+  else
+    FailUnlessSaved(out, ReplaceFile(out, bytes));
+}
+
+void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
+  if (error) throw CommandFailure("Error Saving File " + file.string() + ": " + error.message());
 }
 
 void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out) {
@@ -91,18 +88,24 @@ std::string CaptionOf(const std::filesystem::path& file) {
   return file == StandardStream ? PrintedName(file) : CaptionOfFile(file);
 }
 
-void Note(const std::string& text) { std::cerr << "chanplan: " << text << std::endl; }
+void Note(const std::string& text) { std::cerr << "chanplan: " << HarmlessText(text) << std::endl; }
+
+std::string HarmlessText(std::string text) {
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const auto code = static_cast<unsigned char>(text[index]);
+    const bool isUpperControl =
+        code == 0xC2 && index + 1 < text.size() && static_cast<unsigned char>(text[index + 1]) < 0xA0;
+    if (isUpperControl) text.erase(index, 1);
+    if (isUpperControl || code == 127 || (code < 32 && code != '\n' && code != '\t')) text[index] = '?';
+  }
+  return text;
+}
 
 std::string PrintedText(std::string_view bytes) {
-  std::string text(bytes);
-  const auto isControl = [](char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    // The code page leaves five of the upper codes to control characters.
-    constexpr std::string_view unused = "\x81\x8D\x8F\x90\x9D";
-    return code < 32 || code == 127 || unused.find(byte) != std::string_view::npos;
-  };
-  std::ranges::replace_if(text, isControl, '?');
-  return Utf8FromWindows1252(text);
+  std::string text = HarmlessText(Utf8FromWindows1252(bytes));
+  std::ranges::replace_if(
+      text, [](char byte) { return byte == '\n' || byte == '\t'; }, '?');
+  return text;
 }
 
 std::string WithLfLineEnds(std::string text) {

@@ -61,17 +61,23 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 /// Writes `bytes` to `out`, whole or not at all; throws CommandFailure.
 void SaveBytes(const std::filesystem::path& out, std::string_view bytes);
 
+/// Throws CommandFailure when `error` is one: what writing `file` comes to.
+void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
+
 /// Throws CommandFailure when what is written to `out` would take the place of the table in `file`.
 void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out);
 
 /// The caption of a document with the table in `file`.
 std::string CaptionOf(const std::filesystem::path& file);
 
+/// `text` (UTF-8) with "?" in place of control characters but line ends and TABs: what a file or a unit
+/// holds must not move the cursor.
+std::string HarmlessText(std::string text);
+
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);
 
-/// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters: what a unit sends
-/// must not move the cursor.
+/// `bytes` (Windows-1252) from a unit as UTF-8, "?" in place of control characters.
 std::string PrintedText(std::string_view bytes);
 
 /// Says on standard error that `count` rows were lost; the command's exit status, in either case.

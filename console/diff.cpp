@@ -23,7 +23,7 @@ void AddDiffCommand(CLI::App& app, int& exitCode) {
       const char* alike = differences.empty() && !cut ? "true" : "false";
       std::cout << "{\"alike\": " << alike << ", \"differences\": " << JsonStrings(differences) << "}\n";
     } else {
-      for (const std::string& line : differences) std::cout << line << '\n';
+      for (const std::string& line : differences) std::cout << HarmlessText(line) << '\n';
     }
     if (cut) Note("rows beyond the 200th were not compared");
     exitCode = !differences.empty() ? ExitDifferent : cut ? ExitRowsLost : ExitDone;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "console/command.h"
+#include "console/interruption.h"
 
 namespace chanplan {
 namespace {
@@ -53,6 +54,9 @@ int main(int argc, char** argv) {
     std::cout.flush();
     if (!std::cout) throw CommandFailure("standard output could not be written");
     return exitCode;
+  } catch (const Interrupted&) {
+    Note("interrupted");
+    return InterruptedExitCode();
   } catch (const std::exception& error) {
     Note(error.what());
     return ExitFailed;

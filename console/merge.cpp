@@ -57,7 +57,7 @@ int Merge(const MergeArguments& arguments) {
   const bool outputIsTaken = !arguments.DryRun && arguments.Out == StandardStream;
   PrintFates(base.Table, source.Table, merged.Table, arguments.ReplaceMatching, outputIsTaken ? std::cerr : std::cout);
   if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-  return ExitCodeAfterLoss(base.RowsLeftOut + source.RowsLeftOut + merged.RowsLost);
+  return ExitCodeAfterLoss(base.RowsLeftOut + source.RowsLeftOut + merged.Dropped);
 }
 
 }  // namespace

@@ -9,8 +9,9 @@ void AddPropertiesCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("properties", "Print a summary of a table and its file");
   const auto file = std::make_shared<std::filesystem::path>();
   command->add_option("FILE", *file, "the table")->required();
-  command->callback(
-      [file] { std::cout << WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOf(*file))) << '\n'; });
+  command->callback([file] {
+    std::cout << HarmlessText(WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOf(*file)))) << '\n';
+  });
 }
 
 }  // namespace chanplan

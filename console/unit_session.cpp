@@ -1,11 +1,12 @@
 #include "console/unit_session.h"
 
+#include <functional>
 #include <iostream>
 
+#include "console/interruption.h"
 #include "console/progress_bar.h"
 #include "core/number_picture.h"
 #include "settings/user_settings.h"
-#include "unit/unit_connection.h"
 
 namespace chanplan {
 namespace {
@@ -23,7 +24,18 @@ DeviceOfNumber DevicesOf(const std::string& port) {
   return [port](int /*number*/) { return port; };
 }
 
-bool NeverAborted() { return false; }
+bool IsInterrupted() { return Interruptions() > 0; }
+
+// A transfer that has begun is finished, unless it is interrupted twice.
+class SessionProgress : public ProgressBar {
+ public:
+  using ProgressBar::ProgressBar;
+
+  void SetValue(int value) override {
+    ProgressBar::SetValue(value);
+    EndIfInterrupted(2);
+  }
+};
 
 }  // namespace
 
@@ -42,12 +54,14 @@ UnitSession::UnitSession(const PortArguments& arguments)
       link(tracing ? static_cast<PortObject&>(*tracing) : port, SystemTiming()) {
   link.CommPort = static_cast<std::int16_t>(PortNumber(arguments.Port));
   if (IsPortNumber(arguments.Port)) portName = CommDevice(link.CommPort);
+  CountInterruptions();
+  link.StopRequested = IsInterrupted;
 }
 
 bool UnitSession::Identify() {
   const ConnectOutcome outcome = ConnectToUnit(link);
-  if (outcome.Refusal == ConnectRefusal::PortNotOpened || outcome.Refusal == ConnectRefusal::NoProperResponse)
-    Fail("no unit answered on " + portName + " within 10 s: check that it is switched on and that the cable sits");
+  EndIfInterrupted();
+  if (!outcome.Accepted() && outcome.Refusal != ConnectRefusal::NotCompatible) Fail(portName + ": " + outcome.Reason);
   return outcome.Accepted();
 }
 
@@ -60,28 +74,42 @@ void UnitSession::Connect() {
 
 UnitTable UnitSession::Download() {
   UnitTable held;
-  ProgressBar progress(tracing == nullptr);  // both would fight for the line
-  const TransferOutcome outcome = RunDownload(link, held, progress, NeverAborted);
-  FinishTransfer(link, outcome);
-  progress.Finish();
-  if (!outcome.Message.empty()) Fail(outcome.Message);
-  if (outcome.Result == LinkFalse)
-    throw CommandFailure("the unit announces more than 200 records, which no table can hold");
-  if (outcome.Result != LinkTrue)
-    Fail("the unit's table did not arrive whole within 30 s: check the cable and start again");
+  const Moved moved =
+      Move([&](TransferProgress& progress) { return RunDownload(link, held, progress, IsInterrupted); });
+  EndIfInterrupted();
+  if (!moved.Outcome.Message.empty()) Fail(moved.Outcome.Message);
+  if (!moved.Outcome.Done()) Fail("the unit's table did not arrive whole within 30 s: check the cable and start again");
   return held;
 }
 
 void UnitSession::Upload(std::string_view message) {
-  ProgressBar progress(tracing == nullptr);  // both would fight for the line
-  const TransferOutcome outcome = RunUpload(link, message, progress, NeverAborted);
-  const LinkResult sync = FinishTransfer(link, outcome);
-  progress.Finish();
-  if (!outcome.Message.empty()) Fail(outcome.Message);
-  if (outcome.Result != LinkTrue || sync != LinkAck)
+  const Moved moved =
+      Move([&](TransferProgress& progress) { return RunUpload(link, message, progress, IsInterrupted); });
+  if (moved.Outcome.Aborted) throw Interrupted();
+  if (!moved.Outcome.Message.empty()) Fail(moved.Outcome.Message);
+  if (!moved.Outcome.Done() || moved.Sync != LinkAck)
     Fail(
         "the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
         "again");
+  if (!IsInterrupted()) return;
+  Note("the upload was finished first");
+  throw Interrupted();
+}
+
+// However it ends, the unit gets the sync byte, and the port is closed.
+UnitSession::Moved UnitSession::Move(const std::function<TransferOutcome(TransferProgress&)>& run) {
+  SessionProgress progress(tracing == nullptr);  // both would fight for the line
+  try {
+    Moved moved{run(progress), LinkTimeout};
+    moved.Sync = FinishTransfer(link, moved.Outcome);
+    progress.Finish();
+    return moved;
+  } catch (const Interrupted&) {
+    link.CloseCommPort();
+    progress.Finish();
+    Note("the transfer was broken off");
+    throw;
+  }
 }
 
 void UnitSession::Fail(const std::string& reason) const {

@@ -1,6 +1,7 @@
 // A link to the unit on a port given on the command line, and transfers that fail clearly.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "unit/qt_serial_port.h"
 #include "unit/tracing_port.h"
 #include "unit/transfer.h"
+#include "unit/unit_connection.h"
 
 namespace chanplan {
 
@@ -20,7 +22,8 @@ struct PortArguments {
   void AddTo(CLI::App& command);
 };
 
-/// The link of one command.
+/// The link of one command. When the program is asked to end, its operations end the exchange in order
+/// and throw Interrupted.
 class UnitSession {
  public:
   explicit UnitSession(const PortArguments& arguments);
@@ -40,6 +43,12 @@ class UnitSession {
   const UnitLink& Link() const { return link; }
 
  private:
+  struct Moved {
+    TransferOutcome Outcome;
+    LinkResult Sync;
+  };
+
+  Moved Move(const std::function<TransferOutcome(TransferProgress&)>& run);
   [[noreturn]] void Fail(const std::string& reason) const;
 
   std::unique_ptr<QCoreApplication> application = MakePortApplication();

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "console/command.h"
+#include "console/interruption.h"
 #include "console/qt_application.h"
 #include "core/number_picture.h"
 #include "settings/user_settings.h"
@@ -21,16 +22,21 @@ struct FoundUnit {
   bool Accepted = false;
 };
 
+// The unit that answered; says why a port could not be asked.
 std::optional<FoundUnit> FindUnit(const std::string& device) {
   QtSerialPort port(device);
   UnitLink link(port, SystemTiming());
+  link.StopRequested = [] { return Interruptions() > 0; };
   std::string reply;
   const bool answered = link.OpenCommPort(1) == 1 && link.ReadUnitIdentity(SearchTimeoutMs, reply) == LinkTrue;
   std::optional<FoundUnit> unit;
   if (answered)
     unit = {device, PrintedText(link.UnitModel), FormatNumber(link.UnitFirmwareVersion, "#0.00"),
             IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)};
+  else if (const auto failure = link.PortFailure())
+    Note(failure->what());
   link.CloseCommPort();
+  EndIfInterrupted();
   return unit;
 }
 
@@ -50,10 +56,13 @@ void PrintJson(const FoundUnit& unit, bool first) {
 
 void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("units", "Try the machine's serial ports and list the units that answer");
-  command->footer("A line per unit: device, model, firmware version, whether the editor accepts it.");
+  command->footer(
+      "A line per unit: device, model, firmware version, whether the editor accepts it. Ports that could not be "
+      "opened are named on standard error.");
   const auto json = AddFormatOption(*command);
   command->callback([json] {
     const auto application = MakePortApplication();
+    CountInterruptions();
     const auto devices = SerialDevices(CommDevice);
     int answered = 0;
     if (*json) std::cout << '[';

@@ -1,7 +1,6 @@
 #include "console/unit_session.h"
 #include "core/table_difference.h"
 #include "core/table_merge.h"
-#include "core/validation.h"
 #include "unit/wire_encoding.h"
 
 namespace chanplan {
@@ -12,15 +11,15 @@ struct UploadArguments {
   std::filesystem::path File;
   bool Append = false;
   bool ReplaceMatching = false;
+  bool Truncate = false;
   bool Verify = false;
 };
 
-// The unit keeps only the standard's name for its sub-bands; validation gives both tables the rest.
-void Verify(UnitSession& session, SignalStandardTable sent) {
-  SignalStandardTable held = session.Download().Table;
-  AlignSubbands(sent);
-  AlignSubbands(held);
-  const auto differences = RowDifferences(sent, held);
+// Compares with what went over the wire: what that is not like was said before.
+void Verify(UnitSession& session, std::string_view message) {
+  UnitTable sent;
+  DecodeTable(message, sent);
+  const auto differences = RowDifferences(sent.Table, session.Download().Table);
   if (differences.empty()) return;
   for (const std::string& line : differences) Note(line);
   throw CommandFailure("the unit's table is not the one that was sent: upload it again");
@@ -36,12 +35,15 @@ void Upload(const UploadArguments& arguments) {
     const UnitTable held = session.Download();
     const MergeOutcome merged = MergeWholeGroups(held.Table, table, arguments.ReplaceMatching);
     if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
+    if (merged.Dropped > 0 && !arguments.Truncate)
+      throw CommandFailure(std::to_string(merged.Dropped) +
+                           " records find no room in the unit; nothing was sent (--truncate sends the first 200)");
     table = merged.Table;
     message = EncodeTable(table, UploadTag(held.UnitTableTag));
   }
   for (const std::string& loss : WireLosses(table)) Note(loss);
   session.Upload(message);
-  if (arguments.Verify) Verify(session, table);
+  if (arguments.Verify) Verify(session, message);
 }
 
 }  // namespace
@@ -56,6 +58,8 @@ void AddUploadCommand(CLI::App& app, int& /*exitCode*/) {
   command
       ->add_flag("--replace-matching", arguments->ReplaceMatching,
                  "standards of the table replace those of the same name in the unit")
+      ->needs(append);
+  command->add_flag("--truncate", arguments->Truncate, "send the first 200 records when the unit has no room for all")
       ->needs(append);
   command->add_flag("--verify", arguments->Verify, "read the unit's table back and compare it record by record");
   command->callback([arguments] {

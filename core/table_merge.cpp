@@ -7,30 +7,11 @@
 namespace chanplan {
 namespace {
 
-// The result's slots and the next one to be written.
-class MergeResult {
- public:
-  bool Full() const { return written == slots.size(); }
-  void Write(const SignalStandardRecord& record) {
-    if (Full())
-      ++lost;
-    else
-      slots[written++] = record;
-  }
-  int Lost() const { return lost; }
-  const PassedRows& Slots() const { return slots; }
-
- private:
-  PassedRows slots = PassedRows(MaxRecords);
-  std::size_t written = 0;
-  int lost = 0;
-};
-
 // Moves the source rows from `row` on that share its base name into the result.
-void MoveGroup(PassedRows& source, PassedRows::iterator row, MergeResult& result) {
+void MoveGroup(PassedRows& source, PassedRows::iterator row, PassedRows& result) {
   const std::string name(BaseName(row->Name));
   for (; row != source.end() && BaseName(row->Name) == name; ++row) {
-    result.Write(*row);
+    result.push_back(*row);
     row->Name.clear();
   }
 }
@@ -48,7 +29,7 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   PassedRows sourceRows;
   GetTable(base, baseRows);
   GetTable(source, sourceRows);
-  MergeResult result;
+  PassedRows result;  // longer than a table, perhaps
 
   std::string_view currentName;
   bool copyGroup = false;
@@ -67,14 +48,15 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
           if (matches(other)) other.Name.clear();
       }
     }
-    if (copyGroup) result.Write(row);
+    if (copyGroup) result.push_back(row);
   }
 
   for (const SignalStandardRecord& row : sourceRows)
-    if (!row.Name.empty()) result.Write(row);
+    if (!row.Name.empty()) result.push_back(row);
 
-  MergeOutcome outcome{base, result.Full(), result.Lost()};
-  SetTable(result.Slots(), outcome.Table);
+  MergeOutcome outcome{base, result.size() >= MaxRecords, std::max(0, static_cast<int>(result.size()) - MaxRecords)};
+  result.resize(MaxRecords);
+  SetTable(result, outcome.Table);
   return outcome;
 }
 

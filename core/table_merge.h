@@ -14,7 +14,7 @@ std::string_view BaseName(std::string_view name);
 struct MergeOutcome {
   SignalStandardTable Table;
   bool Truncated = false;  ///< the table is full; also when nothing was lost by that
-  int RowsLost = 0;        ///< rows that there was no room for
+  int Dropped = 0;         ///< rows that found no room
 };
 
 /// Merges `source` into `base`. Where base names match (exactly), the base's group wins, or with

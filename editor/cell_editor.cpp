@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QLabel>
 
 #include "editor/grid_columns.h"
 #include "editor/text_edge.h"
@@ -23,6 +24,12 @@ CellEditor::CellEditor(QWidget& shownIn)
   cmboModType->setObjectName("cmboModType");
   for (const std::string_view text : ModulationTexts) cmboModType->addItem(TextOf(text));
   cmboModType->setAccessibleName(DetailRows[ModulationRow].Title);
+  // Screen readers take the name of a list from its label, and its value for the name where it has none.
+  for (QComboBox* list : {cmboSelected, cmboModType}) {
+    auto* label = new QLabel(list->accessibleName(), &shownIn);
+    label->setBuddy(list);
+    label->hide();
+  }
   for (QWidget* control : std::initializer_list<QWidget*>{txtEntry, cmboSelected, cmboModType}) {
     control->hide();
     control->installEventFilter(this);

@@ -1,6 +1,7 @@
 // What the frame may ask of a document: the document's side of the seam between the two.
 #pragma once
 
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QString>
 #include <optional>
@@ -28,6 +29,10 @@ class DocumentWindow : public QMdiSubWindow {
 
  public:
   using QMdiSubWindow::QMdiSubWindow;
+
+  /// The document that the user has before them in `area`, also while another program has the
+  /// screen; null when none is open.
+  static DocumentWindow* ActiveIn(const QMdiArea& area);
 
   /// What the caption says: the table was never saved, or is not to be written where it came from.
   bool IsUntitled() const { return windowTitle().startsWith("Untitled"); }

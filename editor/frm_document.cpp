@@ -3,12 +3,17 @@
 
 #include <QFocusEvent>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTextDocument>
+#include <QToolTip>
 #include <limits>
 
+#include "core/lenient_number.h"
 #include "core/number_picture.h"
+#include "editor/caption_style.h"
 #include "editor/grid_columns.h"
 #include "editor/text_edge.h"
 #include "editor/twips.h"
@@ -28,11 +33,23 @@ constexpr int MostValueLetters = 24;
 
 int TextWidth(const QWidget& widget, const QString& text) { return widget.fontMetrics().horizontalAdvance(text); }
 
-QString FieldText(const SignalStandardRecord& record, Field field) {
+struct ShownValue {
+  QString Text;
+  QString Exact;  // where the text is rounded
+};
+
+ShownValue ValueOf(const SignalStandardRecord& record, Field field) {
   const RecordField& shown = FieldOf(field);
-  return TextOf(VisitField(record, shown,
-                           ByType{[](const std::string& text) { return text; },
-                                  [&](double number) { return FormatNumber(number, shown.GridPicture); }}));
+  return VisitField(record, shown,
+                    ByType{[](const std::string& text) {
+                             return ShownValue{TextOf(text), {}};
+                           },
+                           [&](double number) {
+                             const std::string text = FormatNumber(number, shown.GridPicture);
+                             const std::string exact = ShortestDecimal(number);
+                             const bool rounded = ShortestDecimal(LeadingNumber(text)) != exact;
+                             return ShownValue{TextOf(text), rounded ? TextOf(exact) : QString()};
+                           }});
 }
 
 }  // namespace
@@ -51,6 +68,7 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
       editor(*area),
       ActiveGrid(GridList) {
   setObjectName("frmDocument");
+  UseCaptionStyle(*this);
   setAttribute(Qt::WA_DeleteOnClose);
   setWidget(area);
   BuildUpDown();
@@ -58,9 +76,6 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   ConnectGrids();
   ConnectEditor();
   area->installEventFilter(this);
-  connect(this, &QMdiSubWindow::windowStateChanged, this, [this](Qt::WindowStates former, Qt::WindowStates now) {
-    if ((former & Qt::WindowActive) != 0 && (now & Qt::WindowActive) == 0) CommitEdit();
-  });
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
@@ -70,7 +85,6 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
 frmDocument::~frmDocument() {
   editor.disconnect(this);
   for (Grid* grid : {GridList, GridDetails, GridBands}) grid->disconnect(this);
-  disconnect(this, &QMdiSubWindow::windowStateChanged, this, nullptr);
   delete area;
 }
 
@@ -99,7 +113,6 @@ void frmDocument::BuildGrids() {
     GridDetails->item(row, 0)->setFlags(Qt::ItemIsEnabled);
   }
   ColourTitles();
-  GridDetails->resize(0, GridDetails->rowCount() * rowHeight + 2 * GridDetails->frameWidth());
   GridDetails->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
   GridBands->setAccessibleName("Sub-bands of the selected Signal Standard");
@@ -122,6 +135,14 @@ void frmDocument::ColourTitles() {
     GridDetails->item(row, 0)->setBackground(palette().button());
     GridDetails->item(row, 0)->setForeground(palette().buttonText());
   }
+}
+
+bool frmDocument::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return DocumentWindow::event(event);
+  const auto& help = *static_cast<QHelpEvent*>(event);
+  const QString text = OnTitleBar(*this, help.pos()) ? Qt::convertFromPlainText(windowTitle()) : QString();
+  QToolTip::showText(help.globalPos(), text, this);
+  return true;
 }
 
 void frmDocument::changeEvent(QEvent* event) {
@@ -156,6 +177,10 @@ void frmDocument::ConnectGrids() {
   connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
     CommitEdit();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
+  });
+  // The cursor may be there already, from before the editor was closed.
+  connect(GridDetails, &QTableWidget::cellClicked, this, [this](int row) {
+    if (row >= SubbandsRow && row <= ModulationRow && !editor.IsOpen()) BeginCellEdit(0);
   });
   connect(GridBands, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
@@ -192,11 +217,14 @@ void frmDocument::LayOut() {
 
   const int left = Margin + listWidth + Margin;
   const int width = area->width() - left - Margin;
-  GridDetails->setGeometry(left, Margin, width, GridDetails->height());
   // A value column as wide as its sample would, in a small window, scroll the titles out of sight.
   const int room = width - 2 * GridDetails->frameWidth() - GridDetails->columnWidth(0);
   GridDetails->setColumnWidth(1, qBound(TextWidth(*this, QString(LeastValueLetters, 'H')), room,
                                         TextWidth(*this, QString(MostValueLetters, 'H'))));
+  // The bar that a narrow document needs stands below the rows, not on the last one.
+  const int rows = GridDetails->rowCount() * GridDetails->rowHeight(0) + 2 * GridDetails->frameWidth();
+  const bool scrolls = GridDetails->horizontalHeader()->length() > width - 2 * GridDetails->frameWidth();
+  GridDetails->setGeometry(left, Margin, width, rows + (scrolls ? scrollBar : 0));
 
   const int top = Margin + GridDetails->height() + Margin;
   const int height = area->height() - top - Margin;
@@ -222,6 +250,7 @@ void frmDocument::FillStandardList(int currentRow) {
     GridList->FillCell(row, 0, QString::number(row + 1));
     GridList->FillCell(row, 1, TextOf(table.Row(index).Name), "Name");
     GridList->FillCell(row, 2, QString::number(index));
+    GridList->item(row, 2)->setData(Qt::AccessibleTextRole, " ");  // it is nobody's business but the program's
   }
   if (GridList->rowCount() > 0) GridList->SetCurrent(qBound(0, currentRow, GridList->rowCount() - 1), 1);
   GridList->setUpdatesEnabled(true);
@@ -247,15 +276,14 @@ void frmDocument::ShowStandard() {
 }
 
 void frmDocument::ShowDetails(const SignalStandardRecord& standard) {
-  const auto fill = [this](int row, const QString& text) {
-    GridDetails->FillCell(row, 1, text, DetailRows[static_cast<std::size_t>(row)].Title);
-  };
-  fill(NameRow, TextOf(standard.Name));
-  fill(SubbandsRow, QString::number(standard.Subbands));
+  for (int row = 0; row < GridDetails->rowCount(); ++row) {
+    const DetailRow& shape = DetailRows[static_cast<std::size_t>(row)];
+    if (shape.Shown == Field::State) continue;
+    const ShownValue value = ValueOf(standard, shape.Shown);
+    GridDetails->FillCell(row, 1, value.Text, shape.Title, value.Exact);
+  }
   UpDown->setValue(standard.Subbands);
   ShowStateCode(static_cast<int>(StateValue(standard) & 0xFF));
-  for (int row = FirstNumberRow; row < GridDetails->rowCount(); ++row)
-    fill(row, FieldText(standard, DetailRows[static_cast<std::size_t>(row)].Shown));
 }
 
 void frmDocument::ShowBands(int index, int count) {
@@ -267,7 +295,8 @@ void frmDocument::ShowBands(int index, int count) {
     GridBands->FillCell(row, 0, band);
     for (int column = 1; column < GridBands->columnCount(); ++column) {
       const BandColumn& shape = BandColumns[static_cast<std::size_t>(column)];
-      GridBands->FillCell(row, column, FieldText(table.Row(index + 1 + row), shape.Shown), band + ", " + shape.Title);
+      const ShownValue value = ValueOf(table.Row(index + 1 + row), shape.Shown);
+      GridBands->FillCell(row, column, value.Text, band + ", " + shape.Title, value.Exact);
     }
   }
 }

@@ -56,6 +56,7 @@ class frmDocument : public DocumentWindow {
   void SetTable() override;
 
  protected:
+  bool event(QEvent* event) override;
   void changeEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;

@@ -1,6 +1,4 @@
 // The document window: editing cells and writing them back into the table.
-#include <QMdiArea>
-
 #include "core/lenient_number.h"
 #include "core/validation.h"
 #include "editor/frm_document.h"
@@ -137,7 +135,7 @@ void frmDocument::ShowWarnings() {
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
   warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
   // The frame shows the active document's warnings, and fetches these when this becomes it.
-  if (mdiArea() == nullptr || mdiArea()->currentSubWindow() == this) frame.Warnings(warningsText, -1);
+  if (mdiArea() == nullptr || ActiveIn(*mdiArea()) == this) frame.Warnings(warningsText, -1);
   emit TableChanged();
 }
 

@@ -8,6 +8,7 @@
 #include "core/sig_file.h"
 #include "core/table_difference.h"
 #include "core/table_properties.h"
+#include "editor/busy_pointer.h"
 #include "editor/default_printer.h"
 #include "editor/frm_document.h"
 #include "editor/messages.h"
@@ -17,16 +18,6 @@
 
 namespace chanplan {
 namespace {
-
-// The busy pointer, for as long as this lives.
-class BusyPointer {
- public:
-  explicit BusyPointer(QWidget& shown) : widget(shown) { widget.setCursor(Qt::WaitCursor); }
-  ~BusyPointer() { widget.unsetCursor(); }
-
- private:
-  QWidget& widget;
-};
 
 // What a reload changed, in lines that a message box has room for.
 QString DifferenceText(const SignalStandardTable& former, const SignalStandardTable& reloaded) {

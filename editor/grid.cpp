@@ -2,7 +2,11 @@
 
 #include <QFocusEvent>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include "editor/entry_box.h"
 #include "editor/item_colours.h"
@@ -29,7 +33,8 @@ class ValueColumnsSelection : public QItemSelectionModel {
 
 }  // namespace
 
-Grid::Grid(const QString& name, int firstColumn, QWidget* parent) : QTableWidget(parent) {
+Grid::Grid(const QString& name, int firstValueColumn, QWidget* parent)
+    : QTableWidget(parent), firstColumn(firstValueColumn) {
   setObjectName(name);
   setSelectionModel(new ValueColumnsSelection(model(), firstColumn, this));
   setEditTriggers(NoEditTriggers);
@@ -60,8 +65,9 @@ void Grid::SetText(QTableWidgetItem& cell, const QString& text) {
   if (cell.data(Qt::AccessibleTextRole).toString() != spoken) cell.setData(Qt::AccessibleTextRole, spoken);
 }
 
-void Grid::FillCell(int row, int column, const QString& text, const QString& label) {
+void Grid::FillCell(int row, int column, const QString& text, const QString& label, const QString& exact) {
   QTableWidgetItem& cell = Cell(row, column);
+  if (cell.toolTip() != exact) cell.setToolTip(exact);
   if (cell.data(LabelRole).toString() != label) cell.setData(LabelRole, label);
   SetText(cell, text);
 }
@@ -89,6 +95,55 @@ void Grid::SetRows(int rows, int height) {
   const int former = rowCount();
   setRowCount(rows);
   for (int row = former; row < rows; ++row) setRowHeight(row, height);
+  updateGeometries();  // at once, so that a new row can be scrolled to
+}
+
+QString Grid::ToolTipText(const QModelIndex& index) const {
+  if (!index.isValid()) return {};
+  const QTableWidgetItem& cell = *item(index.row(), index.column());
+  if (!cell.toolTip().isEmpty()) return cell.toolTip();
+  const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
+  const bool elided = QFontMetrics(cell.font()).horizontalAdvance(cell.text()) + margins > visualRect(index).width();
+  return elided ? cell.text() : QString();
+}
+
+bool Grid::viewportEvent(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QTableWidget::viewportEvent(event);
+  const auto& help = *static_cast<QHelpEvent*>(event);
+  const QModelIndex index = indexAt(help.pos());
+  const QString text = ToolTipText(index);
+  QToolTip::showText(help.globalPos(), text.isEmpty() ? text : Qt::convertFromPlainText(text), viewport(),
+                     visualRect(index));
+  return true;
+}
+
+// Where no cell can be current, the grid itself shows that it has the focus.
+void Grid::paintEvent(QPaintEvent* event) {
+  QTableWidget::paintEvent(event);
+  if (!hasFocus() || rowCount() > 0) return;
+  QPainter painter(viewport());
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+  painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+}
+
+// Home and End go to the first and the last row where a row has one value or is one choice.
+QModelIndex Grid::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const bool oneValue = firstColumn + 1 >= columnCount() || selectionBehavior() == SelectRows;
+  if (oneValue && rowCount() > 0 && (action == MoveHome || action == MoveEnd))
+    return model()->index(action == MoveHome ? 0 : rowCount() - 1, firstColumn);
+  return QTableWidget::moveCursor(action, modifiers);
+}
+
+// What is current is selected: a click beside the rows, or one with Ctrl, does not change that.
+QItemSelectionModel::SelectionFlags Grid::selectionCommand(const QModelIndex& index, const QEvent* event) const {
+  if (!index.isValid()) return QItemSelectionModel::NoUpdate;
+  const auto command = QTableWidget::selectionCommand(index, event);
+  const bool takesAway = (command & (QItemSelectionModel::Toggle | QItemSelectionModel::Deselect)) != 0 ||
+                         command == QItemSelectionModel::NoUpdate;
+  const bool clicked = event != nullptr && event->type() == QEvent::MouseButtonPress;
+  if (!takesAway || !clicked) return command;
+  const auto extent = selectionBehavior() == SelectRows ? QItemSelectionModel::Rows : QItemSelectionModel::NoUpdate;
+  return QItemSelectionModel::ClearAndSelect | extent;
 }
 
 bool Grid::focusNextPrevChild(bool next) {
@@ -109,9 +164,10 @@ void Grid::focusOutEvent(QFocusEvent* event) {
 void Grid::keyPressEvent(QKeyEvent* event) {
   const bool plain = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
   const QString text = event->text();
+  const bool cells = selectionBehavior() != SelectRows;  // rows are looked for by their letters
   if (event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
     emit EditRequested();
-  else if (plain && !text.isEmpty() && (text.front() == '\b' || text.front().isPrint()))
+  else if (cells && plain && !text.isEmpty() && (text.front() == '\b' || text.front().isPrint()))
     emit CellTyped(text.front());
   else
     QTableWidget::keyPressEvent(event);

@@ -6,15 +6,16 @@
 namespace chanplan {
 
 /// A table of text cells that does not edit them itself. It tells who should: `CellTyped` and
-/// `EditRequested`. Columns before `firstColumn` hold titles and never are current.
+/// `EditRequested`. Columns before `firstValueColumn` hold titles and never are current.
 class Grid : public QTableWidget {
   Q_OBJECT
 
  public:
-  Grid(const QString& name, int firstColumn, QWidget* parent);
+  Grid(const QString& name, int firstValueColumn, QWidget* parent);
 
-  /// Sets a cell that the program fills; `label` is what a screen reader says before the text.
-  void FillCell(int row, int column, const QString& text, const QString& label = {});
+  /// Sets a cell that the program fills; `label` is what a screen reader says before the text, `exact`
+  /// the value where the text is rounded.
+  void FillCell(int row, int column, const QString& text, const QString& label = {}, const QString& exact = {});
   /// Sets a cell's text as the user changes it.
   void EditCell(int row, int column, const QString& text);
   QString CellText(int row, int column) const;
@@ -47,13 +48,19 @@ class Grid : public QTableWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
   void initViewItemOption(QStyleOptionViewItem* option) const override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:
   void SetText(QTableWidgetItem& cell, const QString& text);
+  QString ToolTipText(const QModelIndex& index) const;
   QTableWidgetItem& Cell(int row, int column);
 
+  int firstColumn;
   QHash<int, Qt::Alignment> alignments;
 };
 

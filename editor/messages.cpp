@@ -1,6 +1,5 @@
 #include "editor/messages.h"
 
-#include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
 
@@ -15,11 +14,7 @@ QMessageBox::StandardButton Ask(QWidget& owner, QMessageBox::Icon icon, const QS
   // Columns behind TABs stay columns.
   for (QLabel* label : box.findChildren<QLabel*>())
     label->setAlignment(label->alignment() | static_cast<Qt::Alignment>(Qt::TextExpandTabs));
-  const bool busy = QGuiApplication::overrideCursor() != nullptr;
-  if (busy) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);  // the program waits for the user
-  const int answer = box.exec();
-  if (busy) QGuiApplication::restoreOverrideCursor();
-  return static_cast<QMessageBox::StandardButton>(answer);
+  return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
 }  // namespace chanplan

@@ -3,6 +3,7 @@
 packages=(
   g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev libcli11-dev libgtest-dev libbenchmark-dev
   xvfb xauth fonts-dejavu-core # a screen and letters where there are none
+  openbox xdotool              # a window manager and hands for it
   fonts-liberation             # letters as wide as Arial's, for printing
 )
 

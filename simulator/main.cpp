@@ -1,14 +1,17 @@
 // handheld-simulator: a handheld unit on a pseudo-terminal.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <csignal>
+#include <deque>
 #include <iostream>
-#include <map>
+#include <utility>
 
 #include "core/sig_file.h"
 #include "simulator/pseudo_terminal.h"
 #include "simulator/simulated_unit.h"
+#include "unit/tracing_port.h"
 #include "unit/wire_encoding.h"
 
 namespace chanplan {
@@ -19,75 +22,152 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto QuietLine = 3s;   // an upload that pauses for so long has ended; a busy machine may stall for less
 constexpr auto SlowAnswer = 2s;  // how late a slow unit answers
+constexpr auto LateEcho = 1500ms;
 constexpr int BitsPerByte = 10;  // with start and stop bit
 
 volatile std::sig_atomic_t stopRequested = 0;
 
 struct Settings {
   SimulatedUnitOptions Unit;
+  std::string FaultText;
   std::string Link;
   std::string TableFile;
   std::string SaveFile;
   int Baud = 9600;
   bool Trace = false;
+  bool TableIsCut = false;
+};
+
+// Prints what happens with the seconds since the start, and what is sent in lines of 16 bytes.
+class TraceLog {
+ public:
+  explicit TraceLog(bool wanted) : visible(wanted) {}
+
+  void Line(const std::string& text) {
+    Flush();
+    Print(Clock::now(), text);
+  }
+  void Sent(std::string_view bytes) {
+    for (const char byte : bytes) {
+      if (sent.empty()) sentSince = Clock::now();
+      sent += byte;
+      if (sent.size() == 16) Flush();
+    }
+  }
+  void Flush() {
+    if (!sent.empty()) Print(sentSince, "sent " + HexLine(std::exchange(sent, {})));
+  }
+
+ private:
+  void Print(Clock::time_point time, const std::string& text) const {
+    if (visible) std::cout << SecondsText(time - start) << "  " << text << std::endl;
+  }
+
+  bool visible;
+  Clock::time_point start = Clock::now();
+  Clock::time_point sentSince;
+  std::string sent;
 };
 
 // Replies on their way, sent no faster than the line's speed.
 class ReplyLine {
  public:
-  ReplyLine(PseudoTerminal& terminalUsed, int baud, bool slow)
+  ReplyLine(PseudoTerminal& terminalUsed, TraceLog& log, int baud)
       : terminal(terminalUsed),
-        byteTime(baud > 0 ? Clock::duration(1s) * BitsPerByte / baud * (slow ? 2 : 1) : Clock::duration::zero()),
-        answerDelay(slow ? Clock::duration(SlowAnswer) : Clock::duration::zero()) {}
+        trace(log),
+        lineByteTime(baud > 0 ? Clock::duration(1s) * BitsPerByte / baud : Clock::duration::zero()) {}
 
-  void Add(const std::string& reply) {
+  void Add(const std::string& reply, bool slow) {
     if (reply.empty()) return;
-    if (Empty()) nextByte = Clock::now() + answerDelay + byteTime;
+    byteTime = lineByteTime * (slow ? 2 : 1);
+    if (waiting.empty()) nextByte = Clock::now() + (slow ? Clock::duration(SlowAnswer) : Clock::duration()) + byteTime;
     waiting += reply;
+  }
+
+  void AddLate(const std::string& echoes) {
+    if (!echoes.empty()) late.emplace_back(Clock::now() + LateEcho, echoes);
   }
 
   void Send() {
     const auto now = Clock::now();
-    if (Empty() || now < nextByte) return;
+    while (!late.empty() && now >= late.front().first) {  // ahead of what is being sent
+      if (waiting.empty()) nextByte = now;
+      waiting.insert(0, late.front().second);
+      late.pop_front();
+    }
+    if (waiting.empty() || now < nextByte) return;
     std::size_t due = waiting.size();
     if (byteTime > Clock::duration::zero())
       due = std::min(due, static_cast<std::size_t>((now - nextByte) / byteTime + 1));
     const std::size_t sent = terminal.Write(std::string_view(waiting).substr(0, due));
+    trace.Sent(std::string_view(waiting).substr(0, sent));
     waiting.erase(0, sent);
+    if (waiting.empty()) trace.Flush();
     nextByte += byteTime * static_cast<int>(sent);
   }
 
-  bool Empty() const { return waiting.empty(); }
+  bool Empty() const { return waiting.empty() && late.empty(); }
 
  private:
   PseudoTerminal& terminal;
-  Clock::duration byteTime;
-  Clock::duration answerDelay;
+  TraceLog& trace;
+  Clock::duration lineByteTime;
+  Clock::duration byteTime{};
   Clock::time_point nextByte;
   std::string waiting;
+  std::deque<std::pair<Clock::time_point, std::string>> late;
 };
+
+// "KIND" or "KIND@N".
+void ChooseFault(Settings& settings) {
+  const std::size_t at = settings.FaultText.find('@');
+  const std::string kind = settings.FaultText.substr(0, at);
+  const auto fault = std::ranges::find(FaultNames, kind, &FaultName::Name);
+  if (fault == FaultNames.end()) throw CLI::ValidationError("--fault", "there is no \"" + kind + "\", see --help");
+  settings.Unit.Misbehaviour = fault->Kind;
+  if (at == std::string::npos) return;
+  const std::string from = settings.FaultText.substr(at + 1);
+  const auto [end, error] = std::from_chars(from.data(), from.data() + from.size(), settings.Unit.FaultFrom);
+  if (error != std::errc() || end != from.data() + from.size() || settings.Unit.FaultFrom < 1)
+    throw CLI::ValidationError("--fault", "\"" + from + "\" is not the number of a command, which count from 1");
+}
+
+void CheckLength(const char* option, const std::string& text, std::size_t longest) {
+  if (text.size() > longest)
+    throw CLI::ValidationError(option, "\"" + text + "\" is longer than " + std::to_string(longest) + " characters");
+}
+
+std::string FaultHelp() {
+  std::string help = "Faults:\n";
+  for (const FaultName& fault : FaultNames)
+    help += "  " + std::string(fault.Name) + std::string(23 - fault.Name.size(), ' ') + std::string(fault.Words) + "\n";
+  return help + "KIND@N misbehaves from the Nth command on; identification, table, upload and sync byte count.";
+}
 
 Settings ParseArguments(CLI::App& app, int argc, char** argv) {
   Settings settings;
-  std::map<std::string, Fault> faults;
-  for (const auto& [name, kind] : FaultNames) faults.emplace(name, kind);
   app.add_option("--link", settings.Link, "make PATH a symbolic link to the unit's terminal")->type_name("PATH");
   app.add_option("--model", settings.Unit.Model, "the unit's model, up to 7 characters")->capture_default_str();
   app.add_option("--firmware", settings.Unit.Firmware, "its firmware version, up to 4 characters")
       ->capture_default_str();
   app.add_option("--table", settings.TableFile, "the table that it holds at start")->type_name("FILE.sig");
+  app.add_option("--tag", settings.Unit.Tag, "the tag of this table")->capture_default_str();
   app.add_option("--save", settings.SaveFile, "write its table here whenever an upload arrived")->type_name("FILE.sig");
   app.add_option("--baud", settings.Baud, "the speed of its replies; 0 = at once")
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
-  app.add_option("--fault", settings.Unit.Misbehaviour, "how it misbehaves")
-      ->transform(CLI::CheckedTransformer(faults))
-      ->type_name("KIND");
-  app.add_option("--nth", settings.Unit.DropInterval, "which bytes drop-every-nth-byte loses")
-      ->capture_default_str()
-      ->check(CLI::PositiveNumber);
-  app.add_flag("--trace", settings.Trace, "print what it receives and does");
+  app.add_option("--fault", settings.FaultText, "how it misbehaves, see below")->type_name("KIND[@N]");
+  CLI::Option* nth = app.add_option("--nth", settings.Unit.DropInterval, "which bytes drop-every-nth-byte loses")
+                         ->capture_default_str()
+                         ->check(CLI::PositiveNumber);
+  app.add_flag("--trace", settings.Trace, "print what it receives, does and sends, with the seconds since its start");
+  app.footer(FaultHelp());
   app.parse(argc, argv);
+  if (!settings.FaultText.empty()) ChooseFault(settings);
+  CheckLength("--model", settings.Unit.Model, SimulatedUnit::ModelSize);
+  CheckLength("--firmware", settings.Unit.Firmware, SimulatedUnit::FirmwareSize);
+  if (nth->count() > 0 && settings.Unit.Misbehaviour != Fault::DropEveryNthByte)
+    throw CLI::ValidationError("--nth", "is for the fault drop-every-nth-byte");
   return settings;
 }
 
@@ -96,6 +176,13 @@ void LoadTable(Settings& settings) {
   ReadOutcome outcome = LoadSigFile(settings.TableFile);
   if (!outcome.Ok()) throw std::runtime_error(settings.TableFile + ": " + outcome.Reason);
   settings.Unit.Table = outcome.Table;
+  settings.TableIsCut = outcome.Truncated;
+}
+
+std::string HeldText(const Settings& settings) {
+  if (settings.TableFile.empty()) return "holds an empty table";
+  return "holds " + std::string(settings.TableIsCut ? "the first " : "") + std::to_string(settings.Unit.Table.Count) +
+         " records of " + settings.TableFile + (settings.TableIsCut ? ", which has more" : "");
 }
 
 void SaveTable(const Settings& settings, const SimulatedUnit& unit) {
@@ -105,20 +192,22 @@ void SaveTable(const Settings& settings, const SimulatedUnit& unit) {
 }
 
 void Serve(const Settings& settings) {
-  SimulatedUnit unit(settings.Unit, [&](const std::string& line) {
-    if (settings.Trace) std::cout << line << std::endl;
-  });
+  TraceLog trace(settings.Trace);
+  SimulatedUnit unit(settings.Unit, [&](const std::string& line) { trace.Line(line); });
   PseudoTerminal terminal(settings.Link);
-  std::cout << "unit ready on " << terminal.Path() << std::endl;
-  ReplyLine replies(terminal, settings.Baud, settings.Unit.Misbehaviour == Fault::Slow);
+  std::cout << "unit ready on " << terminal.Path() << "\n" << HeldText(settings) << std::endl;
+  ReplyLine replies(terminal, trace, settings.Baud);
   int savedUploads = 0;
   auto lastByte = Clock::now();
   while (!stopRequested && !(unit.HangsUp() && replies.Empty())) {
     const std::string received = terminal.Read(replies.Empty() ? 50ms : 1ms);
     if (!received.empty()) {
-      replies.Add(unit.Receive(received));
+      const std::string reply = unit.Receive(received);
+      replies.Add(reply, unit.Has(Fault::Slow));
+      replies.AddLate(unit.TakeLateEchoes());
       lastByte = Clock::now();
     } else if (Clock::now() - lastByte > QuietLine) {
+      terminal.Free();
       unit.LineIsQuiet();
     }
     replies.Send();
@@ -127,7 +216,7 @@ void Serve(const Settings& settings) {
       SaveTable(settings, unit);
     }
   }
-  if (settings.Trace) std::cout << "hangs up" << std::endl;
+  trace.Line("hangs up");
 }
 
 }  // namespace

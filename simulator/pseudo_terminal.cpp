@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -59,6 +60,8 @@ PseudoTerminal::~PseudoTerminal() {
   std::error_code ignored;
   if (!linkPath.empty() && fs::read_symlink(linkPath, ignored) == path) fs::remove(linkPath, ignored);
 }
+
+void PseudoTerminal::Free() { ioctl(programEnd.Number, TIOCNXCL); }
 
 std::string PseudoTerminal::Read(std::chrono::milliseconds longest) {
   pollfd waiting{unitEnd.Number, POLLIN, 0};

@@ -20,6 +20,9 @@ class PseudoTerminal {
   /// The path by which programs open the line.
   const std::string& Path() const { return path; }
 
+  /// Lets programs open the line whose last user kept it for itself and was killed.
+  void Free();
+
   /// Waits up to `longest` for bytes from the program at the other end and returns them.
   std::string Read(std::chrono::milliseconds longest);
   /// Sends what the line takes at once; returns how many bytes that were.

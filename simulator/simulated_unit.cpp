@@ -9,9 +9,6 @@
 namespace chanplan {
 namespace {
 
-constexpr std::uint16_t FirstTag = 100;
-constexpr std::size_t ModelSize = 7;
-constexpr std::size_t FirmwareSize = 4;
 constexpr std::size_t BytesPerLine = 16;  // of the trace
 
 std::size_t TableSize(std::string_view header) {
@@ -37,18 +34,20 @@ std::string FieldsLine(const SignalStandardRecord& record) {
 }  // namespace
 
 SimulatedUnit::SimulatedUnit(const SimulatedUnitOptions& unitOptions, TraceWriter traceWriter)
-    : options(unitOptions), writeTrace(std::move(traceWriter)), memory(EncodeTable(options.Table, FirstTag)) {}
+    : options(unitOptions), writeTrace(std::move(traceWriter)), memory(EncodeTable(options.Table, options.Tag)) {}
 
 std::string SimulatedUnit::Receive(std::string_view bytes) {
   std::string reply;
   for (const char byte : bytes) {
     untracedBytes += byte;
     if (untracedBytes.size() == BytesPerLine) TraceBytes();
-    if (!LosesByte()) ReceiveByte(byte, reply);
+    if (!LosesByte(receivesTable ? commands : commands + 1)) ReceiveByte(byte, reply);
   }
-  std::erase_if(reply, [this](char) { return LosesByte(); });
+  std::erase_if(reply, [this](char) { return LosesByte(commands); });
   return reply;
 }
+
+std::string SimulatedUnit::TakeLateEchoes() { return std::exchange(lateEchoes, {}); }
 
 void SimulatedUnit::LineIsQuiet() {
   TraceBytes();
@@ -74,12 +73,16 @@ void SimulatedUnit::Trace(const std::string& event) {
   writeTrace(event);
 }
 
-bool SimulatedUnit::LosesByte() {
-  if (options.Misbehaviour != Fault::DropEveryNthByte) return false;
+// `command` is the one that the byte belongs to.
+bool SimulatedUnit::LosesByte(int command) {
+  if (options.Misbehaviour != Fault::DropEveryNthByte || command < options.FaultFrom) return false;
   return ++bytesOnLine % options.DropInterval == 0;
 }
 
 void SimulatedUnit::ReceiveByte(char byte, std::string& reply) {
+  if (off) return;
+  if (!receivesTable) ++commands;
+  if (Has(Fault::Echo)) reply += byte;
   if (receivesTable)
     ReceiveTableByte(byte);
   else
@@ -87,7 +90,7 @@ void SimulatedUnit::ReceiveByte(char byte, std::string& reply) {
 }
 
 void SimulatedUnit::ReceiveCommand(char command, std::string& reply) {
-  if (options.Misbehaviour == Fault::Silent || (options.Misbehaviour == Fault::SilentAfterIdentify && identified)) {
+  if (Has(Fault::Silent) || (Has(Fault::SilentAfterIdentify) && identified)) {
     Trace("keeps silent");
     return;
   }
@@ -108,7 +111,7 @@ void SimulatedUnit::ReceiveCommand(char command, std::string& reply) {
       break;
     case SyncByte:
       Trace("echoes the sync byte");
-      reply += options.Misbehaviour == Fault::Garbage ? Noise(1) : std::string(1, SyncByte);
+      (Has(Fault::LateEcho) ? lateEchoes : reply) += Has(Fault::Garbage) ? Noise(1) : std::string(1, SyncByte);
       break;
     default:
       Trace("does not know this command");
@@ -119,7 +122,8 @@ void SimulatedUnit::ReceiveTableByte(char byte) {
   upload += byte;
   if (upload.size() < WireHeaderSize) return;
   const std::size_t size = TableSize(upload);
-  hangsUp = hangsUp || (options.Misbehaviour == Fault::HangUp && upload.size() >= size / 2);
+  hangsUp = hangsUp || (Has(Fault::HangUp) && upload.size() >= size / 2);
+  if (Has(Fault::OffInUpload) && upload.size() >= size / 2) return SwitchOff();
   if (upload.size() < size) return;
   receivesTable = false;
   if (TwoBytesToInteger(std::string_view(upload).substr(2)) > MaxRecords) {
@@ -134,24 +138,23 @@ void SimulatedUnit::ReceiveTableByte(char byte) {
     Trace("  " + std::to_string(index + 1) + ": " + FieldsLine(table.Row(index)));
 }
 
+void SimulatedUnit::SwitchOff() {
+  Trace("is switched off; the table stays as it was");
+  off = true;
+  receivesTable = false;
+}
+
 std::string SimulatedUnit::TableReply() {
   std::string reply = memory;
-  switch (options.Misbehaviour) {
-    case Fault::TruncateReply:
-      reply.resize(reply.size() / 2);
-      break;
-    case Fault::Garbage:
-      reply = Noise(reply.size());
-      break;
-    case Fault::WrongCount:
-      reply.replace(2, 2, IntegerToTwoBytes(TwoBytesToInteger(std::string_view(reply).substr(2)) + 1));
-      break;
-    case Fault::HangUp:
-      reply.resize(reply.size() / 2);
-      hangsUp = true;
-      break;
-    default:
-      break;
+  const int count = TwoBytesToInteger(std::string_view(reply).substr(2));
+  if (Has(Fault::TruncateReply) || Has(Fault::HangUp)) reply.resize(reply.size() / 2);
+  if (Has(Fault::HangUp)) hangsUp = true;
+  if (Has(Fault::Garbage)) reply = Noise(reply.size());
+  if (Has(Fault::WrongCount)) reply.replace(2, 2, IntegerToTwoBytes(count + 1));
+  if (Has(Fault::TooMany)) {
+    reply.replace(2, 2, IntegerToTwoBytes(MaxRecords + 1));
+    for (int number = count + 1; number <= MaxRecords + 1; ++number)
+      reply += EncodeRecord({"2", 0, "X" + std::to_string(number)}, number);
   }
   return reply;
 }

@@ -13,7 +13,10 @@ namespace chanplan {
 /// Why a port cannot be used, in words that say what to do about it.
 class PortError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit PortError(const std::string& text, bool deviceIsMissing = false)
+      : std::runtime_error(text), DeviceIsMissing(deviceIsMissing) {}
+
+  bool DeviceIsMissing;
 };
 
 /// One serial port, closed at first. Setting up and opening throw PortError. Once the port is

@@ -17,8 +17,7 @@ QtSerialPort::QtSerialPort(DeviceOfNumber portDevices)
     : deviceOf(std::move(portDevices)), port(std::make_unique<QSerialPort>()) {
   QObject::connect(port.get(), &QSerialPort::errorOccurred, port.get(), [this](QSerialPort::SerialPortError error) {
     if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !port->isOpen() || failure) return;
-    failure.emplace(device + " stopped working (" + port->errorString().toStdString() +
-                    "): was the cable pulled? Plug it in and start again");
+    failure.emplace(device + " stopped working: was the cable pulled? Plug it in and start again");
   });
 }
 
@@ -50,7 +49,7 @@ void QtSerialPort::Open() {
   failure.reset();
   // Opening begins with a lock file that is forced to the disk: not for a device that is not there.
   if (PortExists(device) && port->open(QIODevice::ReadWrite)) return;
-  if (const auto problem = PortProblem(device)) throw PortError(*problem);
+  if (const auto problem = PortProblem(device)) throw PortError(*problem, !PortExists(device));
   // The platform would let one in, so it is the lock that another program holds.
   if (port->error() == QSerialPort::PermissionError)
     throw PortError(device + " is in use by another program: close that first");

@@ -23,6 +23,11 @@ std::string HexLine(std::string_view bytes) {
   return hex + " |" + text + "|";
 }
 
+std::string SecondsText(std::chrono::nanoseconds sinceStart) {
+  std::string seconds = FormatNumber(std::chrono::duration<double>(sinceStart).count(), "#0.000");
+  return seconds.insert(0, seconds.size() < 7 ? 7 - seconds.size() : 0, ' ');
+}
+
 TracingPort::TracingPort(PortObject& traced, Clock clock, std::function<void(const std::string&)> lineWriter)
     : port(traced), now(std::move(clock)), writeLine(std::move(lineWriter)), begin(now()) {}
 
@@ -75,9 +80,7 @@ void TracingPort::Flush() {
 }
 
 void TracingPort::WriteLine(std::chrono::nanoseconds time, char mark, const std::string& text) {
-  std::string seconds = FormatNumber(std::chrono::duration<double>(time - begin).count(), "#0.000");
-  seconds.insert(0, seconds.size() < 7 ? 7 - seconds.size() : 0, ' ');
-  writeLine(seconds + " " + mark + " " + text);
+  writeLine(SecondsText(time - begin) + " " + mark + " " + text);
 }
 
 }  // namespace chanplan

@@ -13,6 +13,9 @@ namespace chanplan {
 /// A line of up to 16 bytes: hexadecimal, then the printable ones as text.
 std::string HexLine(std::string_view bytes);
 
+/// The seconds of a trace, in 7 characters or more: "  0.012".
+std::string SecondsText(std::chrono::nanoseconds sinceStart);
+
 /// Passes everything on to another port and hands `writeLine` a line for what was sent and
 /// received, with the seconds since the trace began: "  0.012 > 45  |E|".
 /// Bytes of one direction share a line, up to 16.

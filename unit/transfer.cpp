@@ -11,26 +11,21 @@ constexpr int SyncTimeoutMs = 10000;
 constexpr std::uint16_t FirstTableTag = 100;
 constexpr std::chrono::seconds LongestPause(2);  // between two bytes of an upload
 
-// Fills `held` from a complete reply. False when it holds more records than a table can.
-bool DecodeReply(std::string_view reply, UnitTable& held) {
-  const int announced = TwoBytesToInteger(reply.substr(2, 2));
-  held.Table.Count = 0;
-  held.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
-  int subbandsExpected = 0;
-  for (int index = 0; index < announced; ++index) {
-    const std::string_view bytes = reply.substr(WireHeaderSize + WireRecordSize * static_cast<std::size_t>(index));
-    if (bytes[0] == EndOfListState) break;
-    if (index == MaxRecords) return false;
-    SignalStandardRecord record = DecodeRecord(bytes.substr(0, WireRecordSize));
-    if (record.Subbands > 0) {
-      subbandsExpected = record.Subbands;
-    } else if (subbandsExpected > 0) {
-      --subbandsExpected;
-      record.Name = held.Table.Row(index - 1).Name;
-    }
-    held.Table.Append(std::move(record));
-  }
-  return true;
+// Why a table that was asked for did not come; nothing when it did, and when it did not in time.
+std::string DownloadProblem(const UnitLink& link, LinkResult result) {
+  if (const auto failure = link.PortFailure()) return failure->what();
+  if (result == LinkUnrest) return "The unit sent more than it announced, so its table is not whole: start again";
+  if (result == LinkFalse) return "The unit announces more than 200 records, which no table can hold";
+  return {};
+}
+
+// Why a table was not sent whole; nothing when it was.
+std::string UploadProblem(const UnitLink& link, LinkResult result) {
+  if (const auto failure = link.PortFailure()) return failure->what();
+  if (result == LinkUnrest) return "The unit sends without being asked, so nothing was uploaded: start again";
+  if (result == LinkFalse)
+    return "The upload was held up, so that the unit may have given it up: upload the table again";
+  return {};
 }
 
 // Opens the port, identifies the unit and lets `move` move the table, unless the user wants to stop by then.
@@ -45,27 +40,40 @@ TransferOutcome RunTransfer(UnitLink& link, std::string_view title, TransferProg
   link.OpenCommPort(link.CommPort);
   outcome.UnitAnswered = link.CommControl.IsOpen() && link.ReadUnitIdentity(IdentityTimeoutMs, reply) == LinkTrue;
   outcome.Aborted = abortRequested();
+  if (outcome.Aborted) return outcome;
   if (!outcome.UnitAnswered) {
     outcome.Message = "Error establishing communication with Handheld Product!";
-  } else if (!outcome.Aborted) {
+  } else {
     progress.SetLabel(title);
     outcome.Result = move();
-    if (const auto failure = link.PortFailure()) outcome.Message = failure->what();
   }
   return outcome;
 }
 
 }  // namespace
 
+bool DecodeTable(std::string_view reply, UnitTable& held) {
+  const int announced = TwoBytesToInteger(reply.substr(2, 2));
+  held.Table.Count = 0;
+  held.UnitTableTag = static_cast<std::uint16_t>(TwoBytesToInteger(reply));
+  SubbandCounter subbands;
+  for (int index = 0; index < announced; ++index) {
+    const std::string_view bytes = reply.substr(WireHeaderSize + WireRecordSize * static_cast<std::size_t>(index));
+    if (bytes[0] == EndOfListState) break;
+    if (index == MaxRecords) return false;
+    SignalStandardRecord record = DecodeRecord(bytes.substr(0, WireRecordSize));
+    if (subbands.Takes(record)) record.Name = held.Table.Row(index - 1).Name;
+    held.Table.Append(std::move(record));
+  }
+  return true;
+}
+
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress) {
   progress.SetRange(0, 100);
   progress.SetValue(0);
-  link.CommControl.ReadInput();
-  link.SendCommString(link.CommHandle, {&SendTableCommand, 1});
   std::string reply;
   std::size_t replySize = 0;  // not known before the header is in
-  const auto complete = [&] {
-    reply += link.CommControl.ReadInput();
+  const auto whole = [&] {
     if (replySize == 0 && reply.size() >= WireHeaderSize) {
       const int recordBytes = TwoBytesToInteger(std::string_view(reply).substr(2)) * static_cast<int>(WireRecordSize);
       replySize = WireHeaderSize + static_cast<std::size_t>(recordBytes);
@@ -74,14 +82,19 @@ LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& pr
     progress.SetValue(static_cast<int>(reply.size()));
     return replySize != 0 && reply.size() >= replySize;
   };
-  if (!link.WaitUntil(link.Now(), DownloadTimeoutMs, complete)) return LinkTimeout;
-  return DecodeReply(reply, held) ? LinkTrue : LinkFalse;
+  if (link.ReadAnswer(SendTableCommand, DownloadTimeoutMs, reply, whole) != LinkTrue) return LinkTimeout;
+  // A byte that was lost, doubled or another answer's leaves a number of bytes that no table has.
+  link.ReadUntilQuiet(reply);
+  if (reply.size() != replySize) return LinkUnrest;
+  return DecodeTable(reply, held) ? LinkTrue : LinkFalse;
 }
 
 std::uint16_t UploadTag(std::uint16_t unitTableTag) { return unitTableTag == 0 ? FirstTableTag : unitTableTag; }
 
 LinkResult UploadChanplans(UnitLink& link, std::string_view message, TransferProgress& progress) {
   progress.SetValue(0);
+  std::string stale;
+  if (!link.ReadUntilQuiet(stale)) return link.PortFailure() ? LinkFalse : LinkUnrest;
   const auto sendInTime = [&](const char& byte) {
     const auto start = link.Now();
     link.SendCommString(link.CommHandle, {&byte, 1});
@@ -99,16 +112,17 @@ LinkResult UploadChanplans(UnitLink& link, std::string_view message, TransferPro
 
 TransferOutcome RunDownload(UnitLink& link, UnitTable& held, TransferProgress& progress,
                             const std::function<bool()>& abortRequested) {
-  return RunTransfer(link, "Downloading Signal Standards...", progress, abortRequested,
-                     [&] { return Query_Chanplans(link, held, progress); });
+  TransferOutcome outcome = RunTransfer(link, "Downloading Signal Standards...", progress, abortRequested,
+                                        [&] { return Query_Chanplans(link, held, progress); });
+  if (outcome.Moved()) outcome.Message = DownloadProblem(link, outcome.Result);
+  return outcome;
 }
 
 TransferOutcome RunUpload(UnitLink& link, std::string_view message, TransferProgress& progress,
                           const std::function<bool()>& abortRequested) {
   TransferOutcome outcome = RunTransfer(link, "Uploading Signal Standards...", progress, abortRequested,
                                         [&] { return UploadChanplans(link, message, progress); });
-  if (outcome.Message.empty() && !outcome.Aborted && outcome.Result != LinkTrue)
-    outcome.Message = "The upload was held up, so that the unit may have given it up: upload the table again";
+  if (outcome.Moved()) outcome.Message = UploadProblem(link, outcome.Result);
   return outcome;
 }
 

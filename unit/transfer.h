@@ -28,9 +28,13 @@ struct UnitTable {
   std::uint16_t UnitTableTag = 0;
 };
 
+/// The table in `message`, header and records, as a unit sends it: sub-bands take their standard's name.
+/// False when there are more than 200 records; the first 200 are kept.
+bool DecodeTable(std::string_view message, UnitTable& held);
+
 /// Reads the unit's table into `held`. LinkTrue; LinkTimeout when the reply was not complete in
-/// 30000 ms, which leaves `held` as it was; LinkFalse when the unit sent more than 200 records,
-/// of which the first 200 are kept.
+/// 30000 ms and LinkUnrest when more came than it announces, which both leave `held` as it was;
+/// LinkFalse when the unit sent more than 200 records, of which the first 200 are kept.
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress);
 
 /// The tag that a table goes out with, and keeps: its own, or 100 when it never came from a unit.
@@ -38,16 +42,22 @@ std::uint16_t UploadTag(std::uint16_t unitTableTag);
 
 /// Writes a table into the unit, one byte a millisecond. `message` is what EncodeTable makes of it.
 /// LinkTrue when all bytes were sent; LinkFalse when the port broke on the way, or when the program was
-/// held up between two bytes for so long that the unit may take the rest for commands.
+/// held up between two bytes for so long that the unit may take the rest for commands; LinkUnrest when
+/// nothing was sent as the line did not become quiet.
 LinkResult UploadChanplans(UnitLink& link, std::string_view message, TransferProgress& progress);
 
 struct TransferOutcome {
   bool UnitAnswered = false;      ///< the unit identified itself
   bool Aborted = false;           ///< the user had asked to stop before the table was moved
   LinkResult Result = LinkFalse;  ///< of moving the table
-  /// What to tell the user, UTF-8: no answer, a port that broke, an upload that was held up. Otherwise empty,
+  /// What to tell the user, UTF-8: no answer, a port that broke, a table that is not whole. Otherwise empty,
   /// also when the unit's table did not arrive in time.
   std::string Message;
+
+  /// Whether moving the table was begun.
+  bool Moved() const { return UnitAnswered && !Aborted; }
+  /// Whether the whole of it was.
+  bool Done() const { return Moved() && Result == LinkTrue; }
 };
 
 /// Opens the port, identifies the unit and reads its table into `held`, unless `abortRequested` says by

@@ -5,8 +5,8 @@ namespace {
 
 constexpr double FirstCompatibleFirmware = 3.0;
 
-ConnectRefusal TryToConnect(UnitLink& link) {
-  std::string reply;
+// `reply` is what came of the identity.
+ConnectRefusal TryToConnect(UnitLink& link, std::string& reply) {
   if (link.OpenCommPort(link.CommPort) != 1) return ConnectRefusal::PortNotOpened;
   if (link.ReadUnitIdentity(IdentityTimeoutMs, reply) != LinkTrue) return ConnectRefusal::NoProperResponse;
   if (!IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)) return ConnectRefusal::NotCompatible;
@@ -27,6 +27,14 @@ std::string_view RefusalText(ConnectRefusal refusal) {
   return {};
 }
 
+std::string RefusalReason(const UnitLink& link, ConnectRefusal refusal, std::size_t bytesCame) {
+  if (const auto failure = link.PortFailure()) return failure->what();
+  if (refusal != ConnectRefusal::NoProperResponse) return std::string(RefusalText(refusal));
+  if (bytesCame == 0) return "no unit answered within 10 s: check that it is switched on and that the cable sits";
+  return "incomplete answer, " + std::to_string(bytesCame) + " of " + std::to_string(IdentitySize) +
+         " bytes: check that the cable sits";
+}
+
 }  // namespace
 
 bool IsCompatibleUnit(std::string_view model, double firmwareVersion) {
@@ -34,10 +42,12 @@ bool IsCompatibleUnit(std::string_view model, double firmwareVersion) {
 }
 
 ConnectOutcome ConnectToUnit(UnitLink& link) {
-  const ConnectRefusal refusal = TryToConnect(link);
+  std::string reply;
+  const ConnectRefusal refusal = TryToConnect(link, reply);
+  const std::string reason = RefusalReason(link, refusal, reply.size());
   link.CloseCommPort();
   if (refusal == ConnectRefusal::None) return {};
-  return {refusal, std::string(RefusalText(refusal)) + "\r\n\r\nThe requested operation has been aborted."};
+  return {refusal, std::string(RefusalText(refusal)) + "\r\n\r\nThe requested operation has been aborted.", reason};
 }
 
 }  // namespace chanplan

@@ -19,6 +19,7 @@ enum class ConnectRefusal { None, PortNotOpened, NoProperResponse, NotCompatible
 struct ConnectOutcome {
   ConnectRefusal Refusal = ConnectRefusal::None;
   std::string Message;  ///< what to tell the user about a refusal, lines ended by CR LF
+  std::string Reason;   ///< what lies behind it and what to do about it, a line (UTF-8)
 
   bool Accepted() const { return Refusal == ConnectRefusal::None; }
 };

@@ -1,5 +1,6 @@
 #include "unit/unit_link.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -12,12 +13,15 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t BufferSize = 10000;
-constexpr std::size_t IdentitySize = 13;
 constexpr int CloseSyncTimeoutMs = 500;
 // How long the processor is given away between two looks at the port.
 constexpr std::chrono::nanoseconds PollPause = 1ms;
 // A sleeping thread wakes late by less than this; the rest of a pause is polled away.
-constexpr std::chrono::nanoseconds WakeUpMargin = 130us;
+constexpr std::chrono::nanoseconds WakeUpMargin = 60us;
+// The rest of a full table, which a program that was killed had asked for, takes less.
+constexpr int LongestUnrestMs = 12000;
+// A unit that is heard at shorter intervals is not silent.
+constexpr std::chrono::nanoseconds Silence = 500ms;
 
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
@@ -54,12 +58,15 @@ std::int16_t UnitLink::OpenCommPort(int portNumber) {
   }
   CommControl.ReadInput();
   CommHandle = CommControl.Handle();
+  line.Opened(Now());
   return 1;
 }
 
 bool UnitLink::CloseCommPort() {
   if (CommControl.IsOpen()) {
-    SendSyncByte(CloseSyncTimeoutMs);
+    const bool unitIsThere = line.UnitIsThere();
+    if (SendSyncByte(CloseSyncTimeoutMs) == LinkTimeout && unitIsThere)
+      AwaitEcho(static_cast<int>(LatestAnswer.count()));
     CommControl.Close();
   }
   return true;
@@ -86,20 +93,51 @@ bool UnitLink::SendCommString(std::intptr_t handle, std::string_view text) {
 LinkResult UnitLink::SendSyncByte(int timeoutMs) {
   ClearCommBuffers();
   SendCommString(CommHandle, {&SyncByte, 1});
-  if (!WaitUntil(Now(), timeoutMs, [this] { return CommControl.BytesWaiting() >= 1; })) return LinkTimeout;
-  return CommControl.ReadInput().ends_with(SyncByte) ? LinkAck : LinkTrue;
+  line.SyncSent(Now());
+  return AwaitEcho(timeoutMs);
+}
+
+LinkResult UnitLink::AwaitEcho(int timeoutMs) {
+  if (!WaitUntil(line.LastAsked(), timeoutMs, [this] { return CommControl.BytesWaiting() >= 1; })) return LinkTimeout;
+  const std::string echo = CommControl.ReadInput();
+  line.Heard(echo, Now());
+  return echo.ends_with(SyncByte) ? LinkAck : LinkTrue;
+}
+
+bool UnitLink::ReadUntilQuiet(std::string& rest) {
+  return WaitUntil(Now(), LongestUnrestMs, [&] {
+    // What had come by `now` is seen, however long the program was held up before it.
+    const auto now = Now();
+    LetEventsRun();
+    const std::string bytes = CommControl.ReadInput();
+    line.Heard(bytes, now);
+    rest += bytes;
+    return line.IsQuiet(now);
+  });
+}
+
+LinkResult UnitLink::ReadAnswer(char command, int timeoutMs, std::string& reply, const std::function<bool()>& whole) {
+  std::string stale;
+  reply.clear();
+  if (!ReadUntilQuiet(stale)) return LinkTimeout;
+  SendCommString(CommHandle, {&command, 1});
+  line.CommandSent(Now());
+  const bool came = WaitUntil(Now(), timeoutMs, [&] {
+    const std::string bytes = CommControl.ReadInput();
+    if (!bytes.empty()) line.HeardAnswer(Now());
+    reply += bytes;
+    return whole();
+  });
+  if (came) line.Answered(Now());
+  return came ? LinkTrue : LinkTimeout;
 }
 
 LinkResult UnitLink::ReadUnitIdentity(int timeoutMs, std::string& reply) {
-  CommControl.ReadInput();
-  reply.clear();
-  SendCommString(CommHandle, {&IdentifyCommand, 1});
-  const auto start = Now();
-  while (reply.size() < IdentitySize) {
-    const std::size_t missing = IdentitySize - reply.size();
-    if (!WaitUntil(start, timeoutMs, [&] { return CommControl.BytesWaiting() >= missing; })) return LinkTimeout;
-    reply += CommControl.ReadInput();
-  }
+  if (ReadAnswer(IdentifyCommand, timeoutMs, reply, [&] { return reply.size() >= IdentitySize; }) != LinkTrue)
+    return LinkTimeout;
+  // Echoes of sync bytes may stand in front; what follows tells them from an identity that begins with 0xFF.
+  if (reply.front() == SyncByte) ReadUntilQuiet(reply);
+  reply.erase(0, EchoesInFront(reply, IdentitySize));
   const std::string_view identity = reply;
   UnitModel = TrimBlanks(ReplyToText(identity.substr(2, 7)));
   UnitFirmwareVersion = LeadingNumber(ReplyToText(identity.substr(9, 4)));
@@ -107,10 +145,12 @@ LinkResult UnitLink::ReadUnitIdentity(int timeoutMs, std::string& reply) {
 }
 
 bool UnitLink::ProbeCommPort(int portNumber) {
+  openFailure.reset();
   try {
     CommControl.SetPortNumber(portNumber);
     CommControl.Open();
-  } catch (const PortError&) {
+  } catch (const PortError& error) {
+    openFailure = error;
     return false;
   }
   if (CommControl.IsOpen()) CommControl.Close();
@@ -135,6 +175,7 @@ bool UnitLink::WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const st
     const bool timedOut = Now() - start > std::chrono::milliseconds(timeoutMs);
     const bool done = enough();
     if (done || timedOut || CommControl.Failure()) return done && !timedOut;
+    if (StopRequested() && Now() - std::max(start, line.LastHeard()) >= Silence) return false;
     timing.LetEventsRun(PollPause);
   }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -9,8 +10,11 @@
 #include <string_view>
 
 #include "unit/port_object.h"
+#include "unit/unit_line.h"
 
 namespace chanplan {
+
+inline constexpr std::size_t IdentitySize = 13;  ///< bytes
 
 /// Results of the link's operations.
 enum LinkResult : std::int16_t {
@@ -18,6 +22,7 @@ enum LinkResult : std::int16_t {
   LinkFalse = 0,      ///< it did not, and no byte is to blame
   LinkAck = 100,      ///< the unit echoed the sync byte
   LinkTimeout = 101,  ///< the expected bytes did not arrive in time
+  LinkUnrest = 102,   ///< bytes came that nothing had asked for
 };
 
 /// What the link needs of the world around it. Tests give it a clock that they move by hand.
@@ -48,23 +53,35 @@ class UnitLink {
   /// 1 when the port was opened, otherwise 0 and `PortFailure` says why. The link always runs at
   /// 9600 baud: the units know no other speed, whatever was chosen.
   std::int16_t OpenCommPort(int portNumber);
-  /// Sends the sync byte, with 500 ms for its echo, and closes the port.
+  /// Sends the sync byte, with 500 ms for its echo, and closes the port. A unit that has answered gets
+  /// until LatestAnswer for it: whoever opens the port next shall not hear the echo.
   bool CloseCommPort();
   bool ClearCommBuffers();
   /// Sends `text` byte by byte with a pause of at least 1 ms behind each.
   bool SendCommString(std::intptr_t handle, std::string_view text);
   /// LinkAck, LinkTimeout, or LinkTrue when the reply did not end in the sync byte.
   LinkResult SendSyncByte(int timeoutMs);
-  /// Asks the unit who it is: LinkTrue with `reply`, `UnitModel` and `UnitFirmwareVersion`, or LinkTimeout.
+  /// Asks the unit who it is: LinkTrue with `reply`, `UnitModel` and `UnitFirmwareVersion`, or LinkTimeout
+  /// with what came of the reply.
   LinkResult ReadUnitIdentity(int timeoutMs, std::string& reply);
-  /// Whether the port could be opened.
+  /// Whether the port could be opened; otherwise `PortFailure` says why not.
   bool ProbeCommPort(int portNumber);
   /// Waits while events run; returns the milliseconds that passed.
   std::int32_t DelayMs(std::int16_t milliseconds);
   void LetEventsRun();
 
+  /// Waits until the line is quiet and reads what still comes by then. False when it does not become
+  /// quiet: the port is gone, the user wants to stop, or bytes come and come.
+  bool ReadUntilQuiet(std::string& rest);
+  /// Sends `command` on a quiet line and gathers its answer in `reply` until it is `whole`: LinkTrue, or
+  /// LinkTimeout. Nothing is sent on a line that does not become quiet.
+  LinkResult ReadAnswer(char command, int timeoutMs, std::string& reply, const std::function<bool()>& whole);
+
+  /// Whether the user wants to stop. It ends the waits for a unit that has been silent for half a second.
+  std::function<bool()> StopRequested = [] { return false; };
+
   /// Waits until `enough` says so, letting events run: false when more than `timeoutMs` have
-  /// passed since `start`, or when the port is gone.
+  /// passed since `start`, when the port is gone, or when the user stops the wait for a silent unit.
   bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough);
   std::chrono::nanoseconds Now() const { return timing.Now(); }
 
@@ -72,7 +89,10 @@ class UnitLink {
   std::optional<PortError> PortFailure() const;
 
  private:
+  LinkResult AwaitEcho(int timeoutMs);
+
   LinkTiming timing;
+  UnitLine line;
   std::optional<PortError> openFailure;
 };
 

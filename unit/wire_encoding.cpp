@@ -53,18 +53,31 @@ struct FieldEncoder {
 };
 
 // In what form a value reaches a unit, if in another one than it has here.
-std::string WireLoss(const SignalStandardRecord& record, const RecordField& field) {
-  const auto ofText = [&](const std::string& text) -> std::string {
-    if (field.Id == Field::State)
-      return StateValue(record) == ByteValue(EndOfListState) ? "255 ends the list when the unit's table is read" : "";
-    return text.size() > field.WireSize ? "is longer than 24 characters and is cut off" : "";
-  };
-  const auto ofNumber = [](double megahertz) -> std::string {
-    if (HertzOf(megahertz) < FourByteLimit) return {};
-    return ShortestDecimal(megahertz) + " MHz is more than a unit can take and goes out as 0";
-  };
-  return VisitField(record, field, ByType{ofText, ofNumber, [](std::int32_t) { return std::string(); }});
-}
+struct WireLoss {
+  const SignalStandardRecord& Record;
+  const RecordField& Lost;
+  bool IsSubband;  ///< its name is not looked at: it takes its standard's
+
+  std::string operator()(const std::string& text) const {
+    if (Lost.Id == Field::State)
+      return StateValue(Record) == ByteValue(EndOfListState) ? "255 ends the list when the unit's table is read" : "";
+    if (IsSubband) return {};
+    if (text.size() > Lost.WireSize) return "is longer than 24 characters and is cut off";
+    if (FixedBytesToText(TextToFixedBytes(text, Lost.WireSize), Lost.WireSize) != text)
+      return "has control characters, which are lost";
+    return {};
+  }
+
+  std::string operator()(double megahertz) const {
+    const double hertz = HertzOf(megahertz);
+    if (hertz >= FourByteLimit)
+      return ShortestDecimal(megahertz) + " MHz is more than a unit can take and goes out as 0";
+    if (hertz != std::floor(hertz)) return ShortestDecimal(megahertz) + " MHz is cut to whole hertz";
+    return {};
+  }
+
+  std::string operator()(std::int32_t /*value*/) const { return {}; }
+};
 
 int WholeNumber(std::string_view bytes) { return bytes.size() == 1 ? ByteValue(bytes[0]) : TwoBytesToInteger(bytes); }
 
@@ -143,13 +156,23 @@ std::string EncodeTable(const SignalStandardTable& table, std::uint16_t unitTabl
 
 std::vector<std::string> WireLosses(const SignalStandardTable& table) {
   std::vector<std::string> losses;
+  SubbandCounter subbands;
   for (int index = 0; index < table.Count; ++index) {
     const SignalStandardRecord& record = table.Row(index);
+    const bool isSubband = subbands.Takes(record);
     for (const RecordField& field : RecordFields)
-      if (const std::string loss = WireLoss(record, field); !loss.empty())
+      if (const std::string loss = VisitField(record, field, WireLoss{record, field, isSubband}); !loss.empty())
         losses.push_back(RowText(record, index + 1) + std::string(field.Name) + " " + loss);
   }
   return losses;
+}
+
+bool SubbandCounter::Takes(const SignalStandardRecord& record) {
+  if (record.Subbands > 0) {
+    expected = record.Subbands;
+    return false;
+  }
+  return expected > 0 && expected-- > 0;
 }
 
 }  // namespace chanplan

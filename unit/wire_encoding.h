@@ -61,8 +61,19 @@ SignalStandardRecord DecodeRecord(std::string_view bytes);
 /// Header and records of `table`; throws WireMisfit.
 std::string EncodeTable(const SignalStandardTable& table, std::uint16_t unitTableTag);
 
-/// What of `table` reaches a unit in another form than it stands there, a line (UTF-8) each: names
-/// longer than the field, frequencies that go out as zero, a State that ends the list when read back.
+/// Tells the records, given one after the other, that are sub-bands: those take their standard's name,
+/// whatever name bytes they carry.
+class SubbandCounter {
+ public:
+  bool Takes(const SignalStandardRecord& record);
+
+ private:
+  int expected = 0;
+};
+
+/// What of `table` arrives at a unit as another value, a line (UTF-8) each: names longer than the field
+/// or with control characters, frequencies that go out as zero or are cut to whole hertz, a State that
+/// ends the list when read back.
 std::vector<std::string> WireLosses(const SignalStandardTable& table);
 
 }  // namespace chanplan

@@ -33,15 +33,17 @@ namespace chanplan::testing {
 /// A machine that has not all of the ports 1 to 6.
 class MachinePort : public FakePort {
  public:
-  MachinePort(const HandDrivenClock& portClock, std::set<int> absentPorts)
-      : FakePort(portClock), absent(std::move(absentPorts)) {}
+  MachinePort(const HandDrivenClock& portClock, const std::set<int>& absentPorts, const std::set<int>& busyPorts)
+      : FakePort(portClock), absent(absentPorts), busy(busyPorts) {}
   void SetPortNumber(int number) override {
     FakePort::SetPortNumber(number);
-    if (absent.contains(number)) throw PortError("no such port");
+    if (busy.contains(number)) throw PortError("port " + std::to_string(number) + " is busy");
+    if (absent.contains(number)) throw PortError("there is no port " + std::to_string(number), true);
   }
 
  private:
-  std::set<int> absent;
+  const std::set<int>& absent;
+  const std::set<int>& busy;
 };
 
 class AppTest : public ::testing::Test {
@@ -91,7 +93,9 @@ class AppTest : public ::testing::Test {
   QString Stored(const QString& key) { return Store().value(key).toString(); }
 
   /// What the application's link works with.
-  virtual std::unique_ptr<PortObject> MakePort() { return std::make_unique<MachinePort>(clock, absentPorts); }
+  virtual std::unique_ptr<PortObject> MakePort() {
+    return std::make_unique<MachinePort>(clock, absentPorts, busyPorts);
+  }
   virtual LinkTiming MakeTiming() { return clock.Timing(); }
 
   // What is on the frame, by its name.
@@ -202,6 +206,7 @@ class AppTest : public ::testing::Test {
 
   TempFolder folder;
   std::set<int> absentPorts;
+  std::set<int> busyPorts;
   HandDrivenClock clock;
   std::unique_ptr<AppMain> app;
   std::deque<Message> messages;

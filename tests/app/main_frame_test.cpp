@@ -1,4 +1,5 @@
 // The main frame: menus, toolbar, the pane's height, help, and commands passed to the active document.
+#include <QActionGroup>
 #include <QDesktopServices>
 #include <QTableWidget>
 
@@ -39,6 +40,38 @@ class PaintCounter : public QObject {
     return false;
   }
 };
+
+TEST_F(Menus, PortAndSpeedAreChoicesOfOne) {
+  Start();
+  for (const auto& [first, second] : std::vector<std::pair<const char*, const char*>>{
+           {"menuOptionsCom3", "menuOptionsCom4"}, {"menuOptionsBaud2", "menuOptionsBaud4"}}) {
+    ASSERT_NE(Item(first).actionGroup(), nullptr);
+    EXPECT_TRUE(Item(first).actionGroup()->isExclusive());
+    Choose(first);
+    Choose(first);
+    EXPECT_TRUE(Item(first).isChecked());
+    Choose(second);
+    EXPECT_FALSE(Item(first).isChecked());
+    EXPECT_TRUE(Item(second).isChecked());
+  }
+}
+
+// The end of a path is what tells documents apart.
+TEST_F(Menus, WindowListLeavesOutTheBeginningsOfLongPaths) {
+  const QString longFolder = InFolder(std::string(120, 'f').c_str());
+  QDir().mkpath(longFolder);
+  const QString path = longFolder + "/plan & more.sig";
+  WriteFile(path.toStdString(), "header\r\n");
+  Start({path});
+  QMenu& menu = DropDown("mnuWindow");
+  const QAction& item = *menu.actions().back();
+  PullUp();
+  EXPECT_TRUE(item.text().startsWith(QString("&1 ") + QChar(0x2026))) << item.text().toStdString();
+  EXPECT_TRUE(item.text().endsWith("/plan && more.sig")) << item.text().toStdString();
+  EXPECT_TRUE(menu.toolTipsVisible());
+  EXPECT_TRUE(item.toolTip().contains("ffff/plan &amp; more.sig")) << item.toolTip().toStdString();
+  EXPECT_EQ(Frame().ActiveDocument()->windowTitle(), path);
+}
 
 }  // namespace
 
@@ -143,6 +176,31 @@ TEST_F(Menus, ListOnlyThePortsOfThisMachine) {
   EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptionsComPort")), QStringList({"COM 1", "COM 3", "COM 4 ", "COM 6"}));
 }
 
+TEST_F(Menus, LookForPortsWheneverTheyDropDown) {
+  absentPorts = {1, 2, 3, 4, 5, 6};
+  Start();
+  absentPorts = {1, 2, 3, 5, 6};
+  DropDown("menuOptions");
+  EXPECT_EQ(VisibleItems(Get<QMenu>("menuOptionsComPort")), QStringList({"COM 4 "}));
+  PullUp();
+  absentPorts.insert(4);
+  DropDown("menuOptions");
+  PullUp();
+  for (int port = 1; port <= 6; ++port) EXPECT_FALSE(Item("menuOptionsCom" + QString::number(port)).isVisible());
+}
+
+TEST_F(Menus, SayWhyThereIsNoPort) {
+  absentPorts = {1, 2, 3, 4, 5, 6};
+  Start();
+  const QMenu& menu = Get<QMenu>("menuOptionsComPort");
+  EXPECT_EQ(VisibleItems(menu), QStringList({"COM 1: there is no port 1"}));
+  EXPECT_FALSE(menu.actions().back()->isEnabled());
+  busyPorts = {3, 4};
+  DropDown("menuOptions");
+  EXPECT_EQ(VisibleItems(menu), QStringList({"COM 3: port 3 is busy"})) << "what is there tells more";
+  PullUp();
+}
+
 TEST_F(Menus, CheckTheChosenPortAndSpeed) {
   Start();
   Choose("menuOptionsCom3");
@@ -226,6 +284,7 @@ TEST_F(Commands, GoToTheActiveDocument) {
   StartWithStandIns();
   Choose("mnuFileNew");
   Frame().ShowDocument(*app->Registry.Document(1));
+  for (int number : {1, 2}) dynamic_cast<StandInDocument&>(*app->Registry.Document(number)).Calls.clear();
   Key(Qt::Key_X, Qt::ControlModifier);
   Key(Qt::Key_C, Qt::ControlModifier);
   Key(Qt::Key_V, Qt::ControlModifier);
@@ -251,6 +310,27 @@ TEST_F(Commands, KeysGoFromDocumentToDocument) {
   EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(1));
   EXPECT_TRUE(app->Registry.Document(1)->isAncestorOf(QApplication::focusWidget()));
   EXPECT_EQ(QApplication::focusWidget()->objectName(), "GridList");
+}
+
+TEST_F(Commands, OtherDocumentsStoreTheirEditsWhenOneBecomesTheActiveOne) {
+  StartWithStandIns();
+  Choose("mnuFileNew");
+  Frame().ShowDocument(*app->Registry.Document(1));
+  for (int number : {1, 2}) dynamic_cast<StandInDocument&>(*app->Registry.Document(number)).Calls.clear();
+  Frame().ShowDocument(*app->Registry.Document(2));
+  EXPECT_EQ(dynamic_cast<StandInDocument&>(*app->Registry.Document(1)).Calls, QStringList("CommitEdit"));
+  EXPECT_EQ(dynamic_cast<StandInDocument&>(*app->Registry.Document(2)).Calls, QStringList());
+}
+
+TEST_F(Commands, ClosingADocumentGoesBackToTheOneUsedBefore) {
+  Start();
+  for (int number = 2; number <= 4; ++number) Choose("mnuFileNew");
+  for (int number : {3, 1, 4, 2}) Frame().ShowDocument(*app->Registry.Document(number));
+  for (int number : {2, 4, 1, 3}) {
+    ASSERT_EQ(Frame().ActiveDocument(), app->Registry.Document(number));
+    Choose("mnuFileClose");
+  }
+  EXPECT_EQ(Frame().ActiveDocument(), nullptr);
 }
 
 TEST_F(Commands, WithoutADocumentTheyDoNothing) {

@@ -5,6 +5,7 @@
 
 #include "app/command_line.h"
 #include "app/placement.h"
+#include "editor/twips.h"
 #include "tests/app/app_fixture.h"
 
 using namespace chanplan;
@@ -55,9 +56,23 @@ TEST_F(StartUp, KeyboardIsInTheListOfTheFirstDocument) {
   EXPECT_EQ(Frame().ActiveDocument()->findChild<QTableWidget*>("GridDetails")->item(0, 1)->text(), "B");
 }
 
-TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
+// Less than a document's least size would be seen of it.
+TEST_F(StartUp, DocumentsOfWhichLittleIsInSightOpenMaximised) {
   SetStored("Settings/MainWidth", "6000");
   SetStored("Settings/MainHeight", "4500");
+  Start();
+  ASSERT_TRUE(app->Registry.Document(1)->isMaximized());
+  Choose("mnuFileNew");
+  for (int number = 1; number <= 2; ++number) {
+    DocumentWindow& document = *app->Registry.Document(number);
+    document.showNormal();
+    EXPECT_EQ(document.size(), QSize(TwipsToPixelsX(9500, document), TwipsToPixelsY(5600, document))) << number;
+  }
+}
+
+TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
+  SetStored("Settings/MainWidth", "8400");
+  SetStored("Settings/MainHeight", "7000");
   Start();
   Choose("mnuFileNew");
   const QSize area = Get<QMdiArea>("documents").viewport()->size();

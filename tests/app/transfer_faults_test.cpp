@@ -15,6 +15,10 @@ const QString NoAnswer = "Error establishing communication with Handheld Product
 const QString NotWhole =
     "The table of the unit could not be read whole, so nothing was uploaded: check the cable and start again.";
 
+const QString NotConfirmed =
+    "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
+    "the cable sits, and upload the table again.";
+
 class FaultyUnit : public TransferTest {
  protected:
   void StartFaulty(const std::vector<std::string>& options) {
@@ -35,6 +39,8 @@ class FaultyUnit : public TransferTest {
     ExpectPortFree();
   }
 };
+
+using SilentWait = FaultyUnit;
 
 }  // namespace
 
@@ -149,7 +155,10 @@ TEST_F(FaultyUnit, ThatLosesBytesLeavesAnEmptyDocument) {
 // Nothing on the line tells a lost byte; the unit waits for the rest and then forgets what it got.
 TEST_F(FaultyUnit, ThatLosesBytesOfAnUploadKeepsItsTable) {
   StartFaulty({"--fault", "drop-every-nth-byte", "--nth", "50"});
-  Upload(Choice::Overwrite);
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  ExpectMessage(NotConfirmed, QMessageBox::Warning);
   EXPECT_EQ(Status(), CompletedText(3));
   ExpectNothingMoved();
 }
@@ -169,10 +178,13 @@ TEST_F(FaultyUnit, ThatSpoilsItsReplyStopsAnAppend) {
   }
 }
 
-// The sync byte's answer is not looked at: the upload itself is never answered.
+// The upload itself is never answered: only the sync byte behind it says that the unit is still there.
 TEST_F(FaultyUnit, ThatAnswersTheSyncByteWithNoiseHasItsTable) {
   StartFaulty({"--fault", "garbage"});
-  Upload(Choice::Overwrite);
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  ExpectMessage(NotConfirmed, QMessageBox::Warning);
   EXPECT_EQ(Status(), CompletedText(3));
   ExpectPortFree();
   EXPECT_EQ(UnitsNames(), QStringList({"S100", "S101", "S102"}));
@@ -185,7 +197,6 @@ TEST_F(FaultyUnit, ThatIsSlowGetsAndGivesItsTable) {
   EXPECT_EQ(Status(), CompletedText(4));
   app->Registry.DocumentStates[1].Changed = false;
   Frame().ShowDocument(*app->Registry.Document(1));
-  QTest::qWait(3000);  // the answer to the sync byte comes late, too
   Upload(Choice::Overwrite);
   EXPECT_EQ(Status(), CompletedText(3));
   ExpectPortFree();
@@ -226,4 +237,147 @@ TEST_F(FaultyUnit, ThatIsUnpluggedInTheMiddleIsTold) {
     for (auto& state : app->Registry.DocumentStates) state.Changed = false;
     unit.reset();
   }
+}
+
+TEST_F(FaultyUnit, ThatIsSwitchedOffWithinAnUploadIsNamedAsNotConfirming) {
+  StartFaulty({"--fault", "off-in-upload"});
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(Status(), CompletedText(3));
+  ExpectMessage(NotConfirmed, QMessageBox::Warning);
+  ExpectNothingMoved();
+}
+
+TEST_F(FaultyUnit, WithMoreThan200RecordsIsNamedAsSuch) {
+  StartFaulty({"--fault", "too-many"});
+  AnswerMessage();
+  Download();
+  EXPECT_EQ(Status(), "The unit announces more than 200 records, which no table can hold");
+  ExpectMessage(Status(), QMessageBox::Information);
+  EXPECT_EQ(ActiveNames().size(), 200);
+  app->Registry.DocumentStates[1].Changed = false;
+  ExpectNothingMoved();
+}
+
+// At the speed of a real line, with a tag that makes a table behind a stale echo look empty.
+TEST_F(FaultyUnit, ThatEchoesLateGetsAndGivesItsTable) {
+  patience = 10s;
+  StartFaulty({"--baud", "9600", "--fault", "late-echo", "--tag", "256"});
+  Download();
+  EXPECT_EQ(Status(), CompletedText(4));
+  EXPECT_EQ(ActiveNames(), QStringList({"S1", "S2", "S3", "S4"}));
+  app->Registry.DocumentStates[1].Changed = false;
+  Frame().ShowDocument(*app->Registry.Document(1));
+  Upload(Choice::Append);
+  EXPECT_EQ(Status(), CompletedText(7));
+  app->Registry.DocumentStates[2].Changed = false;
+  EXPECT_EQ(UnitsTable().Count, 7);
+}
+
+// Waiting
+
+TEST_F(SilentWait, SaysWhatItLooksForAndHowToEndIt) {
+  StartFaulty({"--fault", "silent"});
+  Frame().ShowStatus("of before");
+  QString shown;
+  QTimer::singleShot(200, [&] { shown = Status(); });
+  AnswerMessage();
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(shown, "Looking for a unit on COM 1 ... (Esc cancels)");
+  EXPECT_EQ(Status(), "COM 1: no unit answered within 10 s: check that it is switched on and that the cable sits");
+  messages.clear();
+}
+
+TEST_F(SilentWait, LeavesNoFormerOutcomeBehindIt) {
+  StartFaulty({});
+  Frame().ShowStatus("of before");
+  AnswerOptions(Choice::Cancel);
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(Status(), "");
+}
+
+TEST_F(SilentWait, ForAPortThatDoesNotOpenSaysWhy) {
+  StartFaulty({});
+  unit.reset();
+  AnswerMessage();
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(Status(), "COM 1: there is no port " + QString::fromStdString(unitFolder / "link") +
+                          ": check the cable and the name");
+  messages.clear();
+}
+
+TEST_F(SilentWait, OfAnIncompleteAnswerSaysHowMuchCame) {
+  StartFaulty({"--fault", "drop-every-nth-byte", "--nth", "14"});
+  AnswerMessage();
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(Status(), "COM 1: incomplete answer, 12 of 13 bytes: check that the cable sits");
+  messages.clear();
+}
+
+TEST_F(SilentWait, EndsAtOnceWithEscape) {
+  patience = 1h;  // of the clock: nothing but the key ends it
+  StartFaulty({"--fault", "silent"});
+  for (const char* command : {"mnuToolsQuery", "mnuToolsUpload"}) {
+    QTimer::singleShot(100, [&] { QTest::keyClick(&Frame(), Qt::Key_Escape); });
+    QElapsedTimer time;
+    time.start();
+    Choose(command);
+    EXPECT_LT(time.elapsed(), 8000) << "instead of ten seconds and a half";
+    EXPECT_EQ(Status(), CanceledText);
+    EXPECT_EQ(Captions().size(), 1);
+    ExpectNothingMoved();
+  }
+}
+
+TEST_F(SilentWait, EndsAtOnceWithAConfirmedAbort) {
+  patience = 1h;
+  StartFaulty({"--fault", "silent@3"});  // behind the identification and its sync byte
+  QElapsedTimer time;
+  During([this] { return IsConnecting(); },
+         [this, &time] {
+           time.start();
+           Progress()->Abort();
+         });
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_LT(time.elapsed(), 8000);
+  EXPECT_EQ(Status(), CanceledText);
+  ExpectNothingMoved();
+}
+
+TEST_F(SilentWait, ForTheRestOfATableEndsWithAConfirmedAbort) {
+  patience = 1h;
+  StartFaulty({"--fault", "truncate-reply"});
+  During([this] { return IsDownloading(); }, [this] { Progress()->Abort(); });
+  QElapsedTimer time;
+  time.start();
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_LT(time.elapsed(), 20000) << "instead of thirty seconds";
+  EXPECT_EQ(Status(), CanceledText);
+  ExpectNothingMoved();
+}
+
+TEST_F(SilentWait, ForTheLastEchoComesWhenTheTableIsOnTheScreen) {
+  patience = 1h;
+  StartFaulty({"--fault", "silent@5"});  // behind E, its sync byte, E and O
+  bool shown = false;
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (Status() != CompletedText(4)) return;
+    watch.stop();
+    const Grid* list = Frame().ActiveDocument()->findChild<Grid*>("GridList");
+    shown = Frame().Transferring() && list->rowCount() == 4 && list->CellText(3, 1) == "S4";
+    QTest::keyClick(&Frame(), Qt::Key_Escape);
+  });
+  watch.start(5);
+  QElapsedTimer time;
+  time.start();
+  Choose("mnuToolsQuery");
+  EXPECT_TRUE(shown);
+  EXPECT_LT(time.elapsed(), 8000) << "instead of ten seconds and a half";
+  EXPECT_EQ(Status(), CompletedText(4)) << "it had come";
+  app->Registry.DocumentStates[1].Changed = false;
+  ExpectPortFree();
 }

@@ -1,6 +1,7 @@
 // The application with a simulated unit, a process of its own, at the other end of its port.
 #pragma once
 
+#include <QElapsedTimer>
 #include <optional>
 
 #include "app/frm_in_progress.h"

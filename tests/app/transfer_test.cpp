@@ -255,13 +255,39 @@ TEST_F(Appending, IsTruncatedAt200Records) {
   Start({TableFile("mine.sig", NumberedRows(60, 151))});
   AnswerOptions(Choice::Append);
   AnswerMessage();
+  AnswerMessage(QMessageBox::Ok);
   Choose("mnuToolsUpload");
+  EXPECT_EQ(messages.back().Text, "10 records find no room in the unit. Upload the first 200 all the same?");
+  messages.pop_back();
   EXPECT_EQ(messages.back(), (Message{"Table Merge",
                                       "There were too many records to merge tables.\n"
                                       "The Merged table has been truncated at 200 records.",
                                       QMessageBox::Information}));
   EXPECT_EQ(Status(), CompletedText(200));
   EXPECT_EQ(UnitsTable().Count, 200);
+  app->Registry.DocumentStates[1].Changed = false;
+}
+
+TEST_F(Appending, ThatWouldDropRowsSendsNothingUnlessTheUserSaysSo) {
+  StartUnit(NumberedRows(150));
+  Start({TableFile("mine.sig", NumberedRows(51, 151))});
+  AnswerOptions(Choice::Append);
+  AnswerMessage();
+  AnswerMessage(QMessageBox::Cancel);
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(messages.back().Text, "1 records find no room in the unit. Upload the first 200 all the same?");
+  EXPECT_EQ(Status(), CanceledText);
+  EXPECT_FALSE(UnitGotATable());
+  app->Registry.DocumentStates[1].Changed = false;
+}
+
+TEST_F(Appending, ThatFillsTheUnitExactlyLosesNothing) {
+  StartUnit(NumberedRows(199));
+  Start({TableFile("mine.sig", NumberedRows(1, 200))});
+  AnswerOptions(Choice::Append);
+  AnswerMessage();  // the merge's
+  Choose("mnuToolsUpload");
+  EXPECT_EQ(Status(), CompletedText(200));
   app->Registry.DocumentStates[1].Changed = false;
 }
 

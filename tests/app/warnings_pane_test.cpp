@@ -3,6 +3,8 @@
 
 #include <QAccessible>
 #include <QListWidget>
+#include <QRubberBand>
+#include <QScrollBar>
 #include <QTableWidget>
 
 #include "tests/app/app_fixture.h"
@@ -31,6 +33,78 @@ QString Five() {
   QStringList lines;
   for (const char* name : {"A", "B", "C", "D", "E"}) lines += QString("Warning:\t") + name + "\tDoubtful.";
   return lines.join("\r\n");
+}
+
+TEST_F(Pane, WidestLineCanBeScrolledTo) {
+  Start();
+  Frame().Warnings("short\r\nWarning:\tname\t" + QString(400, 'm') + "\r\n", -1);
+  auto& list = Get<QListWidget>("lstWarnings");
+  QCoreApplication::processEvents();
+  const int textWidth = list.fontMetrics().horizontalAdvance(QString(400, 'm'));
+  EXPECT_GT(list.horizontalScrollBar()->maximum() + list.viewport()->width(), textWidth);
+  Frame().Warnings("short\r\n", -1);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list.horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(Pane, FirstLineIsReachedByTheKeyForTheWarningsAndDown) {
+  Start();
+  Frame().Warnings("Warning:\ta\tone\r\nWarning:\tb\ttwo\r\n", -1);
+  Key(Qt::Key_F6);
+  Key(Qt::Key_Down);
+  EXPECT_EQ(StatusPanel2(), " 1 of 3 warnings.");
+  Key(Qt::Key_Down);
+  EXPECT_EQ(StatusPanel2(), " 2 of 3 warnings.");
+}
+
+TEST_F(Pane, KeyForTheWarningsKeepsTheFocusWhereThePaneIsHidden) {
+  Start();
+  Choose("mnuViewWarnings");
+  QWidget* former = QApplication::focusWidget();
+  ASSERT_NE(former, nullptr);
+  Key(Qt::Key_F6);
+  EXPECT_EQ(QApplication::focusWidget(), former);
+}
+
+TEST_F(Pane, IsNeverMoreThanAThirdOfAFrameThatShrinks) {
+  Start();
+  auto& holder = Get<QWidget>("WarningHolder");
+  Frame().resize(900, 900);
+  QCoreApplication::processEvents();
+  Frame().DropOnFrame("lblSplitter", -1000);
+  ASSERT_EQ(holder.height(), qRound(Frame().frameGeometry().height() / 3.0));
+  for (const int height : {700, 500, 400}) {
+    Frame().resize(900, height);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(holder.height(), qRound(Frame().frameGeometry().height() / 3.0)) << height;
+  }
+  const int lowest = holder.height();
+  Frame().resize(900, 900);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(holder.height(), lowest) << "it does not grow by itself";
+}
+
+TEST_F(Pane, SplitterShowsWhereItWouldDrop) {
+  Start();
+  auto& splitter = Get<QWidget>("lblSplitter");
+  auto& line = Get<QRubberBand>("dropLine");
+  auto& holder = Get<QWidget>("WarningHolder");
+  const auto drag = [&](QEvent::Type type, int up) {
+    const QPointF at(Frame().width() + 5, -up);
+    QMouseEvent event(type, at, splitter.mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&splitter, &event);
+  };
+  drag(QEvent::MouseButtonPress, 0);
+  for (const int up : {20, 5000, 40}) {
+    drag(QEvent::MouseMove, up);
+    ASSERT_TRUE(line.isVisible());
+  }
+  const int shown = line.mapToGlobal(QPoint(0, 0)).y();
+  drag(QEvent::MouseButtonRelease, 40);
+  EXPECT_FALSE(line.isVisible());
+  QCoreApplication::processEvents();
+  EXPECT_NEAR(holder.mapToGlobal(QPoint(0, 0)).y(), shown, 4);
 }
 
 }  // namespace

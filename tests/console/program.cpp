@@ -13,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <future>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -158,6 +159,8 @@ ProgramRun RunProgram(std::vector<std::string> command, const RunOptions& option
   output.Program.Close();
   errors.Program.Close();
   if (!options.OutputTo.empty()) output.Test.Close();
+  std::future<void> meanwhile;
+  if (options.Meanwhile) meanwhile = std::async(std::launch::async, options.Meanwhile, process);
   ReadUntil(start + options.Longest, output.Test, run.Output, errors.Test, run.Errors);
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(start + options.Longest - Clock::now());
   std::optional<int> status = ExitStatusOf(process, std::max(left, 0ms));

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,7 @@ struct RunOptions {
   TerminalAt Terminal = TerminalAt::Nowhere;
   bool Unprivileged = false;                    ///< without root's rights; see WhyNotUnprivileged
   std::chrono::milliseconds Longest = 60000ms;  ///< the program is killed after it
+  std::function<void(pid_t)> Meanwhile{};       ///< runs beside the program, and is waited for
 };
 
 struct ProgramRun {

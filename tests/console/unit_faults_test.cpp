@@ -26,15 +26,14 @@ struct FaultCase {
 };
 
 constexpr const char* NoAnswer =
-    "chanplan: no unit answered on PORT within 10 s: check that it is switched on and that the cable sits\n";
+    "chanplan: PORT: no unit answered within 10 s: check that it is switched on and that the cable sits\n";
 constexpr const char* SilentLater = "chanplan: Error establishing communication with Handheld Product!\n";
 constexpr const char* NotWhole =
     "chanplan: the unit's table did not arrive whole within 30 s: check the cable and start again\n";
 constexpr const char* NotConfirmed =
     "chanplan: the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
     "again\n";
-constexpr const char* HungUp =
-    "chanplan: PORT stopped working \\([^()]+\\): was the cable pulled\\? Plug it in and start again\n";
+constexpr const char* HungUp = "chanplan: PORT stopped working: was the cable pulled\\? Plug it in and start again\n";
 
 std::string WithPort(std::string text, const std::string& port) {
   if (const std::size_t place = text.find("PORT"); place != std::string::npos) text.replace(place, 4, port);
@@ -174,6 +173,59 @@ TEST(UnitFault, ThatOnlyDelaysStillLeadsToTheEnd) {
       EXPECT_EQ(ReadFile(unit.Command().Folder / "out.sig"), SigText(NumberedRows(2, 3)));
     }
   });
+}
+
+// At the speed of a real line, one program right behind the other. Behind a stale echo, a tag with a low
+// byte of 0 makes the table look empty.
+TEST(UnitFault, ThatDelaysEchoesOnARealLineCostsNoTable) {
+  std::vector<std::future<void>> running;
+  for (const char* const fault : {"slow", "late-echo"})
+    running.push_back(std::async(std::launch::async, [fault] {
+      SCOPED_TRACE(fault);
+      const Chanplan chanplan;
+      WriteFile(chanplan.Folder / "unit.sig", SigText(NumberedRows(2, 3)));
+      WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(1)));
+      const RunningSimulator unit({"--fault", fault, "--tag", "256", "--table", chanplan.Folder / "unit.sig", "--save",
+                                   chanplan.Folder / "held.sig"});
+      for (int round = 0; round < 2; ++round) {
+        const ProgramRun run = chanplan.Run({"download", unit.Link(), "out.sig"});
+        EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
+        EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(2, 3)));
+      }
+      const ProgramRun run = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
+      EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
+      std::vector<std::string> merged = NumberedRows(2, 3);
+      merged.push_back(NumberedRows(1).front());
+      EXPECT_EQ(ReadFile(chanplan.Folder / "held.sig"), SigText(merged));
+    }));
+  for (std::future<void>& each : running) each.get();
+}
+
+TEST(UnitFault, ThatSendsMoreRecordsThanATableHoldsIsNamed) {
+  FaultyUnit many({"too-many",
+                   {},
+                   {"download", "PORT", "out.sig"},
+                   "chanplan: The unit announces more than 200 records, which no table can hold\n"});
+  many.ExpectCleanFailure(many.Run());
+}
+
+TEST(UnitFault, ThatSwitchesTheUnitOffInAnUploadFailsIt) {
+  FaultyUnit unit({"off-in-upload", {}, {"upload", "PORT", "table.sig"}, NotConfirmed});
+  unit.ExpectCleanFailure(unit.Run());
+}
+
+TEST(UnitFault, ThatSendsEveryByteBackIsNoUnitToTalkTo) {
+  FaultyUnit unit(
+      {"echo", {}, {"download", "PORT", "out.sig"}, "chanplan: the unit [^\n]+ is not compatible: [^\n]+\n"});
+  unit.ExpectCleanFailure(unit.Run());
+}
+
+TEST(UnitFault, ThatCutsTheIdentityIsSaidWithWhatCame) {
+  FaultyUnit unit({"drop-every-nth-byte",
+                   {"--nth", "14"},
+                   {"identify", "PORT"},
+                   "chanplan: PORT: incomplete answer, 12 of 13 bytes: check that the cable sits\n"});
+  unit.ExpectCleanFailure(unit.Run());
 }
 
 TEST(UnitFault, ThatFollowsTheIdentificationLetsTheUnitBeIdentified) {

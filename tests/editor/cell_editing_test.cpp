@@ -136,6 +136,18 @@ TEST_F(CellEditing, MovingOntoACountOrAChoiceOpensIt) {
   EXPECT_FALSE(document.State->Changed);
 }
 
+TEST_F(CellEditing, ClickOpensACountOrAChoiceWhereTheCursorIsAlready) {
+  const Document document = Open(Standards(1));
+  for (const int row : {int{SubbandsRow}, int{DisplayModeRow}, int{ModulationRow}}) {
+    document.Click(document.Details, row);
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(NothingOpen(document));
+    document.Click(document.Details, row);
+    EXPECT_FALSE(NothingOpen(document)) << row;
+    Press(Qt::Key_Escape);
+  }
+}
+
 struct RulesCase {
   bool OnBands;
   int Row;

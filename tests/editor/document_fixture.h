@@ -140,6 +140,11 @@ struct Document {
 class DocumentTest : public ::testing::Test {
  protected:
   DocumentTest() : mdi(new QMdiArea) {
+    // As the frame does: an edit ends where another document becomes the active one.
+    QObject::connect(mdi, &QMdiArea::subWindowActivated, mdi, [this](QMdiSubWindow* activated) {
+      for (QMdiSubWindow* other : mdi->subWindowList())
+        if (activated != nullptr && other != activated) qobject_cast<DocumentWindow*>(other)->CommitEdit();
+    });
     window.setCentralWidget(mdi);
     window.resize(1400, 1000);
     window.show();

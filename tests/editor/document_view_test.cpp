@@ -1,8 +1,11 @@
 // The three grids: what they show, how they follow the selection, and where they stand.
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include "tests/editor/document_fixture.h"
 
@@ -472,6 +475,66 @@ TEST_F(DocumentLayout, NothingMovesInAMinimisedWindow) {
   EXPECT_EQ(document.List->geometry(), list);
   EXPECT_EQ(document.Details->geometry(), details);
   EXPECT_EQ(document.Bands->geometry(), bands);
+}
+
+TEST_F(DocumentView, ExactValuesAreTheToolTipsOfRoundedOnes) {
+  const Document document = Open({{"2", 1, "A", 890.20004, 935.2, 1, 2, 0.00005, 0.00625, 1}, Band(1.00001, 2, 3, 4)});
+  const auto tip = [](const Grid* grid, int row, int column) { return grid->item(row, column)->toolTip(); };
+  EXPECT_EQ(tip(document.Details, UplinkRow, 1), "890.20004");
+  EXPECT_EQ(tip(document.Details, DownlinkRow, 1), "");
+  EXPECT_EQ(tip(document.Details, BandwidthRow, 1), "5E-05");
+  EXPECT_EQ(tip(document.Details, SpacingRow, 1), "0.00625");
+  EXPECT_EQ(tip(document.Details, NameRow, 1), "");
+  EXPECT_EQ(tip(document.Bands, 0, UplinkColumn), "1.00001");
+  EXPECT_EQ(tip(document.Bands, 0, DownlinkColumn), "");
+}
+
+TEST_F(DocumentView, ScreenReadersHearWhatTheListsAreAbout) {
+  const Document document = Open(Standards(1));
+  for (const auto& [list, label] :
+       {std::pair{document.Selected, "Active Display Mode"}, std::pair{document.Modulation, "Modulation Type"}}) {
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(list);
+    QStringList labels;
+    for (const auto& [other, relation] : spoken->relations(QAccessible::Label))
+      labels += other->text(QAccessible::Name);
+    EXPECT_EQ(labels, QStringList(label));
+  }
+}
+
+TEST_F(DocumentView, IndexBehindTheListIsNotReadOut) {
+  const Document document = Open(Standards(3));
+  QAccessibleInterface* list = QAccessible::queryAccessibleInterface(document.List);
+  for (int row = 0; row < 3; ++row)
+    EXPECT_EQ(list->tableInterface()->cellAt(row, 2)->text(QAccessible::Name).trimmed(), "") << row;
+}
+
+TEST_F(DocumentLayout, BarOfANarrowDocumentLeavesTheLastValueInSight) {
+  const Document document = Open(Group("A", 1));
+  for (const int width : {400, 500, 600, 900, 1300}) {
+    document.Window->resize(width, 700);
+    QCoreApplication::processEvents();
+    const QRect last = document.Details->visualItemRect(document.Details->item(StepRow, 1));
+    EXPECT_LE(last.bottom(), document.Details->viewport()->rect().bottom()) << width;
+  }
+}
+
+TEST_F(DocumentLayout, TitleBarKeepsTheEndOfALongCaptionAndTellsAllOfIt) {
+  const Document document = OpenEmpty("/a/" + QString(200, 'f') + "/plan.sig");
+  const auto titleBar = [&] {
+    document.Window->resize(600, 400);
+    return document.Window->grab(QRect(0, 0, 600, document.Window->widget()->y())).toImage();
+  };
+  const QImage former = titleBar();
+  document.Window->setWindowTitle("/a/" + QString(200, 'f') + "/plan.sug");
+  EXPECT_NE(titleBar(), former) << "the end is seen";
+  document.Window->setWindowTitle("/c/" + QString(200, 'f') + "/plan.sig");
+  EXPECT_EQ(titleBar(), former) << "the beginning is not";
+  QHelpEvent help(QEvent::ToolTip, QPoint(100, 5), document.Window->mapToGlobal(QPoint(100, 5)));
+  QApplication::sendEvent(document.Window, &help);
+  QTextDocument text;
+  text.setHtml(QToolTip::text());
+  EXPECT_EQ(text.toPlainText(), document.Window->windowTitle());
+  QToolTip::hideText();
 }
 
 }  // namespace

@@ -1,3 +1,7 @@
+#include <QHelpEvent>
+#include <QTextDocument>
+#include <QToolTip>
+
 #include "tests/editor/document_fixture.h"
 
 namespace chanplan::testing {
@@ -94,6 +98,72 @@ TEST_F(GridTest, NewRowsAreAsHighAsAsked) {
   EXPECT_EQ(grid->rowHeight(2), 20);
   EXPECT_EQ(grid->rowHeight(3), 33);
   EXPECT_EQ(grid->rowHeight(4), 33);
+}
+
+TEST_F(GridTest, CtrlAndClicksBesideTheRowsLeaveTheCurrentCellSelected) {
+  for (const auto behavior : {QAbstractItemView::SelectItems, QAbstractItemView::SelectRows}) {
+    grid->setSelectionBehavior(behavior);
+    grid->setSelectionMode(behavior == QAbstractItemView::SelectRows ? QAbstractItemView::ContiguousSelection
+                                                                     : QAbstractItemView::SingleSelection);
+    grid->SetCurrent(1, 1);
+    const auto click = [&](const QPoint& at, Qt::KeyboardModifiers held) {
+      QTest::mouseClick(grid->viewport(), Qt::LeftButton, held, at);
+      EXPECT_TRUE(grid->selectionModel()->isSelected(grid->currentIndex()));
+    };
+    click(grid->visualItemRect(grid->item(1, 1)).center(), Qt::ControlModifier);
+    EXPECT_EQ(Current(), std::pair(1, 1));
+    click(grid->viewport()->rect().bottomRight() - QPoint(2, 2), Qt::NoModifier);
+    EXPECT_EQ(Current(), std::pair(1, 1));
+    click(grid->visualItemRect(grid->item(2, 1)).center(), Qt::ControlModifier);
+    EXPECT_EQ(Current(), std::pair(2, 1));
+  }
+}
+
+TEST_F(GridTest, LettersAndHomeAndEndFindRowsWhereRowsAreSelected) {
+  grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+  for (int row = 0; row < 3; ++row) grid->FillCell(row, 1, QStringList({"GSM 900", "CDMA", "UMTS"})[row]);
+  grid->SetCurrent(0, 1);
+  Type("u");
+  EXPECT_EQ(Current(), std::pair(2, 1));
+  Press(Qt::Key_Home);
+  EXPECT_EQ(Current(), std::pair(0, 1));
+  Press(Qt::Key_End);
+  EXPECT_EQ(Current(), std::pair(2, 1));
+  EXPECT_EQ(grid->selectedRanges().size(), 1);
+  EXPECT_EQ(grid->selectedRanges().front().topRow(), 2);
+}
+
+// Of a rounded value the exact one is shown, of a text that does not fit all of it, as it stands.
+TEST_F(GridTest, ToolTipsTellWhatACellCannot) {
+  grid->setColumnWidth(1, 60);
+  grid->FillCell(0, 1, "0.0063", "", "0.00625");
+  grid->FillCell(1, 1, "<b>a name that is far too long</b>");
+  grid->FillCell(2, 1, "short");
+  const auto toolTipAt = [&](int row) {
+    const QPoint at = grid->visualItemRect(grid->item(row, 1)).center();
+    QHelpEvent help(QEvent::ToolTip, at, grid->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(grid->viewport(), &help);
+    QTextDocument text;
+    text.setHtml(QToolTip::text());
+    return text.toPlainText();
+  };
+  EXPECT_EQ(toolTipAt(0), "0.00625");
+  EXPECT_EQ(toolTipAt(1), "<b>a name that is far too long</b>");
+  QToolTip::hideText();
+  ASSERT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+  EXPECT_EQ(toolTipAt(2), "");
+}
+
+TEST_F(GridTest, EmptyGridShowsThatItHasTheFocus) {
+  QLineEdit other(&window);
+  other.show();
+  grid->SetRows(0, 20);
+  const auto picture = [&](QWidget& focused) {
+    focused.setFocus();
+    QCoreApplication::processEvents();
+    return grid->viewport()->grab().toImage();
+  };
+  EXPECT_NE(picture(*grid), picture(other));
 }
 
 }  // namespace

@@ -305,6 +305,52 @@ TEST(UnitThatHangsUp, DoesSoInTheMiddleOfAnUpload) {
   EXPECT_EQ(unit.Table(), SmallTable());
 }
 
+TEST(UnitWithLateEchoes, KeepsThemForLater) {
+  Unit unit = UnitWithSmallTable(Fault::LateEcho);
+  EXPECT_EQ(unit.Receive(Sync + "E"), Bytes({0, 0}) + "QX4471C3.00") << "which overtakes the echo";
+  EXPECT_EQ(unit.TakeLateEchoes(), Sync);
+  EXPECT_EQ(unit.TakeLateEchoes(), "") << "once";
+  EXPECT_EQ(UnitWithSmallTable().TakeLateEchoes(), "");
+}
+
+TEST(UnitThatEchoes, SendsEveryByteBackBeforeItsAnswer) {
+  Unit unit = UnitWithSmallTable(Fault::Echo);
+  EXPECT_EQ(unit.Receive("E"), "E" + Bytes({0, 0}) + "QX4471C3.00");
+  EXPECT_EQ(unit.Receive("N" + UploadedTable(1)), "N" + UploadedTable(1));
+  EXPECT_EQ(unit.Uploads(), 1);
+}
+
+TEST(UnitThatIsSwitchedOff, KeepsItsTableAndAnswersNothingAnyMore) {
+  Unit unit = UnitWithSmallTable(Fault::OffInUpload);
+  EXPECT_EQ(unit.Receive("E").size(), 13u);
+  EXPECT_EQ(unit.Receive("N" + UploadedTable(3) + Sync + "E"), "");
+  EXPECT_EQ(unit.Uploads(), 0);
+  EXPECT_EQ(unit.Table(), SmallTable());
+}
+
+TEST(UnitWithTooManyRecords, SendsAllThatItAnnounces) {
+  Unit unit = UnitWithSmallTable(Fault::TooMany);
+  const std::string reply = unit.Receive("O");
+  EXPECT_TRUE(reply.starts_with(TableHeader(100, 201) + SmallRecords));
+  EXPECT_EQ(reply.size(), 4u + 201 * 48);
+}
+
+TEST(SimulatedUnit, MisbehavesFromTheNthCommandOn) {
+  Unit unit({.Table = SmallTable(), .Misbehaviour = Fault::Silent, .FaultFrom = 4});
+  EXPECT_EQ(unit.Receive("E").size(), 13u);
+  EXPECT_EQ(unit.Receive("N" + UploadedTable(1)), "");
+  EXPECT_EQ(unit.Receive(Sync), Sync) << "a table's bytes are no commands";
+  EXPECT_EQ(unit.Receive("E"), "");
+  Unit losing({.Table = {}, .Misbehaviour = Fault::DropEveryNthByte, .FaultFrom = 2, .DropInterval = 1});
+  EXPECT_EQ(losing.Receive("E").size(), 13u);
+  EXPECT_EQ(losing.Receive("E"), "");
+}
+
+TEST(SimulatedUnit, GivesTheTableOfItsStartTheTagItIsTold) {
+  Unit unit({.Table = SmallTable(), .Tag = 0x0100});
+  EXPECT_EQ(unit.Receive("O"), TableHeader(0x0100, 2) + SmallRecords);
+}
+
 TEST(FaultNames, NameEveryFaultOnce) {
   EXPECT_EQ(FaultNames.size(), static_cast<std::size_t>(Fault::HangUp) + 1);
   for (std::size_t index = 0; index < FaultNames.size(); ++index)

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "simulator/simulated_unit.h"
 #include "tests/console/program.h"
 #include "tests/console/sig_text.h"
 
@@ -23,7 +26,8 @@ ProgramRun RunSimulator(Arguments arguments, const TempFolder& folder) {
 TEST(SimulatorProgram, RemovesItsLinkWhenItIsEnded) {
   RunningSimulator simulator;
   ASSERT_TRUE(fs::is_symlink(simulator.Link()));
-  EXPECT_EQ(simulator.Output(), "unit ready on " + simulator.Device() + "\n");
+  EXPECT_TRUE(simulator.WaitForOutput("an empty table\n"));
+  EXPECT_EQ(simulator.Output(), "unit ready on " + simulator.Device() + "\nholds an empty table\n");
   EXPECT_EQ(simulator.Stop(), 0);
   EXPECT_FALSE(fs::is_symlink(simulator.Link()));
 }
@@ -36,6 +40,15 @@ struct WrongOptions {
 TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
   const std::array cases = {
       WrongOptions{{"--fault", "bad-mood"}, "--fault: "},
+      WrongOptions{{"--fault", "slow@0"}, "--fault: "},
+      WrongOptions{{"--fault", "slow@x"}, "--fault: "},
+      WrongOptions{{"--fault", "slow@"}, "--fault: "},
+      WrongOptions{{"--fault", "@2"}, "--fault: "},
+      WrongOptions{{"--model", "LONGMODEL"}, "--model: \"LONGMODEL\" is longer than 7 characters"},
+      WrongOptions{{"--firmware", "12.34"}, "--firmware: "},
+      WrongOptions{{"--tag", "65536"}, "Could not convert: --tag"},
+      WrongOptions{{"--nth", "2"}, "--nth: is for the fault drop-every-nth-byte"},
+      WrongOptions{{"--nth", "2", "--fault", "slow"}, "--nth: "},
       WrongOptions{{"--nth", "0"}, "--nth: "},
       WrongOptions{{"--nth", "often"}, "--nth: "},
       WrongOptions{{"--baud", "-1"}, "--baud: "},
@@ -61,12 +74,52 @@ TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
   EXPECT_EQ(ReadFile(folder / "short.sig"), "header\n2\t0\n");
 }
 
-TEST(SimulatorProgram, NamesItsFaultsInItsHelp) {
+TEST(SimulatorProgram, TellsItsFaultsInItsHelp) {
   const ProgramRun run = RunSimulator({"--help"}, TempFolder());
-  for (const char* const fault : {"silent", "silent-after-identify", "truncate-reply", "garbage", "wrong-count",
-                                  "drop-every-nth-byte", "slow", "hang-up"})
-    EXPECT_NE(run.Output.find(fault), std::string::npos) << fault;
+  for (const FaultName& fault : FaultNames) {
+    const std::size_t line = run.Output.find("\n  " + std::string(fault.Name) + "  ");
+    ASSERT_NE(line, std::string::npos) << fault.Name;
+    EXPECT_NE(run.Output.substr(line, run.Output.find('\n', line + 1) - line).find(fault.Words), std::string::npos);
+  }
   EXPECT_EQ(run.ExitStatus, 0);
+}
+
+TEST(SimulatorProgram, TellsTheTableThatItHolds) {
+  const TempFolder folder;
+  WriteFile(folder / "small.sig", SigText(NumberedRows(3)));
+  WriteFile(folder / "large.sig", SigText(NumberedRows(201)));
+  for (const auto& [file, told] :
+       {std::pair{"small.sig", "\nholds 3 records of "}, {"large.sig", "\nholds the first 200 records of "}}) {
+    const RunningSimulator simulator({"--table", folder / file});
+    EXPECT_TRUE(simulator.WaitForOutput(told)) << simulator.Output();
+    EXPECT_EQ(simulator.Output().find("which has more") != std::string::npos, file == std::string("large.sig"));
+  }
+}
+
+// A line of the trace without its time.
+std::string WithoutTime(const std::string& line) {
+  static const std::regex form(R"( *\d+\.\d{3}  (.*))");
+  std::smatch match;
+  return std::regex_match(line, match, form) ? match[1].str() : "no time: " + line;
+}
+
+TEST(SimulatorProgram, TracesBothDirectionsWithTheirTimes) {
+  RunningSimulator simulator({"--trace"});
+  ASSERT_EQ(Chanplan().Run({"identify", simulator.Link()}).ExitStatus, 0);
+  simulator.Stop();
+  std::istringstream output(simulator.Output());
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(output, line);) lines.push_back(lines.size() < 2 ? line : WithoutTime(line));
+  lines.erase(lines.begin(), lines.begin() + 2);
+  EXPECT_EQ(lines, (std::vector<std::string>{
+                       "received 45  |E|",
+                       "identifies itself as QX4471C with firmware 3.00",
+                       "sent 00 00 51 58 34 34 37 31 43 33 2E 30 30  |..QX4471C3.00|",
+                       "received FF  |.|",
+                       "echoes the sync byte",
+                       "sent FF  |.|",
+                       "hangs up",
+                   }));
 }
 
 TEST(SimulatorProgram, SendsNoFasterThanItsLine) {

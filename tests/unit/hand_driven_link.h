@@ -81,6 +81,7 @@ class FakePort : public PortObject {
   std::intptr_t HandleWhenOpen = 77;
   std::size_t BreaksAfterBytes = std::string::npos;                     ///< as soon as so many were sent
   std::chrono::nanoseconds BreaksAt = std::chrono::nanoseconds::max();  ///< by the clock
+  bool KeepsInputWhileClosed = false;                                   ///< as pseudo-terminals do
   void Arrive(const std::string& bytes, std::chrono::nanoseconds delay = {}) {
     incoming.emplace(clock.Time + delay, bytes);
   }
@@ -102,7 +103,7 @@ class FakePort : public PortObject {
   void Close() override {
     Call("close");
     open = false;
-    incoming.clear();
+    if (!KeepsInputWhileClosed) incoming.clear();
   }
   bool IsOpen() const override { return open; }
   std::size_t BytesWaiting() override {

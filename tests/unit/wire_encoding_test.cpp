@@ -299,6 +299,7 @@ TEST(WireMisfit, NamesRowAndFieldOfAValueThatDoesNotFit) {
     SCOPED_TRACE(misfit.Description);
     SignalStandardTable table;
     table.Append(FullRecord);
+    table.Row(0).Subbands = 0;
     table.Append({"1", 0, "CDMA 800", 825, 870, 1, 799, 1.23, 0.03, 1});
     EXPECT_EQ(MisfitOf(table), "");
     misfit.Set(table.Row(1));
@@ -379,13 +380,27 @@ constexpr LossCase LossCases[] = {
      [](SignalStandardRecord& record) { record.DownlinkStartFreq = 5000; }},
     {"bandwidth too wide", Field::Bandwidth, [](SignalStandardRecord& record) { record.Bandwidth = 4294.967296; }},
     {"spacing too wide", Field::Spacing, [](SignalStandardRecord& record) { record.Spacing = 1e300; }},
+    {"a name with an escape", Field::Name, [](SignalStandardRecord& record) { record.Name = "A\x1B"; }},
+    {"a fraction of a hertz", Field::Spacing, [](SignalStandardRecord& record) { record.Spacing = 0.0300005; }},
+    {"less than a hertz", Field::Bandwidth, [](SignalStandardRecord& record) { record.Bandwidth = 1e-7; }},
 };
+
+// What a unit sends back for them is the standard's name.
+TEST(WireLosses, AreNoneInTheNamesOfSubbands) {
+  SignalStandardTable table;
+  table.Append({"1", 1, "exactly 24 characters it", 1, 1, 1, 1, 1, 1, 1});
+  table.Append({"0", 0, "exactly 24 characters it(A)", 1, 1, 1, 1, 1, 1, 1});
+  EXPECT_EQ(WireLosses(table), Lines{});
+  table.Append({"0", 0, "exactly 24 characters it(B)", 1, 1, 1, 1, 1, 1, 1});
+  EXPECT_EQ(WireLosses(table).size(), 1u) << "beyond the standard's sub-bands";
+}
 
 TEST(WireLosses, NameRowAndFieldOfWhatTheUnitGetsInAnotherForm) {
   for (const LossCase& loss : LossCases) {
     SCOPED_TRACE(loss.Description);
     SignalStandardTable table;
     table.Append(FullRecord);
+    table.Row(0).Subbands = 0;
     table.Append({"1", 0, "CDMA 800", 825, 870, 1, 799, 1.23, 0.03, 1});
     loss.Set(table.Row(1));
     const Lines lines = WireLosses(table);

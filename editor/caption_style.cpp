@@ -1,0 +1,40 @@
+#include "editor/caption_style.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QProxyStyle>
+#include <QStyleOptionTitleBar>
+
+namespace chanplan {
+namespace {
+
+class CaptionStyle : public QProxyStyle {
+ public:
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override {
+    const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+    if (control != CC_TitleBar || bar == nullptr || widget == nullptr)
+      return QProxyStyle::drawComplexControl(control, option, painter, widget);
+    QStyleOptionTitleBar elided = *bar;
+    const int room = subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width();
+    elided.text = bar->fontMetrics.elidedText(widget->windowTitle(), Qt::ElideLeft, room);
+    QProxyStyle::drawComplexControl(control, &elided, painter, widget);
+  }
+};
+
+}  // namespace
+
+void UseCaptionStyle(QMdiSubWindow& window) {
+  static QPointer<CaptionStyle> style;  // one for all, as long as the application
+  if (style == nullptr) {
+    style = new CaptionStyle;
+    style->setParent(QApplication::instance());
+  }
+  window.setStyle(style);
+}
+
+bool OnTitleBar(const QMdiSubWindow& window, const QPoint& position) {
+  return window.widget() != nullptr && position.y() < window.widget()->y();
+}
+
+}  // namespace chanplan
