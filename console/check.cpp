@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "console/command.h"
+#include "core/text_encoding.h"
 #include "core/validation.h"
 
 namespace chanplan {

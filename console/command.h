@@ -45,10 +45,6 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
 /// Throws CommandFailure when `error` is one: what writing `file` came to.
 void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
 
-/// `text` (UTF-8) with "?" in place of control characters but line ends and TABs: what a file or a unit
-/// holds must not move the cursor.
-std::string HarmlessText(std::string text);
-
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);
 

@@ -3,6 +3,7 @@
 #include "console/command.h"
 #include "core/sig_file.h"
 #include "core/table_properties.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 
