@@ -126,7 +126,10 @@ void frmMain::BuildClientArea() {
 
 void frmMain::Warnings(const QString& WarningText, qint16 SelIndex) { lstWarnings->Fill(WarningText, SelIndex); }
 
-void frmMain::ShowStatus(const QString& text) { sbStatusBarPanel1->setText(text); }
+// A line: what is quoted may have more, which would push everything else out of the frame.
+void frmMain::ShowStatus(const QString& text) {
+  sbStatusBarPanel1->setText(QString(text).replace('\n', ' ').remove('\r'));
+}
 
 QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& fileType) {
   return chanplan::PromptSaveFileName(*this, app.Recent, proposedName, fileType);

@@ -90,17 +90,6 @@ std::string CaptionOf(const std::filesystem::path& file) {
 
 void Note(const std::string& text) { std::cerr << "chanplan: " << HarmlessText(text) << std::endl; }
 
-std::string HarmlessText(std::string text) {
-  for (std::size_t index = 0; index < text.size(); ++index) {
-    const auto code = static_cast<unsigned char>(text[index]);
-    const bool isUpperControl =
-        code == 0xC2 && index + 1 < text.size() && static_cast<unsigned char>(text[index + 1]) < 0xA0;
-    if (isUpperControl) text.erase(index, 1);
-    if (isUpperControl || code == 127 || (code < 32 && code != '\n' && code != '\t')) text[index] = '?';
-  }
-  return text;
-}
-
 std::string PrintedText(std::string_view bytes) {
   std::string text = HarmlessText(Utf8FromWindows1252(bytes));
   std::ranges::replace_if(

@@ -70,10 +70,6 @@ void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::pa
 /// The caption of a document with the table in `file`.
 std::string CaptionOf(const std::filesystem::path& file);
 
-/// `text` (UTF-8) with "?" in place of control characters but line ends and TABs: what a file or a unit
-/// holds must not move the cursor.
-std::string HarmlessText(std::string text);
-
 /// Writes a line of remark to standard error.
 void Note(const std::string& text);
 

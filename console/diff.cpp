@@ -2,6 +2,7 @@
 
 #include "console/command.h"
 #include "core/table_difference.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 

@@ -82,4 +82,15 @@ void AppendUtf8(std::string& text, char32_t code) {
     text.append({static_cast<char>(0xF0 | (code >> 18)), continuation(12), continuation(6), continuation(0)});
 }
 
+std::string HarmlessText(std::string text) {
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const auto code = static_cast<unsigned char>(text[index]);
+    const bool isUpperControl =
+        code == 0xC2 && index + 1 < text.size() && static_cast<unsigned char>(text[index + 1]) < 0xA0;
+    if (isUpperControl) text.erase(index, 1);
+    if (isUpperControl || code == 127 || (code < 32 && code != '\n' && code != '\t')) text[index] = '?';
+  }
+  return text;
+}
+
 }  // namespace chanplan

@@ -16,6 +16,10 @@ std::string Utf8FromWindows1252(std::string_view bytes);
 /// and for a byte that is not part of valid UTF-8, such as a file's name may have.
 std::string Windows1252FromUtf8(std::string_view text);
 
+/// `text` (UTF-8) with "?" in place of control characters but line ends and TABs: what a file or a unit
+/// holds must not move the cursor.
+std::string HarmlessText(std::string text);
+
 /// The characters of UTF-8; U+FFFD for a byte that is not part of valid UTF-8.
 std::u32string Utf32FromUtf8(std::string_view text);
 

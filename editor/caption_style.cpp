@@ -1,6 +1,7 @@
 #include "editor/caption_style.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPointer>
 #include <QProxyStyle>
 #include <QStyleOptionTitleBar>
@@ -16,8 +17,11 @@ class CaptionStyle : public QProxyStyle {
     if (control != CC_TitleBar || bar == nullptr || widget == nullptr)
       return QProxyStyle::drawComplexControl(control, option, painter, widget);
     QStyleOptionTitleBar elided = *bar;
-    const int room = subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width();
-    elided.text = bar->fontMetrics.elidedText(widget->windowTitle(), Qt::ElideLeft, room);
+    // Styles leave some of the label free, and would cut the end off for that.
+    const QFontMetrics letters(painter->font());
+    const int room =
+        subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width() - 4 * letters.averageCharWidth();
+    elided.text = letters.elidedText(widget->windowTitle(), Qt::ElideLeft, room);
     QProxyStyle::drawComplexControl(control, &elided, painter, widget);
   }
 };

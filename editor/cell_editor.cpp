@@ -17,7 +17,7 @@ CellEditor::CellEditor(QWidget& shownIn)
       cmboModType(new QComboBox(&shownIn)),
       area(shownIn) {
   txtEntry->setObjectName("txtEntry");
-  txtEntry->resize(0, txtEntry->fontMetrics().height() + 4);
+  txtEntry->resize(0, txtEntry->fontMetrics().height() + 6);
   cmboSelected->setObjectName("cmboSelected");
   cmboSelected->addItems({"Standby", "Now active"});
   cmboSelected->setAccessibleName(DetailRows[DisplayModeRow].Title);

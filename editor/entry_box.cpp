@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
+#include <QPainter>
 #include <algorithm>
 #include <memory>
 
@@ -76,6 +77,15 @@ void EntryBox::TakeIn(const QString& given) {
   for (const QString& candidate : {given, given.trimmed()})
     if (filter->Accepts(candidate, besides)) return insert(candidate);
   emit Refused(given);
+}
+
+// The cell that is edited is the strongest mark, as the current one is otherwise.
+void EntryBox::paintEvent(QPaintEvent* event) {
+  QLineEdit::paintEvent(event);
+  if (!hasFocus()) return;
+  QPainter painter(this);
+  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+  painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }
 
 void EntryBox::keyPressEvent(QKeyEvent* event) {

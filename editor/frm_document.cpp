@@ -164,6 +164,10 @@ void frmDocument::ConnectGrids() {
       // In a window that was not the active one, an editor is left without losing the focus.
       if (editor.IsOpen()) CommitEdit();
       ActiveGrid = grid;
+      KeepInSight(*grid, grid->currentIndex());
+    });
+    connect(grid, &Grid::CurrentCellMoved, this, [this, grid] {
+      if (!SuppressListEvents) KeepInSight(*grid, grid->currentIndex());
     });
     connect(grid, &Grid::Tabbed, this, [this, grid](bool forwards) { MoveByTab(*grid, forwards); });
     connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, &editor, &CellEditor::Place);
@@ -225,6 +229,7 @@ void frmDocument::LayOut() {
   const int rows = GridDetails->rowCount() * GridDetails->rowHeight(0) + 2 * GridDetails->frameWidth();
   const bool scrolls = GridDetails->horizontalHeader()->length() > width - 2 * GridDetails->frameWidth();
   GridDetails->setGeometry(left, Margin, width, rows + (scrolls ? scrollBar : 0));
+  GridDetails->horizontalScrollBar()->setValue(GridDetails->horizontalScrollBar()->maximum());  // values before titles
 
   const int top = Margin + GridDetails->height() + Margin;
   const int height = area->height() - top - Margin;
@@ -312,6 +317,22 @@ void frmDocument::HighlightListRow() {
     cell->setFont(font);
   }
   GridList->setUpdatesEnabled(true);
+}
+
+// Of a document that is larger than the area a part may be out of sight, which the area moves.
+void frmDocument::KeepInSight(const Grid& grid, const QModelIndex& cell) {
+  if (mdiArea() == nullptr || !cell.isValid() || !isVisible()) return;
+  const QWidget& seen = *mdiArea()->viewport();
+  QRect place = grid.visualRect(cell) & grid.viewport()->rect();
+  place.moveTopLeft(grid.viewport()->mapTo(&seen, place.topLeft()));
+  const auto move = [](QScrollBar& bar, int before, int behind) {
+    if (behind > 0)
+      bar.setValue(bar.value() + behind);
+    else if (before < 0)
+      bar.setValue(bar.value() + before);
+  };
+  move(*mdiArea()->verticalScrollBar(), place.top(), place.bottom() + 1 - seen.height());
+  move(*mdiArea()->horizontalScrollBar(), place.left(), place.right() + 1 - seen.width());
 }
 
 void frmDocument::Refill(int currentRow) {

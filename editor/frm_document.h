@@ -78,6 +78,7 @@ class frmDocument : public DocumentWindow {
   void ShowDetails(const SignalStandardRecord& standard);
   void ShowBands(int index, int count);
   void HighlightListRow();
+  void KeepInSight(const Grid& grid, const QModelIndex& cell);
   void Refill(int currentRow);
   void RefillAfterEdit(int currentRow);
   void ListRowChanged();

@@ -82,6 +82,7 @@ void frmDocument::InsertBlank() {
   RefillAfterEdit(GridList->currentRow());
   const int added = GridList->rowCount() - 1;
   GridList->scrollToItem(GridList->item(added, 1));
+  KeepInSight(*GridList, GridList->model()->index(added, 1));
   frame.ShowStatus(GridList->CellText(added, 1) + " is number " + QString::number(added + 1) + " of the list.");
 }
 

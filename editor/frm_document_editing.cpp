@@ -23,7 +23,10 @@ void frmDocument::ConnectEditor() {
   });
   connect(&editor, &CellEditor::Left, this, &frmDocument::CommitEdit);
   connect(editor.txtEntry, &EntryBox::Refused, this, [this](const QString& text) {
-    frame.ShowStatus("\"" + text + "\" cannot stand in this cell, which stays as it is.");
+    constexpr int longest = 40;
+    const QString line = text.simplified();
+    const QString shown = line.size() > longest ? line.left(longest) + QChar(0x2026) : line;
+    frame.ShowStatus("\"" + shown + "\" cannot stand in this cell, which stays as it is.");
   });
 }
 

@@ -134,6 +134,13 @@ QModelIndex Grid::moveCursor(CursorAction action, Qt::KeyboardModifiers modifier
   return QTableWidget::moveCursor(action, modifiers);
 }
 
+// A title that was clicked, or gone to, is not what became current.
+void Grid::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
+  QTableWidget::setSelection(rect, command);
+  if (currentItem() != nullptr && !selectionModel()->isSelected(currentIndex()))
+    SetCurrent(currentRow(), currentColumn());
+}
+
 // What is current is selected: a click beside the rows, or one with Ctrl, does not change that.
 QItemSelectionModel::SelectionFlags Grid::selectionCommand(const QModelIndex& index, const QEvent* event) const {
   if (!index.isValid()) return QItemSelectionModel::NoUpdate;

@@ -51,6 +51,7 @@ class Grid : public QTableWidget {
   bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+  void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
   void initViewItemOption(QStyleOptionViewItem* option) const override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;

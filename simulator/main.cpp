@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/sig_file.h"
+#include "core/text_encoding.h"
 #include "simulator/pseudo_terminal.h"
 #include "simulator/simulated_unit.h"
 #include "unit/tracing_port.h"
@@ -60,7 +61,7 @@ class TraceLog {
 
  private:
   void Print(Clock::time_point time, const std::string& text) const {
-    if (visible) std::cout << SecondsText(time - start) << "  " << text << std::endl;
+    if (visible) std::cout << SecondsText(time - start) << "  " << HarmlessText(text) << std::endl;
   }
 
   bool visible;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/sig_file.h"
+#include "core/text_encoding.h"
 #include "unit/tracing_port.h"
 #include "unit/wire_encoding.h"
 
@@ -28,7 +29,7 @@ std::string Noise(std::size_t size) {
 std::string FieldsLine(const SignalStandardRecord& record) {
   std::string line;
   for (const std::string& field : FieldTexts(record)) line += line.empty() ? field : " | " + field;
-  return line;
+  return Utf8FromWindows1252(line);
 }
 
 }  // namespace
@@ -96,7 +97,7 @@ void SimulatedUnit::ReceiveCommand(char command, std::string& reply) {
   }
   switch (command) {
     case IdentifyCommand:
-      Trace("identifies itself as " + options.Model + " with firmware " + options.Firmware);
+      Trace("identifies itself as " + Utf8FromWindows1252(options.Model + " with firmware " + options.Firmware));
       identified = true;
       reply += IdentityReply();
       break;

@@ -68,7 +68,7 @@ class SimulatedUnit {
 
   using TraceWriter = std::function<void(const std::string& line)>;
 
-  /// `traceWriter` gets a line for everything that happens. Throws WireMisfit when the table does not fit.
+  /// `traceWriter` gets a line (UTF-8) for everything that happens. Throws WireMisfit when the table does not fit.
   SimulatedUnit(const SimulatedUnitOptions& unitOptions, TraceWriter traceWriter);
 
   /// Takes bytes from the line and returns the reply to them.

@@ -20,8 +20,6 @@ constexpr std::chrono::nanoseconds PollPause = 1ms;
 constexpr std::chrono::nanoseconds WakeUpMargin = 60us;
 // The rest of a full table, which a program that was killed had asked for, takes less.
 constexpr int LongestUnrestMs = 12000;
-// A unit that is heard at shorter intervals is not silent.
-constexpr std::chrono::nanoseconds Silence = 500ms;
 
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
@@ -66,7 +64,7 @@ bool UnitLink::CloseCommPort() {
   if (CommControl.IsOpen()) {
     const bool unitIsThere = line.UnitIsThere();
     if (SendSyncByte(CloseSyncTimeoutMs) == LinkTimeout && unitIsThere)
-      AwaitEcho(static_cast<int>(LatestAnswer.count()));
+      AwaitEcho(static_cast<int>(LatestAnswer.count()), LatestAnswer);
     CommControl.Close();
   }
   return true;
@@ -91,14 +89,16 @@ bool UnitLink::SendCommString(std::intptr_t handle, std::string_view text) {
 }
 
 LinkResult UnitLink::SendSyncByte(int timeoutMs) {
+  const auto silence = line.UnitIsThere() ? LatestAnswer : Silence;
   ClearCommBuffers();
   SendCommString(CommHandle, {&SyncByte, 1});
   line.SyncSent(Now());
-  return AwaitEcho(timeoutMs);
+  return AwaitEcho(timeoutMs, silence);
 }
 
-LinkResult UnitLink::AwaitEcho(int timeoutMs) {
-  if (!WaitUntil(line.LastAsked(), timeoutMs, [this] { return CommControl.BytesWaiting() >= 1; })) return LinkTimeout;
+LinkResult UnitLink::AwaitEcho(int timeoutMs, std::chrono::milliseconds silence) {
+  const auto came = [this] { return CommControl.BytesWaiting() >= 1; };
+  if (!WaitUntil(line.LastAsked(), timeoutMs, came, silence)) return LinkTimeout;
   const std::string echo = CommControl.ReadInput();
   line.Heard(echo, Now());
   return echo.ends_with(SyncByte) ? LinkAck : LinkTrue;
@@ -170,12 +170,13 @@ std::int32_t UnitLink::DelayMs(std::int16_t milliseconds) {
 
 void UnitLink::LetEventsRun() { timing.LetEventsRun(0ns); }
 
-bool UnitLink::WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough) {
+bool UnitLink::WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough,
+                         std::chrono::milliseconds silence) {
   while (true) {
     const bool timedOut = Now() - start > std::chrono::milliseconds(timeoutMs);
     const bool done = enough();
     if (done || timedOut || CommControl.Failure()) return done && !timedOut;
-    if (StopRequested() && Now() - std::max(start, line.LastHeard()) >= Silence) return false;
+    if (StopRequested() && Now() - std::max(start, line.LastHeard()) >= silence) return false;
     timing.LetEventsRun(PollPause);
   }
 }

@@ -15,6 +15,8 @@
 namespace chanplan {
 
 inline constexpr std::size_t IdentitySize = 13;  ///< bytes
+/// A unit that is heard at shorter intervals is not silent.
+inline constexpr std::chrono::milliseconds Silence(500);
 
 /// Results of the link's operations.
 enum LinkResult : std::int16_t {
@@ -77,19 +79,22 @@ class UnitLink {
   /// LinkTimeout. Nothing is sent on a line that does not become quiet.
   LinkResult ReadAnswer(char command, int timeoutMs, std::string& reply, const std::function<bool()>& whole);
 
-  /// Whether the user wants to stop. It ends the waits for a unit that has been silent for half a second.
+  /// Whether the user wants to stop. It ends the waits for a unit that has been silent for half a second;
+  /// one that has answered gets until LatestAnswer for an echo.
   std::function<bool()> StopRequested = [] { return false; };
 
   /// Waits until `enough` says so, letting events run: false when more than `timeoutMs` have
-  /// passed since `start`, when the port is gone, or when the user stops the wait for a silent unit.
-  bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough);
+  /// passed since `start`, when the port is gone, or when the user wants to stop and nothing came for
+  /// `silence`.
+  bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough,
+                 std::chrono::milliseconds silence = Silence);
   std::chrono::nanoseconds Now() const { return timing.Now(); }
 
   /// Why the port could not be opened, or what broke it since.
   std::optional<PortError> PortFailure() const;
 
  private:
-  LinkResult AwaitEcho(int timeoutMs);
+  LinkResult AwaitEcho(int timeoutMs, std::chrono::milliseconds silence);
 
   LinkTiming timing;
   UnitLine line;

@@ -176,6 +176,18 @@ TEST(StopRequested, EndsTheWaitForASilentUnitAtOnce) {
   EXPECT_LT(elapsed, 510ms);
 }
 
+TEST(StopRequested, LeavesALateUnitItsTimeForTheEcho) {
+  StoppedLink rig;
+  rig.Port.Script = [](std::string_view sent) {
+    return sent.back() == 'E' ? std::vector<DelayedBytes>{{IdentityReply("XY1234D", "3.00"), 5}}
+                              : std::vector<DelayedBytes>{{"\xFF", 1500}};
+  };
+  std::string reply;
+  ASSERT_EQ(rig.Link.ReadUnitIdentity(10000, reply), LinkTrue);
+  rig.StopAt = rig.Clock.Time;
+  EXPECT_EQ(rig.Link.SendSyncByte(10000), LinkAck) << "an upload that has begun is confirmed";
+}
+
 TEST(StopRequested, LetsATableThatIsArrivingArrive) {
   StoppedLink rig;
   rig.StopAt = rig.Clock.Time;
