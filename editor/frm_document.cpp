@@ -235,6 +235,10 @@ void frmDocument::LayOut() {
   const int height = area->height() - top - Margin;
   const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
   GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
+  // Where there is no room for both, the first row counts more than the bar that would cover it.
+  const int oneRow = GridBands->horizontalHeader()->height() + GridDetails->rowHeight(0) + 2 * GridBands->frameWidth();
+  GridBands->setHorizontalScrollBarPolicy(GridBands->height() < oneRow + scrollBar ? Qt::ScrollBarAlwaysOff
+                                                                                   : Qt::ScrollBarAsNeeded);
   editor.Place();
 }
 

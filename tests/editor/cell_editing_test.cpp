@@ -1134,5 +1134,14 @@ TEST_F(CellEditing, CountThatPromisesTooMuchIsPutRightByTyping) {
   }
 }
 
+TEST_F(CellEditing, RefusedTextIsToldInOneShortLine) {
+  const Document document = Open(Standards(1));
+  document.DoubleClick(document.Details, NameRow);
+  QGuiApplication::clipboard()->setText("a\nb\n" + QString(500, 'c'));
+  Press(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_TRUE(frame.Status().startsWith("\"a b cccc"));
+  EXPECT_LT(frame.Status().size(), 100);
+}
+
 }  // namespace
 }  // namespace chanplan::testing

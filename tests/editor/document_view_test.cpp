@@ -518,6 +518,18 @@ TEST_F(DocumentLayout, BarOfANarrowDocumentLeavesTheLastValueInSight) {
   }
 }
 
+TEST_F(DocumentLayout, BarOfLowSubbandsLeavesTheFirstRowInSight) {
+  const Document document = Open(Group("A", 2));
+  for (int height = 300; height < 450; height += 5) {
+    document.Window->resize(500, height);
+    QCoreApplication::processEvents();
+    const int room = document.Bands->height() - 2 * document.Bands->frameWidth();
+    if (room < document.Bands->horizontalHeader()->height() + document.Bands->rowHeight(0)) continue;
+    const QRect first = document.Bands->visualItemRect(document.Bands->item(0, UplinkColumn));
+    EXPECT_LE(first.bottom(), document.Bands->viewport()->rect().bottom()) << height;
+  }
+}
+
 TEST_F(DocumentLayout, TitleBarKeepsTheEndOfALongCaptionAndTellsAllOfIt) {
   const Document document = OpenEmpty("/a/" + QString(200, 'f') + "/plan.sig");
   const auto titleBar = [&] {
@@ -535,6 +547,30 @@ TEST_F(DocumentLayout, TitleBarKeepsTheEndOfALongCaptionAndTellsAllOfIt) {
   text.setHtml(QToolTip::text());
   EXPECT_EQ(text.toPlainText(), document.Window->windowTitle());
   QToolTip::hideText();
+}
+
+// Also where the document is larger than what is seen of it.
+TEST_F(DocumentView, CurrentCellsAndNewRowsAreInSight) {
+  window.resize(500, 250);
+  mdi->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);  // as in the frame
+  const Document document = Open(Standards(60) + Group("B", 1));
+  QCoreApplication::processEvents();
+  const auto inSight = [&](const Grid* grid, int row, int column) {
+    QRect cell = grid->visualItemRect(grid->item(row, column));
+    cell.moveTopLeft(grid->viewport()->mapTo(mdi->viewport(), cell.topLeft()));
+    return cell.top() >= 0 && cell.bottom() < mdi->viewport()->height();
+  };
+  Press(Qt::Key_End);
+  EXPECT_TRUE(inSight(document.List, 60, 1));
+  Press(Qt::Key_Home);
+  EXPECT_TRUE(inSight(document.List, 0, 1));
+  document.Window->InsertBlank();
+  EXPECT_TRUE(inSight(document.List, 61, 1));
+  document.Details->setFocus();
+  for (int row = NameRow; row <= StepRow; ++row) {
+    Press(row == NameRow ? Qt::Key_Home : Qt::Key_Down);
+    EXPECT_TRUE(inSight(document.Details, row, 1)) << row;
+  }
 }
 
 }  // namespace

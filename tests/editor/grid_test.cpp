@@ -166,5 +166,16 @@ TEST_F(GridTest, EmptyGridShowsThatItHasTheFocus) {
   EXPECT_NE(picture(*grid), picture(other));
 }
 
+// The current cell stays the marked one, where a title would be clicked or gone to.
+TEST_F(GridTest, TitlesTakeNoMarkAway) {
+  const auto marked = [&] { return grid->selectionModel()->isSelected(grid->currentIndex()); };
+  grid->SetCurrent(1, 1);
+  Press(Qt::Key_Left);
+  EXPECT_TRUE(marked());
+  QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualItemRect(grid->item(2, 0)).center());
+  EXPECT_EQ(Current(), std::pair(2, 1));
+  EXPECT_TRUE(marked());
+}
+
 }  // namespace
 }  // namespace chanplan::testing
