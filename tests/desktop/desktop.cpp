@@ -63,6 +63,8 @@ Desktop::Desktop(const QString& ownProgram) {
   otherProgram.start(ownProgram, {"--other-program"});
   if (!QTest::qWaitFor([this] { return otherProgram.canReadLine(); }, LongestWait)) qFatal("no other program");
   otherWindow = QString::fromLatin1(otherProgram.readLine()).trimmed();
+  // Its window comes up when it likes, and must not take the keys of a test that has begun.
+  Run({"windowactivate", "--sync", otherWindow});
   hands.start("xdotool", {"-"});
   hands.waitForStarted();
 }
@@ -84,6 +86,7 @@ QString Desktop::Run(const QStringList& arguments) {
 }
 
 void Desktop::Settle(QWidget& window) {
+  ComeBack(window);
   EXPECT_TRUE(QTest::qWaitFor(
       [&] {
         const QPoint inside(40 + clicks++ % 8, 5);
