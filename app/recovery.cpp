@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QThreadPool>
 #include <QUrl>
 #include <QUuid>
 #include <set>
@@ -109,11 +110,14 @@ bool RecoveryCopies::Write(int slot, const DocumentWindow& document) {
   std::string text = CopyText({document.windowTitle(), document.UnitTableTag, document.KnownFile, document.Table()});
   if (const auto former = written.find(slot); former != written.end() && former->second == text) return true;
   std::error_code error = std::make_error_code(std::errc::permission_denied);
-  if (Claim()) error = ReplaceFile(FileOf(slot), text);
+  if (Claim()) error = ReplaceFileUnflushed(FileOf(slot), text);
   if (error && !failed) emit Failed(QString::fromLocal8Bit(error.message().c_str()));
   failed = static_cast<bool>(error);
-  if (!failed) written[slot] = std::move(text);
-  return !failed;
+  if (failed) return false;
+  written[slot] = std::move(text);
+  // The copy outlives this program from here on, and a loss of power once the disk has it; nobody waits for that.
+  QThreadPool::globalInstance()->start([file = FileOf(slot)] { FlushFile(file); });
+  return true;
 }
 
 void RecoveryCopies::Remove(int slot) {

@@ -18,6 +18,13 @@ namespace chanplan {
 /// is written directly, and so is what a name such as /dev/stdout stands for.
 std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
 
+/// As ReplaceFile, for a program's own file that must survive the program's end at once and a loss of power
+/// soon: it does not wait for the disk, which FlushFile does.
+std::error_code ReplaceFileUnflushed(const std::filesystem::path& file, std::string_view bytes);
+
+/// Waits until what `file` holds is on the disk. Files that cannot be opened are passed over.
+void FlushFile(const std::filesystem::path& file);
+
 /// Gives every file its former content back whose change in place was cut short by a crash. Files
 /// that are being saved at the moment are left alone. Done before files are read and saved.
 void HealInterruptedSaves();

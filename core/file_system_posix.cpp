@@ -122,14 +122,14 @@ bool TakeOverIdentity(int fresh, const fs::path& target, const struct stat& form
 enum class Replaced { Done, Failed, Impossible };
 
 // Impossible: no other file can take the place of `target`. `former` is null when there is none.
-Replaced PutNewFile(const fs::path& target, const struct stat* former, std::string_view bytes) {
+Replaced PutNewFile(const fs::path& target, const struct stat* former, std::string_view bytes, bool flush) {
   constexpr mode_t ownerAlone = 0600;
   FreshFile fresh = CreateBeside(target, former != nullptr ? ownerAlone : 0666);
   if (!fresh.File.IsOpen()) return Replaced::Impossible;
   Replaced outcome = Replaced::Failed;
   if (former != nullptr && !TakeOverIdentity(fresh.File.Get(), target, *former))
     outcome = Replaced::Impossible;
-  else if (WriteAll(fresh.File.Get(), bytes) && fsync(fresh.File.Get()) == 0 && fresh.File.Close())
+  else if (WriteAll(fresh.File.Get(), bytes) && (!flush || fsync(fresh.File.Get()) == 0) && fresh.File.Close())
     outcome = rename(fresh.Name.c_str(), target.c_str()) == 0 ? Replaced::Done : Replaced::Impossible;
   if (outcome == Replaced::Done) return outcome;
   const int error = errno;
@@ -142,9 +142,7 @@ std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
   return std::chrono::sys_seconds(std::chrono::seconds(time.tv_sec));
 }
 
-}  // namespace
-
-std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
+std::error_code Replace(const fs::path& file, std::string_view bytes, bool flush) {
   const fs::path target = FollowLinks(file);
   std::error_code ignored;
   if (fs::is_symlink(target, ignored))
@@ -158,9 +156,9 @@ std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
   // Renaming needs no right to write the file itself, but replacing a write-protected one does.
   if (exists && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return LastError();
   SweepFolder(target.parent_path());
-  switch (PutNewFile(target, exists ? &former : nullptr, bytes)) {
+  switch (PutNewFile(target, exists ? &former : nullptr, bytes, flush)) {
     case Replaced::Done:
-      SyncFolder(target.parent_path());
+      if (flush) SyncFolder(target.parent_path());
       return {};
     case Replaced::Impossible:
       if (exists) return OverwriteInPlace(target, bytes);
@@ -169,6 +167,19 @@ std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) {
       break;
   }
   return LastError();
+}
+
+}  // namespace
+
+std::error_code ReplaceFile(const fs::path& file, std::string_view bytes) { return Replace(file, bytes, true); }
+
+std::error_code ReplaceFileUnflushed(const fs::path& file, std::string_view bytes) {
+  return Replace(file, bytes, false);
+}
+
+void FlushFile(const fs::path& file) {
+  const FileDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (opened.IsOpen() && fsync(opened.Get()) == 0) SyncFolder(file.parent_path());
 }
 
 void HealInterruptedSaves() { HealInPlaceSaves(); }

@@ -17,9 +17,7 @@ std::chrono::sys_seconds ToTime(const FILETIME& time) {
   return std::chrono::sys_seconds(std::chrono::seconds(ticks / ticksPerSecond - secondsFrom1601To1970));
 }
 
-}  // namespace
-
-std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes) {
+std::error_code Replace(const std::filesystem::path& file, std::string_view bytes, DWORD writeThrough) {
   const DWORD attributes = GetFileAttributesW(file.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
     return {ERROR_ACCESS_DENIED, std::system_category()};
@@ -30,11 +28,28 @@ std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view 
   std::ofstream output(fresh, std::ios::binary | std::ios::trunc);
   output.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   output.close();
-  if (output && MoveFileExW(fresh.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-    return {};
+  if (output && MoveFileExW(fresh.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | writeThrough)) return {};
   const std::error_code error = LastError();
   DeleteFileW(fresh.c_str());
   return error;
+}
+
+}  // namespace
+
+std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes) {
+  return Replace(file, bytes, MOVEFILE_WRITE_THROUGH);
+}
+
+std::error_code ReplaceFileUnflushed(const std::filesystem::path& file, std::string_view bytes) {
+  return Replace(file, bytes, 0);
+}
+
+void FlushFile(const std::filesystem::path& file) {
+  const HANDLE opened = CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) return;
+  FlushFileBuffers(opened);
+  CloseHandle(opened);
 }
 
 std::optional<FileFacts> ReadFileFacts(const std::filesystem::path& file) {

@@ -1,0 +1,77 @@
+// The program itself, killed under a user's hands and started again.
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QTest>
+#include <filesystem>
+
+#include "app/recovery.h"
+#include "core/sig_file.h"
+#include "editor/text_edge.h"
+#include "tests/core/table_of.h"
+#include "tests/core/temp_folder.h"
+#include "tests/desktop/desktop.h"
+
+namespace chanplan::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int LongestWait = 20000;  // ms
+
+class KilledEditor : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
+    own.insert("XDG_STATE_HOME", QString::fromStdString(folder.Path().string()));
+    editor.setProcessEnvironment(own);
+  }
+  void TearDown() override {
+    editor.kill();
+    editor.waitForFinished(LongestWait);
+  }
+  void Start(const QStringList& arguments, const QString& title) {
+    editor.start(EDITOR_PROGRAM, arguments);
+    ASSERT_TRUE(desktop.GoToWindow(title));
+  }
+  // What a start would find.
+  std::string CopiedName() const {
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator(folder / "chanplans" / "recovery", none)) {
+      if (entry.path().extension() != ".copy") continue;
+      const auto copy = ReadCopyText(ReadFile(entry.path()));
+      return copy ? copy->Table.Row(0).Name : "a torn copy";
+    }
+    return {};
+  }
+
+  Desktop& desktop = TheDesktop();
+  TempFolder folder;
+  QProcess editor;
+};
+
+TEST_F(KilledEditor, OffersWhatWasStoredAtItsNextStartAndSavesIt) {
+  const fs::path file = folder / "plan.sig";
+  const QString path = QString::fromStdString(file.string());
+  ASSERT_FALSE(SaveSigFile(file, TableOfNames({"A", "B"})));
+  Start({path}, "^Handheld Chanplan Editor$");
+  desktop.PressElsewhere({"Home", "Tab"});
+  desktop.TypeElsewhere("Stored");
+  desktop.PressElsewhere({"Return"});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return CopiedName() == "Stored"; }, LongestWait)) << CopiedName();
+  desktop.TypeElsewhere("not ye");
+  editor.kill();
+  ASSERT_TRUE(editor.waitForFinished(LongestWait));
+  EXPECT_EQ(LoadSigFile(file).Table.Row(0).Name, "A");
+
+  Start({}, "^Chanplans$");           // the question
+  desktop.PressElsewhere({"alt+r"});  // Restore
+  ASSERT_TRUE(desktop.GoToWindow("^Handheld Chanplan Editor$"));
+  desktop.PressElsewhere({"ctrl+s"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return LoadSigFile(file).Table.Row(0).Name == "Stored"; }, LongestWait));
+  EXPECT_EQ(LoadSigFile(file).Table.Row(1).Name, "B");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return CopiedName().empty(); }, LongestWait)) << CopiedName();
+}
+
+}  // namespace
+}  // namespace chanplan::testing
