@@ -30,13 +30,13 @@ int ExitCodeAfterLoss(int count) {
   return ExitRowsLost;
 }
 
-std::shared_ptr<bool> AddFormatOption(CLI::App& command) {
+std::shared_ptr<bool> AddFormatOption(CLI::App& command, const std::string& plain) {
   auto json = std::make_shared<bool>(false);
   command
       .add_option_function<std::string>(
           "--format", [json](const std::string& name) { *json = name == "json"; },
-          "text (unless another is named) or json")
-      ->check(CLI::IsMember({"text", "json"}));
+          plain + " (unless another is named) or json")
+      ->check(CLI::IsMember({plain, std::string("json")}));
   return json;
 }
 

@@ -26,6 +26,7 @@ class CommandFailure : public std::runtime_error {
 /// Each adds its subcommand to `app`. What the command comes to is stored in `exitCode`.
 void AddCheckCommand(CLI::App& app, int& exitCode);
 void AddSaveAsCommand(CLI::App& app, int& exitCode);
+void AddListCommand(CLI::App& app, int& exitCode);
 void AddMergeCommand(CLI::App& app, int& exitCode);
 void AddPropertiesCommand(CLI::App& app, int& exitCode);
 void AddDiffCommand(CLI::App& app, int& exitCode);
@@ -82,8 +83,17 @@ int ExitCodeAfterLoss(int count);
 /// What a file or standard input is called in messages.
 std::string PrintedName(const std::filesystem::path& file);
 
-/// Adds the option --format to `command`; what it sets is true when JSON is asked for.
-std::shared_ptr<bool> AddFormatOption(CLI::App& command);
+/// Adds the option --format to `command`; what it sets is true when JSON is asked for instead of `plain`.
+std::shared_ptr<bool> AddFormatOption(CLI::App& command, const std::string& plain = "text");
+
+/// Adds the option --open to `command`, which is followed by RefuseToShow before and ShowFile after writing.
+std::shared_ptr<bool> AddOpenOption(CLI::App& command);
+
+/// Throws CommandFailure when `out` is no file that can be shown.
+void RefuseToShow(const std::filesystem::path& out);
+
+/// Shows `file` in the program that the desktop has for it, without waiting; throws CommandFailure.
+void ShowFile(const std::filesystem::path& file);
 
 /// `text` (UTF-8) as a JSON string, its quotes included.
 std::string JsonString(std::string_view text);

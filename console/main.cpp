@@ -30,14 +30,15 @@ void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& a
 int main(int argc, char** argv) {
   using namespace chanplan;
   CLI::App app(
-      "Check, convert, merge, compare, print and draw Signal Standard tables, and move them to and from handheld "
+      "Check, list, convert, merge, compare, print and draw Signal Standard tables, and move them to and from handheld "
       "units.",
       "chanplan");
   app.require_subcommand(1);
   int exitCode = ExitDone;
   for (const auto addCommand :
-       {AddCheckCommand, AddSaveAsCommand, AddMergeCommand, AddPropertiesCommand, AddDiffCommand, AddReportCommand,
-        AddPrintCommand, AddChartCommand, AddIdentifyCommand, AddDownloadCommand, AddUploadCommand, AddUnitsCommand})
+       {AddCheckCommand, AddListCommand, AddSaveAsCommand, AddMergeCommand, AddPropertiesCommand, AddDiffCommand,
+        AddReportCommand, AddPrintCommand, AddChartCommand, AddIdentifyCommand, AddDownloadCommand, AddUploadCommand,
+        AddUnitsCommand})
     addCommand(app, exitCode);
   constexpr char version[] = "Chanplan Editor " CHANPLAN_VERSION;
   app.set_version_flag("--version", version);

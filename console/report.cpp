@@ -8,10 +8,13 @@ void AddReportCommand(CLI::App& app, int& /*exitCode*/) {
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
   command->add_option("FILE", files->first, "the table")->required();
   command->add_option("OUT", files->second, "where to write the report")->required();
-  command->callback([files] {
+  const auto open = AddOpenOption(*command);
+  command->callback([files, open] {
     const auto& [file, out] = *files;
     RefuseOwnTable(file, out);
+    if (*open) RefuseToShow(out);
     SaveBytes(out, ReportText(OpenTable(file), CaptionOf(file)));
+    if (*open) ShowFile(out);
   });
 }
 
