@@ -14,6 +14,7 @@
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
+#include "app/help_viewer.h"
 #include "app/splitter_bar.h"
 #include "app/transfer_command.h"
 #include "app/warnings_pane.h"
@@ -124,7 +125,8 @@ class frmMain : public CommandFrame {
   void mnuHelpContents_Click();
   void mnuHelpSearch_Click();
   void mnuHelpAbout_Click();
-  void ShowHelp();
+  /// The help viewer on the screen; null, once it was said why, when there is none.
+  HelpViewer* ShowHelp();
 
   /// What the Options menu shows and sets: a command that runs keeps to the port it began with.
   std::int16_t& ChosenPort() { return transfer ? transfer->PortForTheNext : app.Link.CommPort; }
@@ -140,9 +142,10 @@ class frmMain : public CommandFrame {
   QRubberBand* dropLine = nullptr;  // shows where the splitter would drop
   WarningsPane* lstWarnings;
   QTimer* ResizeTimer;
-  QList<QAction*> documentItems;            // enabled while a document is open
-  QList<QAction*> windowList;               // the Window menu's list of documents
-  QAction* portProblem = nullptr;           // says why the COM Port menu is empty, while it is
+  QList<QAction*> documentItems;   // enabled while a document is open
+  QList<QAction*> windowList;      // the Window menu's list of documents
+  QAction* portProblem = nullptr;  // says why the COM Port menu is empty, while it is
+  QPointer<HelpViewer> help;
   QPointer<QObject> warningsShownOf;        // a document
   std::optional<TransferCommand> transfer;  // the one that runs
 };

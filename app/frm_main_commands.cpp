@@ -1,8 +1,8 @@
 // The main frame: what its menu items do. The toolbar runs the same.
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
+#include <memory>
 
 #include "app/file_io.h"
 #include "app/frm_about.h"
@@ -140,21 +140,35 @@ void frmMain::mnuWindowTileVertical_Click() { ArrangeWindows(*documents, Arrange
 
 void frmMain::mnuWindowArrangeIcons_Click() { ArrangeWindows(*documents, Arrangement::ArrangeIcons); }
 
-void frmMain::mnuHelpContents_Click() { ShowHelp(); }
+void frmMain::mnuHelpContents_Click() {
+  if (HelpViewer* viewer = ShowHelp()) viewer->ShowContents();
+}
 
-void frmMain::mnuHelpSearch_Click() { ShowHelp(); }
+void frmMain::mnuHelpSearch_Click() {
+  if (HelpViewer* viewer = ShowHelp()) viewer->ShowSearch();
+}
 
 void frmMain::mnuHelpAbout_Click() { frmAbout(this).exec(); }
 
-// The viewer has a search of its own, so contents and search open the same file.
-void frmMain::ShowHelp() {
-  if (HelpFile.isEmpty())
-    return ShowMessage(*this, "Unable to display Help Contents. There is no Help associated with this project.",
-                       ApplicationTitle(), QMessageBox::Information);
-  QFile file(app.ProgramFolder + "/" + HelpFile);
-  if (!file.open(QIODevice::ReadOnly)) return ShowMessage(*this, file.errorString(), ApplicationTitle());
-  if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.fileName())))
-    ShowMessage(*this, "No program is set up to show " + file.fileName(), ApplicationTitle());
+HelpViewer* frmMain::ShowHelp() {
+  if (HelpFile.isEmpty()) {
+    ShowMessage(*this, "Unable to display Help Contents. There is no Help associated with this project.",
+                ApplicationTitle(), QMessageBox::Information);
+    return nullptr;
+  }
+  if (help == nullptr) {
+    QString failure;
+    auto file = std::make_unique<HelpResource>(app.ProgramFolder + "/" + HelpFile, failure);
+    if (!failure.isEmpty()) {
+      ShowMessage(*this, failure, ApplicationTitle());
+      return nullptr;
+    }
+    help = new HelpViewer(this, std::move(file));
+  }
+  help->show();
+  help->raise();
+  help->activateWindow();
+  return help;
 }
 
 }  // namespace chanplan

@@ -1,11 +1,16 @@
 // The main frame: menus, toolbar, the pane's height, help, and commands passed to the active document.
 #include <QActionGroup>
-#include <QDesktopServices>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QScrollBar>
 #include <QTableWidget>
+#include <QTextBlock>
+#include <QTextBrowser>
 
+#include "app/help_viewer.h"
 #include "app/icons.h"
 #include "tests/app/app_fixture.h"
-#include "tests/app/browser.h"
 
 using namespace chanplan;
 using namespace chanplan::testing;
@@ -467,12 +472,13 @@ TEST_F(Splitter, LayoutIsRepeatedAndRepairsThePaneButPaintsNothingInVain) {
   EXPECT_EQ(counter.Paints, 0);
 }
 
-TEST_F(Help, MissingFileIsReportedInTheSystemsWords) {
+TEST_F(Help, MissingFileIsNamedWithTheSystemsWords) {
   Start();
   for (const char* command : {"mnuHelpContents", "mnuHelpSearch"}) {
     AnswerMessage();
     Choose(command);
-    EXPECT_EQ(messages.back(), (Message{"Chanplans", "No such file or directory", QMessageBox::NoIcon}));
+    EXPECT_EQ(messages.back(),
+              (Message{"Chanplans", InFolder("Chanplan.hlp") + ": No such file or directory", QMessageBox::NoIcon}));
   }
 }
 
@@ -488,14 +494,72 @@ TEST_F(Help, WithoutAFileNameThereIsNone) {
   }
 }
 
-TEST_F(Help, FileIsOpenedWithTheDesktopsViewer) {
+TEST_F(Help, FileThatIsNoneIsSaidToBeSo) {
   WriteFile(folder / "Chanplan.hlp", "help");
-  Browser browser;
-  QDesktopServices::setUrlHandler("file", &browser, "Open");
   Start();
+  AnswerMessage();
   Choose("mnuHelpContents");
-  QDesktopServices::unsetUrlHandler("file");
-  EXPECT_EQ(browser.Opened, QList<QUrl>({QUrl::fromLocalFile(InFolder("Chanplan.hlp"))}));
+  EXPECT_EQ(messages.back(),
+            (Message{"Chanplans", InFolder("Chanplan.hlp") + " is no help file of this program", QMessageBox::NoIcon}));
+}
+
+// The help that the programs come with.
+struct Guide : Help {
+  void SetUp() override {
+    Help::SetUp();
+    std::filesystem::copy_file((QCoreApplication::applicationDirPath() + "/Chanplan.hlp").toStdString(),
+                               folder / "Chanplan.hlp");
+    Start();
+  }
+  QString Marked() { return Get<QTextBrowser>("txtHelpGuide").textCursor().selectedText(); }
+  int Place() { return Get<QTextBrowser>("txtHelpGuide").textCursor().position(); }
+};
+
+TEST_F(Guide, IsShownFromItsStart) {
+  Choose("mnuHelpContents");
+  QTextBrowser& guide = Get<QTextBrowser>("txtHelpGuide");
+  EXPECT_TRUE(guide.isVisible());
+  EXPECT_TRUE(guide.toPlainText().startsWith("User guide\n"));
+  EXPECT_EQ(guide.verticalScrollBar()->value(), 0);
+  EXPECT_FALSE(
+      guide.document()->resource(QTextDocument::ImageResource, QUrl("images/upload.png")).value<QImage>().isNull());
+  QListWidget& chapters = Get<QListWidget>("lstHelpChapters");
+  ASSERT_GT(chapters.count(), 4);
+  chapters.setCurrentRow(2);
+  EXPECT_TRUE(guide.cursorRect().top() >= 0 && guide.cursorRect().top() < guide.viewport()->height() / 4);
+  EXPECT_EQ(guide.textCursor().block().text(), chapters.item(2)->text());
+  // Once more it goes to the start again, in the same window.
+  Choose("mnuHelpContents");
+  EXPECT_EQ(Frame().findChildren<HelpViewer*>().size(), 1);
+  EXPECT_EQ(guide.verticalScrollBar()->value(), 0);
+}
+
+TEST_F(Guide, FindsWordsFromPlaceToPlaceAndFromTheEndToTheStart) {
+  Choose("mnuHelpSearch");
+  QLineEdit& sought = Get<QLineEdit>("txtHelpSearch");
+  QTest::keyClicks(&sought, "printer");
+  QTest::keyClick(&sought, Qt::Key_Return);
+  EXPECT_EQ(Marked().toLower(), "printer");
+  const int first = Place();
+  int places = 0;
+  do {
+    QTest::keyClick(&sought, Qt::Key_F3);
+    EXPECT_EQ(Marked().toLower(), "printer");
+  } while (Place() != first && ++places < 100);
+  EXPECT_LT(places, 100);
+  sought.clear();
+  QTest::keyClicks(&sought, "no such word");
+  QTest::keyClick(&sought, Qt::Key_Return);
+  EXPECT_EQ(Get<QLabel>("lblHelpOutcome").text(), "Not found");
+  EXPECT_EQ(Place(), first);
+}
+
+TEST_F(Guide, ClosesOnEscapeAndComesAgain) {
+  Choose("mnuHelpContents");
+  QTest::keyClick(&Get<QTextBrowser>("txtHelpGuide"), Qt::Key_Escape);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Frame().findChildren<HelpViewer*>().isEmpty(); }));
+  Choose("mnuHelpSearch");
+  EXPECT_EQ(Frame().findChildren<HelpViewer*>().size(), 1);
 }
 
 TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
