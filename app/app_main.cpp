@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QGuiApplication>
+#include <algorithm>
+#include <span>
 
 #include "app/file_io.h"
 #include "editor/messages.h"
@@ -55,7 +57,10 @@ void AppMain::OfferLeftTables() {
   QString text = count == 1 ? QString("Restore 1 table that was not saved?")
                             : QString("Restore %1 tables that were not saved?").arg(count);
   text += '\n';
-  for (const UnsavedTable& unsaved : left.Tables) text += '\n' + unsaved.Caption;
+  constexpr std::size_t most = 10;  // a message box has no room for many more
+  for (const UnsavedTable& unsaved : std::span(left.Tables).first(std::min(most, count)))
+    text += '\n' + unsaved.Caption;
+  if (count > most) text += QString("\nand %1 more").arg(count - most);
   const auto answer = Ask(*Frame, QMessageBox::Question, ApplicationName, text,
                           QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel,
                           {{QMessageBox::Yes, "&Restore"}, {QMessageBox::Cancel, "&Later"}});

@@ -14,8 +14,10 @@ constexpr char Help[] =
     "  --version  print the version\n";
 
 QString PathOf(const QString& file) {
-  const QString path = file.startsWith("file:") ? QUrl(file).toLocalFile() : file;
-  return QFileInfo(path).absoluteFilePath();
+  if (!file.startsWith("file:")) return QFileInfo(file).absoluteFilePath();
+  QUrl address(file);
+  if (address.host() == "localhost") address.setHost("");
+  return QFileInfo(address.toLocalFile()).absoluteFilePath();
 }
 
 }  // namespace

@@ -43,7 +43,7 @@ QString WithType(CommandFrame& frame, const QString& path, const QString& type) 
   const bool free = !QFileInfo::exists(typed);
   if (free ||
       Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), typed + " already exists.\nDo you want to replace it?",
-          QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes)
+          QMessageBox::Yes | QMessageBox::No, {}, QMessageBox::No) == QMessageBox::Yes)
     return typed;
   return {};
 }

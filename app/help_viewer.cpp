@@ -98,7 +98,7 @@ HelpViewer::HelpViewer(QWidget* owner, std::unique_ptr<HelpResource> file)
   guide->setSource(QUrl(Start), QTextDocument::MarkdownResource);
   GiveTablesRoom(*guide->document());
   FillChapters();
-  resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 38);
+  resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 38);
 }
 
 void HelpViewer::FillChapters() {
@@ -136,6 +136,7 @@ void HelpViewer::FindNext() {
 void HelpViewer::ShowContents() {
   chapters->setCurrentRow(-1);
   guide->moveCursor(QTextCursor::Start);
+  guide->verticalScrollBar()->setValue(0);  // above the first line's margin
   guide->setFocus();
 }
 

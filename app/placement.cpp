@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyle>
 #include <algorithm>
 #include <array>
 
@@ -24,7 +25,10 @@ void RestorePlacement(QWidget& frame, AppSettings& settings) {
                      TwipsToPixelsX(settings.Number(MainWidthSetting, screenWidth * 0.6), frame),
                      TwipsToPixelsY(settings.Number(MainHeightSetting, screenHeight * 0.6), frame));
   QList<QRect> screens;
-  for (const QScreen* shown : QGuiApplication::screens()) screens += shown->availableGeometry();
+  // The title bar and the borders, which nobody knows before they are on the screen, need room, too.
+  const int border = frame.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+  const QMargins decoration(0, 0, 2 * border, border + frame.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+  for (const QScreen* shown : QGuiApplication::screens()) screens += shown->availableGeometry() - decoration;
   const QRect placement = FittedToScreen(stored, screens);
   frame.move(placement.topLeft());
   frame.resize(placement.size());

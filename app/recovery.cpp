@@ -85,6 +85,9 @@ RecoveryCopies::RecoveryCopies(const DocumentRegistry& documents)
   soon.setSingleShot(true);
   soon.setInterval(0);
   connect(&soon, &QTimer::timeout, this, &RecoveryCopies::Update);
+  again.setSingleShot(true);
+  again.setInterval(5000);
+  connect(&again, &QTimer::timeout, this, &RecoveryCopies::Update);
 }
 
 RecoveryCopies::~RecoveryCopies() { Update(); }
@@ -109,11 +112,16 @@ bool RecoveryCopies::Update() {
 bool RecoveryCopies::Write(int slot, const DocumentWindow& document) {
   std::string text = CopyText({document.windowTitle(), document.UnitTableTag, document.KnownFile, document.Table()});
   if (const auto former = written.find(slot); former != written.end() && former->second == text) return true;
-  std::error_code error = std::make_error_code(std::errc::permission_denied);
-  if (Claim()) error = ReplaceFileUnflushed(FileOf(slot), text);
-  if (error && !failed) emit Failed(QString::fromLocal8Bit(error.message().c_str()));
-  failed = static_cast<bool>(error);
-  if (failed) return false;
+  QString failure = Claim();
+  if (failure.isEmpty())
+    if (const std::error_code error = ReplaceFileUnflushed(FileOf(slot), text))
+      failure = QString::fromLocal8Bit(error.message().c_str());
+  if (!failure.isEmpty() && !failed) emit Failed(failure);
+  failed = !failure.isEmpty();
+  if (failed) {
+    again.start();
+    return false;
+  }
   written[slot] = std::move(text);
   // The copy outlives this program from here on, and a loss of power once the disk has it; nobody waits for that.
   QThreadPool::globalInstance()->start([file = FileOf(slot)] { FlushFile(file); });
@@ -130,14 +138,18 @@ fs::path RecoveryCopies::FileOf(int slot) const {
   return folder / (session + "-" + std::to_string(slot) + std::string(CopyEnding));
 }
 
-bool RecoveryCopies::Claim() {
-  if (claim != nullptr) return true;
-  if (folder.empty() || !QDir().mkpath(PathText(folder))) return false;
+QString RecoveryCopies::Claim() {
+  if (claim != nullptr) return {};
+  if (folder.empty()) return "there is no home folder";
+  std::error_code error;
+  if (fs::create_directories(folder, error); error) return QString::fromLocal8Bit(error.message().c_str());
   QFile::setPermissions(PathText(folder), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   std::unique_ptr<QLockFile> lock = LockOf(folder, session);
-  if (!lock->tryLock(0)) return false;
+  if (!lock->tryLock(0))
+    return lock->error() == QLockFile::PermissionError ? "no permission to write into " + PathText(folder)
+                                                       : "no file could be made in " + PathText(folder);
   claim = std::move(lock);
-  return true;
+  return {};
 }
 
 LeftTables RecoveryCopies::TakeLeftTables() const {

@@ -67,8 +67,8 @@ class RecoveryCopies : public QObject {
   bool Write(int slot, const DocumentWindow& document);
   void Remove(int slot);
   std::filesystem::path FileOf(int slot) const;
-  /// Makes the folder and marks this program's copies as in use.
-  bool Claim();
+  /// Makes the folder and marks this program's copies as in use. Says why when it cannot.
+  QString Claim();
 
   const DocumentRegistry& registry;
   std::filesystem::path folder;
@@ -77,6 +77,7 @@ class RecoveryCopies : public QObject {
   std::map<int, std::string> written;  ///< by slot
   bool failed = false;
   QTimer soon;
+  QTimer again;  ///< a disk that is full may have room again
 };
 
 }  // namespace chanplan

@@ -17,14 +17,14 @@ struct Checked {
 // Finds what the warnings pane holds once an edit has been committed: by then the list view is filled, so
 // that duplicate names are found.
 Checked CheckFile(const std::filesystem::path& file) {
-  OpenedTable opened = OpenWithNotes(file);
+  OpenedTable opened = OpenQuietly(file);
   std::vector<Warning> warnings = FindWarnings(opened.Table, ListNames(opened.Table));
   return {file, std::move(opened.Notes), std::move(warnings)};
 }
 
 void PrintText(const Checked& checked, bool named) {
   for (const std::string& note : checked.Notes) Note(PrintedName(checked.File) + ": " + note);
-  const std::string prefix = named ? PrintedName(checked.File) + ": " : "";
+  const std::string prefix = named ? HarmlessText(PrintedName(checked.File) + ": ") : "";
   for (const Warning& warning : checked.Warnings) std::cout << prefix << HarmlessText(WarningText(warning)) << '\n';
 }
 

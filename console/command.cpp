@@ -14,12 +14,18 @@ std::string PrintedName(const std::filesystem::path& file) {
   return file == StandardStream ? "(standard input)" : file.string();
 }
 
-OpenedTable OpenWithNotes(const std::filesystem::path& file) {
+OpenedTable OpenQuietly(const std::filesystem::path& file) {
   ReadOutcome outcome = file == StandardStream ? ReadSigTable(std::cin) : LoadSigFile(file);
   if (!outcome.Ok()) throw CommandFailure(LoadErrorText(PrintedName(file), 0) + ": " + outcome.Reason);
   if (outcome.Truncated) Note(PrintedName(file) + ": " + std::string(FileTruncatedText));
   AlignSubbands(outcome.Table);
   return {std::move(outcome.Table), std::move(outcome.Notes), outcome.RowsLeftOut};
+}
+
+OpenedTable OpenWithNotes(const std::filesystem::path& file) {
+  OpenedTable opened = OpenQuietly(file);
+  for (const std::string& note : opened.Notes) Note(PrintedName(file) + ": " + note);
+  return opened;
 }
 
 SignalStandardTable OpenTable(const std::filesystem::path& file) { return OpenWithNotes(file).Table; }
@@ -42,15 +48,14 @@ std::shared_ptr<bool> AddFormatOption(CLI::App& command, const std::string& plai
 
 std::string JsonString(std::string_view text) {
   std::string json = "\"";
-  for (const char byte : text) {
+  for (const char32_t code : Utf32FromUtf8(text)) {  // a file's name may be no UTF-8
     constexpr std::string_view hexadecimal = "0123456789abcdef";
-    const auto code = static_cast<unsigned char>(byte);
-    if (byte == '"' || byte == '\\')
-      json.append(1, '\\').append(1, byte);
+    if (code == '"' || code == '\\')
+      json.append(1, '\\').append(1, static_cast<char>(code));
     else if (code < 32)
       json.append("\\u00").append(1, hexadecimal[code / 16]).append(1, hexadecimal[code % 16]);
     else
-      json += byte;
+      AppendUtf8(json, code);
   }
   return json + '"';
 }
@@ -80,8 +85,11 @@ void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
 }
 
 void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out) {
-  if (AreSameFile(file, out))
-    throw CommandFailure(out.string() + " is the table itself, which it would take the place of: nothing was written");
+  const std::filesystem::path from = file == StandardStream ? "/dev/stdin" : file;
+  const std::filesystem::path to = out == StandardStream ? "/dev/stdout" : out;
+  // A terminal or a null device may well be both.
+  if (std::error_code none; std::filesystem::is_regular_file(from, none) && AreSameFile(from, to))
+    throw CommandFailure(to.string() + " is the table itself, which it would take the place of: nothing was written");
 }
 
 std::string CaptionOf(const std::filesystem::path& file) {

@@ -48,12 +48,14 @@ struct OpenedTable {
   int RowsLeftOut = 0;
 };
 
-/// Reads `file` and brings its sub-bands in line. Says so on standard error when it was truncated; throws
-/// CommandFailure when it cannot be read.
+/// Reads `file` and brings its sub-bands in line, without a word of its notes. Says so on standard error when it was
+/// truncated; throws CommandFailure when it cannot be read.
+OpenedTable OpenQuietly(const std::filesystem::path& file);
+
+/// As OpenQuietly, with the notes on standard error.
 OpenedTable OpenWithNotes(const std::filesystem::path& file);
 
-/// The table in `file` as it stands once the editor has opened it: read, its sub-bands in line. Says so on
-/// standard error when it was truncated; throws CommandFailure when it cannot be read.
+/// The table of OpenWithNotes.
 SignalStandardTable OpenTable(const std::filesystem::path& file);
 
 /// Brings the sub-bands of `table` into line and writes it to `file`; throws CommandFailure.
@@ -65,7 +67,8 @@ void SaveBytes(const std::filesystem::path& out, std::string_view bytes);
 /// Throws CommandFailure when `error` is one: what writing `file` comes to.
 void FailUnlessSaved(const std::filesystem::path& file, std::error_code error);
 
-/// Throws CommandFailure when what is written to `out` would take the place of the table in `file`.
+/// Throws CommandFailure when what is written to `out` would take the place of the table in `file`, or mix with it.
+/// Either may be a standard stream.
 void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out);
 
 /// The caption of a document with the table in `file`.

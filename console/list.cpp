@@ -87,7 +87,6 @@ void AddListCommand(CLI::App& app, int& exitCode) {
       "Exit status: 0 all was listed, 2 the file could not be read, 3 it has more than 200 rows.");
   command->callback([file, json, &exitCode] {
     const OpenedTable opened = OpenWithNotes(*file);
-    for (const std::string& note : opened.Notes) Note(PrintedName(*file) + ": " + note);
     std::cout << (*json ? JsonText(opened.Table) : TableText(opened.Table));
     exitCode = opened.RowsLeftOut > 0 ? ExitRowsLost : ExitDone;
   });

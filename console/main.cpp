@@ -20,7 +20,10 @@ std::vector<std::string> Arguments(int argc, char** argv) {
 
 void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
   const auto isCalled = [&](const CLI::App* command) { return command->get_name() == arguments[0]; };
-  if (!arguments.empty() && !arguments[0].starts_with('-') && std::ranges::none_of(app.get_subcommands({}), isCalled))
+  if (arguments.empty()) return;
+  if (arguments[0].starts_with("-") && app.get_option_no_throw(arguments[0]) == nullptr)
+    throw CommandFailure("there is no option \"" + arguments[0] + "\"; chanplan --help names them all");
+  if (!arguments[0].starts_with('-') && std::ranges::none_of(app.get_subcommands({}), isCalled))
     throw CommandFailure("there is no command \"" + arguments[0] + "\"; chanplan --help names them all");
 }
 

@@ -3,7 +3,6 @@
 
 #include "console/command.h"
 #include "core/table_merge.h"
-#include "core/text_encoding.h"
 
 namespace chanplan {
 namespace {
@@ -31,7 +30,7 @@ void PrintFates(const SignalStandardTable& base, const SignalStandardTable& sour
                 bool replaceMatching, std::ostream& output) {
   const Names inBase = StandardNames(base), inSource = StandardNames(source), inMerged = StandardNames(merged);
   const auto print = [&](std::string_view fate, std::string_view name) {
-    output << (inMerged.contains(name) ? fate : "dropped") << '\t' << Utf8FromWindows1252(name) << '\n';
+    output << (inMerged.contains(name) ? fate : "dropped") << '\t' << PrintedText(name) << '\n';
   };
   const auto forEach = [](const SignalStandardTable& table, const auto& act) {
     for (const int index : StandardIndices(table))

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -28,6 +29,10 @@ void FlushFile(const std::filesystem::path& file);
 /// Gives every file its former content back whose change in place was cut short by a crash. Files
 /// that are being saved at the moment are left alone. Done before files are read and saved.
 void HealInterruptedSaves();
+
+/// Keeps other programs of this system from changing `file` in place as long as the result lives: it would be read
+/// half changed. Null when there is nothing to wait for, or when a change in place takes longer than some seconds.
+std::shared_ptr<void> HoldStill(const std::filesystem::path& file);
 
 struct FileFacts {
   std::uint32_t Size = 0;  ///< bytes, the low 32 bits

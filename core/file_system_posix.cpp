@@ -55,6 +55,11 @@ std::error_code WriteDescriptor(const fs::path& link, std::string_view bytes) {
   return WriteAll(descriptor, bytes) ? std::error_code() : LastError();
 }
 
+// The end of a fresh file's name: "-" and a number.
+bool IsAttempt(std::string_view text) {
+  return text.size() > 1 && text.front() == '-' && text.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
 // What saves that were killed left in `folder`. The process's number may be in use on another machine or
 // in another container only: whoever still writes has marked the file.
 void SweepFolder(const fs::path& folder) {
@@ -65,7 +70,7 @@ void SweepFolder(const fs::path& folder) {
     int process = 0;
     const char* const end = name.data() + name.size();
     const auto [rest, error] = std::from_chars(name.data() + FreshFilePrefix.size(), end, process);
-    if (error != std::errc() || rest == end || *rest != '-' || process <= 0) continue;
+    if (error != std::errc() || process <= 0 || !IsAttempt({rest, end}) || !entry.is_regular_file(none)) continue;
     if (kill(process, 0) == 0 || errno != ESRCH) continue;
     const FileDescriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file.IsOpen() && MarkInUse(file)) unlink(entry.path().c_str());

@@ -62,6 +62,8 @@ std::optional<FileFacts> ReadFileFacts(const std::filesystem::path& file) {
 // The system's own replacing leaves nothing to heal.
 void HealInterruptedSaves() {}
 
+std::shared_ptr<void> HoldStill(const std::filesystem::path& /*file*/) { return nullptr; }
+
 std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file) {
   const HANDLE opened = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);

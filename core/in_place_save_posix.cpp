@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
+#include "core/file_system.h"
 #include "core/state_folder.h"
 
 namespace chanplan {
@@ -82,11 +83,27 @@ bool SetContent(int file, std::string_view bytes) {
   return lseek(file, 0, SEEK_SET) == 0 && ftruncate(file, 0) == 0 && WriteAll(file, bytes) && fsync(file) == 0;
 }
 
+// Why a file that could be written is not. The message names the folder.
+class CopyFailures : public std::error_category {
+ public:
+  const char* name() const noexcept override { return "copy of the former content"; }
+  std::string message(int error) const override {
+    const std::string folder = CopyFolder().string();
+    return "no copy of the former content could be kept in " + (folder.empty() ? "the home folder" : folder) + " (" +
+           std::generic_category().message(error) + ")";
+  }
+};
+
+std::error_code CopyFailure(int error) {
+  static const CopyFailures category;
+  return {error, category};
+}
+
 // Two that change a file at once would mix what they write. Another program must not hold this one up for ever.
-bool WaitForTurn(int file) {
+bool WaitForTurn(int file, int kind = LOCK_EX) {
   constexpr int attempts = 300;
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    if (flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return true;
+    if (flock(file, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK) return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   return false;
@@ -168,11 +185,18 @@ std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes)
 
   FileDescriptor copyFile;
   const fs::path copyName = MakeCopy(copy, copyFile);
-  if (copyName.empty()) return LastError();
+  if (copyName.empty()) return CopyFailure(errno);
   std::error_code error;
   if (!SetContent(file.Get(), bytes)) error = LastError();
   if (!error || SetContent(file.Get(), copy.Former)) unlink(copyName.c_str());
   return error;
+}
+
+std::shared_ptr<void> HoldStill(const fs::path& file) {
+  struct stat facts {};
+  if (stat(file.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) return nullptr;  // opening a pipe takes from it
+  auto opened = std::make_shared<FileDescriptor>(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  return opened->IsOpen() && WaitForTurn(opened->Get(), LOCK_SH) ? opened : nullptr;
 }
 
 void HealInPlaceSaves() {

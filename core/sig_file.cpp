@@ -1,7 +1,9 @@
 #include "core/sig_file.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <span>
 
@@ -42,16 +44,16 @@ class LineReader {
 
   int Number() const { return number; }
 
-  // Line ends in what is left, up to a limit that bounds the time; the last line needs none.
+  // Lines with anything in them in what is left, up to a limit that bounds the time.
   int CountRest() {
-    constexpr int most = 1 << 20;
-    using Traits = std::char_traits<char>;
-    int lines = 0, last = '\n', byte = 0;
-    for (int count = 0; count < most && (byte = bytes.sbumpc()) != Traits::eof(); ++count) {
-      lines += byte == '\n' ? 1 : 0;
-      last = byte;
+    constexpr int most = 1 << 28;
+    int lines = 0, byte = 0;
+    bool blank = true;
+    for (int count = 0; count < most && (byte = bytes.sbumpc()) != std::char_traits<char>::eof(); ++count) {
+      if (blank && byte != '\n' && byte != '\r') ++lines;
+      blank = byte == '\n' || (blank && byte == '\r');
     }
-    return lines + (last == '\n' ? 0 : 1);
+    return lines;
   }
 
   [[noreturn]] void Fail(ReadFailure kind, std::string_view problem) const {
@@ -80,9 +82,23 @@ constexpr std::size_t MostNotes = 100;
 
 void NoteUnlessWhole(std::string_view text, double value, const LineReader& reader, std::vector<std::string>& notes) {
   if (notes.size() >= MostNotes || text.empty()) return;
-  if (!HasMoreThanNumber(text) && LeadingNumber(text) == value) return;
+  const bool isHeld = std::abs(value) < std::numeric_limits<double>::max();  // what no number can hold comes as that
+  if (!HasMoreThanNumber(text) && LeadingNumber(text) == value && isHeld) return;
   notes.push_back("line " + std::to_string(reader.Number()) + ": \"" + Utf8FromWindows1252(text) + "\" was read as " +
                   ShortestDecimal(value));
+}
+
+// Whether a lone CR in `line` stands where a row begins. A name may have one; nothing else of a row has.
+bool HidesARow(std::string_view line, const LineReader& reader) {
+  constexpr std::ptrdiff_t tabs = FieldCount - 1;
+  std::size_t start = 0;
+  for (std::size_t cr; (cr = line.find('\r', start)) != std::string_view::npos; start = cr + 1) {
+    const std::string_view before = line.substr(start, cr - start), after = line.substr(cr + 1);
+    const std::string_view next = after.substr(0, after.find('\r'));
+    const bool isWhole = reader.Number() == 1 || std::ranges::count(before, '\t') >= tabs;
+    if (isWhole && std::ranges::count(next, '\t') >= tabs) return true;
+  }
+  return false;
 }
 
 // Two-byte characters, by their mark or by the zeros in a header's first letters.
@@ -163,16 +179,21 @@ ReadOutcome ReadSigTable(std::istream& input) {
     LookAtHeader(*header, reader, outcome.Notes);
     const std::size_t cr = header->find('\r');
     const bool hasLoneCr = cr != std::string_view::npos && cr + 1 < header->size();
+    const auto refuseLoneCrs = [&reader] {
+      reader.Fail(ReadFailure::LoneCarriageReturns, ": lines end in a lone CR, not in CR LF or LF");
+    };
+    if (HidesARow(*header, reader)) refuseLoneCrs();
     while (const auto line = reader.Next()) {
+      if (HidesARow(*line, reader)) refuseLoneCrs();
       outcome.Table.Append(ParseRecord(*line, reader, outcome.Notes));
       outcome.Truncated = outcome.Table.Count == MaxRecords;
       if (outcome.Truncated) break;
     }
-    if (hasLoneCr && outcome.Table.Count == 0)
-      return Failed(ReadFailure::LoneCarriageReturns, 1, "line 1: lines end in a lone CR, not in CR LF or LF");
+    if (hasLoneCr && outcome.Table.Count == 0) refuseLoneCrs();
     if (outcome.Truncated) outcome.RowsLeftOut = reader.CountRest();
-    if (outcome.RowsLeftOut > 0)
-      outcome.Notes.push_back(std::to_string(outcome.RowsLeftOut) + " rows beyond the 200th were left out");
+    if (const int left = outcome.RowsLeftOut; left > 0)
+      outcome.Notes.push_back(std::to_string(left) + (left == 1 ? " row beyond the 200th was left out"
+                                                                : " rows beyond the 200th were left out"));
     return outcome;
   } catch (const Failure& failure) {
     return Failed(failure.Kind, reader.Number(), failure.Reason);
@@ -183,6 +204,7 @@ ReadOutcome ReadSigTable(std::istream& input) {
 
 ReadOutcome LoadSigFile(const std::filesystem::path& path) {
   HealInterruptedSaves();
+  const auto still = HoldStill(path);
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (!file) return Failed(ReadFailure::CannotOpen, 0, std::generic_category().message(errno));

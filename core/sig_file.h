@@ -36,7 +36,7 @@ enum class ReadFailure {
 struct ReadOutcome {
   SignalStandardTable Table;
   bool Truncated = false;  ///< 200 rows were read and the rest, if any, was only counted
-  /// Rows beyond the 200th, of those in the next MiB; 0 when there were exactly 200.
+  /// Rows beyond the 200th, of those in the next 256 MiB; 0 when there were exactly 200. Blank lines are none.
   int RowsLeftOut = 0;
   /// What was not taken as it stands in the file, a line (UTF-8) each, such as
   /// "line 3: \"880,2\" was read as 880".
@@ -49,7 +49,7 @@ struct ReadOutcome {
 };
 
 /// Reads a table from `input`. CR LF and a bare LF end a line; the last line needs no end. Text of 16-bit
-/// characters and lines that all end in a lone CR are failures: they would be read as something else.
+/// characters and lines that end in a lone CR are failures: they would be read as something else.
 ReadOutcome ReadSigTable(std::istream& input);
 ReadOutcome LoadSigFile(const std::filesystem::path& path);
 

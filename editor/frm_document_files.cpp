@@ -1,6 +1,7 @@
 // The document window: loading, saving, properties, report, printing and closing.
 #include <QApplication>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QLocale>
 #include <QScopedValueRollback>
 #include <algorithm>
@@ -18,6 +19,12 @@
 
 namespace chanplan {
 namespace {
+
+// A pipe or a device in a file's place could hold up whoever opens it for ever.
+bool IsNoFile(const QString& path) {
+  const QFileInfo info(path);
+  return info.exists() && !info.isFile() && !info.isDir();
+}
 
 // What a reload changed, in lines that a message box has room for.
 QString DifferenceText(const SignalStandardTable& former, const SignalStandardTable& reloaded) {
@@ -61,13 +68,18 @@ bool frmDocument::SaveChanplans(const QString& path) { return Save(path) != Save
 
 frmDocument::SaveResult frmDocument::Save(const QString& path) {
   if (StoreGridsToTable() == Commit::Nothing) ValidateTable();
+  if (IsNoFile(path)) {
+    ShowFailure(*this, "Error Saving File", path + " is no file.");
+    return SaveResult::Failed;
+  }
   if (!ChangedMeanwhile(path)) return Write(path);
-  const auto answer = Ask(
-      *this, QMessageBox::Warning, frame.ApplicationTitle(),
-      path + "\nhas been changed by another program or in another window since it was read here.\n" +
-          "Reload it and lose the changes made here, overwrite it, or keep both under two names?",
-      QMessageBox::Reset | QMessageBox::Save | QMessageBox::SaveAll | QMessageBox::Cancel,
-      {{QMessageBox::Reset, "&Reload"}, {QMessageBox::Save, "&Overwrite"}, {QMessageBox::SaveAll, "&Keep Both..."}});
+  const auto answer =
+      Ask(*this, QMessageBox::Warning, frame.ApplicationTitle(),
+          path + "\nhas been changed by another program or in another window since it was read here.\n" +
+              "Reload it and lose the changes made here, overwrite it, or keep both under two names?",
+          QMessageBox::Reset | QMessageBox::Save | QMessageBox::SaveAll | QMessageBox::Cancel,
+          {{QMessageBox::Reset, "&Reload"}, {QMessageBox::Save, "&Overwrite"}, {QMessageBox::SaveAll, "&Keep Both..."}},
+          QMessageBox::SaveAll);  // of the answers, the one that loses nothing
   if (answer == QMessageBox::Reset) return Reload(path);
   if (answer == QMessageBox::Save) return Write(path);
   if (answer != QMessageBox::SaveAll) return SaveResult::Failed;
@@ -119,6 +131,10 @@ bool frmDocument::SigReport(const QString& ReportName) {
       ((KnownFile && replaced->SameFile(*KnownFile)) || AreSameFile(PathOf(ReportName), PathOf(windowTitle())))) {
     ShowFailure(*this, "Error Saving Report",
                 ReportName + " is the table itself, which the report would take the place of.");
+    return false;
+  }
+  if (IsNoFile(ReportName)) {
+    ShowFailure(*this, "Error Saving Report", ReportName + " is no file.");
     return false;
   }
   const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());

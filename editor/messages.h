@@ -8,10 +8,12 @@
 namespace chanplan {
 
 /// Shows `text` over `owner` until the user answers with one of `buttons`, which is returned. `text`
-/// may hold TABs; lines are separated by LF or CR LF. `captions` are of buttons that say more than Yes or No.
+/// may hold TABs; lines are separated by LF or CR LF. `captions` are of buttons that say more than Yes or
+/// No; `assumed` is what the Enter key means.
 QMessageBox::StandardButton Ask(QWidget& owner, QMessageBox::Icon icon, const QString& title, const QString& text,
                                 QMessageBox::StandardButtons buttons,
-                                const std::map<QMessageBox::StandardButton, QString>& captions = {});
+                                const std::map<QMessageBox::StandardButton, QString>& captions = {},
+                                QMessageBox::StandardButton assumed = QMessageBox::NoButton);
 
 /// The same with an OK button.
 inline void ShowMessage(QWidget& owner, const QString& text, const QString& title = {},

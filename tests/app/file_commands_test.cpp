@@ -137,6 +137,38 @@ TEST_F(Files, PipeIsNoTableAndHoldsNothingUp) {
   EXPECT_EQ(messages.back().Text, "Can't open file: " + InFolder("pipe"));
 }
 
+TEST_F(Files, PipeThatTookAFilesPlaceHoldsNothingUpEither) {
+  const QString path = Table("a.sig", {"A"});
+  Start({path});
+  Frame().ActiveDocument()->InsertBlank();
+  ASSERT_TRUE(QFile::remove(path));
+  ASSERT_EQ(mkfifo((folder / "a.sig").c_str(), 0600), 0);
+  AnswerMessage();
+  Choose("mnuFileSave");
+  EXPECT_EQ(messages.back(), (Message{"Error Saving File", path + " is no file.", QMessageBox::Critical}));
+  EXPECT_TRUE(Frame().ActiveDocument()->State().Changed);
+}
+
+TEST_F(Files, EnterLosesNothingWhereAFileIsAskedAbout) {
+  const QString path = Table("a.sig", {"A"});
+  WriteFile(folder / "v1.2.sig", "former");
+  Start({path});
+  Frame().ActiveDocument()->InsertBlank();
+  WriteFile(folder / "a.sig", ReadFile(folder / "a.sig") + "2\t0\tB\t1\t2\t1\t2\t1\t1\t1\r\n");
+  const std::string former = ReadFile(folder / "a.sig");
+  Answer([this](QWidget& question) {
+    AnswerFileDialog(InFolder("other.sig"));  // to keep both
+    QTest::keyClick(&question, Qt::Key_Return);
+  });
+  Choose("mnuFileSave");
+  EXPECT_EQ(ReadFile(folder / "a.sig"), former);
+  EXPECT_EQ(Captions(), QStringList({InFolder("other.sig")}));
+  AnswerFileDialog(InFolder("v1.2"));
+  Answer([](QWidget& question) { QTest::keyClick(&question, Qt::Key_Return); });
+  Choose("mnuFileSaveAs");
+  EXPECT_EQ(ReadFile(folder / "v1.2.sig"), "former");
+}
+
 TEST_F(Files, AllFilesAreThoseWithoutATypeToo) {
   WriteFile(folder / "table", "header\r\n");
   SetStored("Recent Files/RecentFile1", InFolder("table"));  // so the dialog starts in this folder

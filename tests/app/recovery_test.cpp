@@ -196,6 +196,25 @@ TEST_F(RecoveryTest, UserIsToldOnceWhenNoCopyCanBeWritten) {
   Start({Table("a.sig", {"A"})});
   TypeName("B");
   EXPECT_TRUE(Get<QLabel>("sbStatusBarPanel1").text().startsWith("Changes are not safe from a crash"));
+  EXPECT_TRUE(Get<QLabel>("sbStatusBarPanel1").text().contains("Not a directory"));
+}
+
+TEST_F(RecoveryTest, CopyIsWrittenAsSoonAsItCanBe) {
+  WriteFile(folder / "chanplans", "no folder");
+  Start({Table("a.sig", {"A"})});
+  TypeName("B");
+  fs::remove(folder / "chanplans");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return CopyCount() == 1; }, 30000));
+}
+
+TEST_F(RecoveryTest, QuestionAboutManyTablesFitsOnTheScreen) {
+  for (int number = 1; number <= 40; ++number)
+    LeaveCopy("111-a-" + std::to_string(number),
+              {"Untitled " + QString::number(number), 0, std::nullopt, TableOfNames({"A"})});
+  AnswerQuestion(QMessageBox::Cancel);
+  Start();
+  EXPECT_TRUE(messages.back().Text.startsWith("Restore 40 tables that were not saved?"));
+  EXPECT_TRUE(messages.back().Text.endsWith("\nand 30 more"));
 }
 
 // ---- killed in the middle ------------------------------------------------------------------------

@@ -87,8 +87,10 @@ TEST_F(StartUp, DocumentsLargerThanTheAreaShowTheirUpperLeftCorner) {
 TEST(EditorCommandLine, TakesNamesAddressesAndQuestions) {
   QDir::setCurrent(QDir::tempPath());  // an earlier test's folder may be gone
   const QString here = QDir::currentPath();
-  EXPECT_EQ(ReadCommandLine({"a.sig", "file:///plans/b%20c.sig", "--", "--version", "file:///d.sig"}).Files,
-            QStringList({here + "/a.sig", "/plans/b c.sig", here + "/--version", "/d.sig"}));
+  EXPECT_EQ(ReadCommandLine(
+                {"a.sig", "file:///plans/b%20c.sig", "file://localhost/e.sig", "--", "--version", "file:///d.sig"})
+                .Files,
+            QStringList({here + "/a.sig", "/plans/b c.sig", "/e.sig", here + "/--version", "/d.sig"}));
   EXPECT_TRUE(ReadCommandLine({"a.sig", "--help"}).Answer.startsWith("Usage: chanplan-editor"));
   EXPECT_TRUE(ReadCommandLine({"--version"}).Answer.startsWith("Chanplan Editor "));
   EXPECT_FALSE(ReadCommandLine({"--version"}).Wrong);
@@ -200,7 +202,20 @@ TEST_F(StartUp, PlacementOutsideTheScreenIsBroughtBack) {
   SetStored("Settings/MainLeft", "900000");
   SetStored("Settings/MainTop", "-900000");
   Start();
-  EXPECT_EQ(Frame().pos(), QPoint(QGuiApplication::primaryScreen()->size().width() - Frame().width(), 0));
+  const int right = QGuiApplication::primaryScreen()->size().width() - Frame().width();
+  EXPECT_EQ(Frame().y(), 0);
+  EXPECT_LE(Frame().x(), right);
+  EXPECT_GE(Frame().x(), right - 20);  // room for borders
+}
+
+TEST_F(StartUp, FrameLargerThanTheScreenLeavesRoomForItsTitleBar) {
+  SetStored("Settings/MainWidth", "900000");
+  SetStored("Settings/MainHeight", "900000");
+  Start();
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  EXPECT_LE(Frame().width(), screen.width());
+  EXPECT_LE(Frame().height(), screen.height() - Frame().style()->pixelMetric(QStyle::PM_TitleBarHeight));
+  EXPECT_GE(Frame().height(), screen.height() - 60);
 }
 
 TEST_F(StartUp, PortThatTheMenuDoesNotHaveIsNamed) {

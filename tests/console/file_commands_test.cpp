@@ -209,8 +209,10 @@ TEST(SaveAs, KeepsTwoHundredRowsAndSaysSo) {
     const ProgramRun run = chanplan.Run({"save-as", "long.sig", "out.sig"});
     const int lost = table.Rows - std::min(table.Rows, 200);
     const std::string lostNote = "chanplan: " + std::to_string(lost) + " rows were lost: a table holds 200\n";
+    const std::string leftOut =
+        "chanplan: long.sig: " + std::to_string(lost) + " rows beyond the 200th were left out\n";
     EXPECT_EQ(run.Errors, (table.Noted ? "chanplan: long.sig: " + std::string(TruncationNote) + "\n" : "") +
-                              (lost > 0 ? lostNote : ""));
+                              (lost > 0 ? leftOut + lostNote : ""));
     EXPECT_EQ(run.ExitStatus, lost > 0 ? 3 : 0);
     EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(std::min(table.Rows, 200))));
   }
@@ -336,13 +338,19 @@ TEST(Merge, TellsWhatBecameOfEachStandard) {
 
 // what readers of damaged tables are told
 
-TEST(Damage, IsNotedByCheck) {
+TEST(Damage, IsNotedByEveryCommandThatReadsATable) {
   const Chanplan chanplan;
   WriteFile(chanplan.Folder / "plan.sig", SigText({"2|0|A|880,2|925.2|1|2.5|0.2|0.2|1"}));
-  const ProgramRun run = chanplan.Run({"check", "plan.sig"});
-  EXPECT_EQ(run.Errors,
-            "chanplan: plan.sig: line 2: \"880,2\" was read as 880\n"
-            "chanplan: plan.sig: line 2: \"2.5\" was read as 2\n");
+  WriteFile(chanplan.Folder / "empty.sig", SigText({}));
+  for (const Arguments& arguments :
+       {Arguments{"check", "plan.sig"}, Arguments{"list", "plan.sig"}, Arguments{"properties", "plan.sig"},
+        Arguments{"save-as", "plan.sig", "out.sig"}, Arguments{"merge", "empty.sig", "plan.sig", "out.sig"},
+        Arguments{"diff", "plan.sig", "empty.sig"}, Arguments{"report", "plan.sig", "out.htm"},
+        Arguments{"print", "plan.sig", "out.pdf"}, Arguments{"chart", "plan.sig", "out.svg"}})
+    EXPECT_EQ(chanplan.Run(arguments).Errors,
+              "chanplan: plan.sig: line 2: \"880,2\" was read as 880\n"
+              "chanplan: plan.sig: line 2: \"2.5\" was read as 2\n")
+        << arguments[0];
 }
 
 TEST(Diff, DoesNotCallAlikeWhatItHasNotSeen) {
@@ -374,7 +382,29 @@ TEST(Json, IsPrintedByCheckAndDiff) {
   EXPECT_EQ(diff.Output, "{\"alike\": true, \"differences\": []}\n");
 }
 
+TEST(Json, IsUtf8WhateverAFileIsCalled) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "bad\xFF.sig", SigText({}));
+  EXPECT_EQ(chanplan.Run({"check", "--format", "json", "bad\xFF.sig"}).Output,
+            "[{\"file\": \"bad\xEF\xBF\xBD.sig\", \"notes\": [], \"warnings\": []}]\n");
+}
+
 // names and arguments
+
+TEST(Names, ReachNoTerminalAsTheyStand) {
+  const Chanplan chanplan;
+  const std::string row = "2|0|A\x1B[31m|1|2|5|1|1|1|1";
+  WriteFile(chanplan.Folder / "a\x1B.sig", SigText({row}));
+  WriteFile(chanplan.Folder / "b.sig", SigText({"2|0|B\x1B|1|2|3|4|1|1|1"}));
+  for (const Arguments& arguments :
+       {Arguments{"check", "a\x1B.sig", "b.sig"}, Arguments{"merge", "a\x1B.sig", "b.sig", "out.sig"},
+        Arguments{"list", "a\x1B.sig"}, Arguments{"diff", "a\x1B.sig", "b.sig"}, Arguments{"properties", "a\x1B.sig"},
+        Arguments{"check", "missing\x1B.sig"}}) {
+    const ProgramRun run = chanplan.Run(arguments);
+    EXPECT_EQ((run.Output + run.Errors).find('\x1B'), std::string::npos) << arguments[0] << run.Output << run.Errors;
+    EXPECT_NE((run.Output + run.Errors).find('?'), std::string::npos) << arguments[0];
+  }
+}
 
 TEST(Names, InBracketsAreFilesAndNoLists) {
   const Chanplan chanplan;
@@ -671,6 +701,7 @@ TEST(Arguments, ThatAreWrongFailWithAReason) {
   const std::array cases = {
       WrongArguments{{}, "A subcommand is required\n"},
       WrongArguments{{"frobnicate"}, "chanplan: there is no command \"frobnicate\"; chanplan --help names them all\n"},
+      WrongArguments{{"--loud"}, "chanplan: there is no option \"--loud\"; chanplan --help names them all\n"},
       WrongArguments{{"check"}, "FILE is required\n"},
       WrongArguments{{"save-as", "a.sig"}, "OUT is required\n"},
       WrongArguments{{"merge", "a.sig", "b.sig"}, "OUT is required\n"},

@@ -97,5 +97,28 @@ TEST(Output, IsNeverTheTableThatItIsMadeOf) {
     }
 }
 
+TEST(Output, IsNotTheTableBehindAStandardStreamEither) {
+  const auto shell = [](const Chanplan& chanplan, const std::string& command) {
+    RunOptions options;
+    options.WorkingFolder = chanplan.Folder.Path();
+    return RunProgram({"/bin/sh", "-c", command, CHANPLAN_PROGRAM}, options);
+  };
+  for (const std::string& command : std::vector<std::string>{"report", "print", "chart"})
+    for (const std::string& streams :
+         std::vector<std::string>{"- plan.sig < plan.sig", "plan.sig - >> plan.sig", "- - < plan.sig 1<> plan.sig"}) {
+      SCOPED_TRACE(command + " " + streams);
+      const Chanplan chanplan;
+      WriteFile(chanplan.Folder / "plan.sig", Plan);
+      const ProgramRun run = shell(chanplan, "\"$0\" " + command + " " + streams);
+      EXPECT_NE(run.Errors.find("is the table itself"), std::string::npos) << run.Errors;
+      EXPECT_EQ(run.ExitStatus, 2);
+      EXPECT_EQ(ReadFile(chanplan.Folder / "plan.sig"), Plan);
+    }
+  // A device may be both.
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", Plan);
+  EXPECT_EQ(shell(chanplan, "cat plan.sig | \"$0\" chart - - | grep -c '</svg>'").Output, "1\n");
+}
+
 }  // namespace
 }  // namespace chanplan::testing

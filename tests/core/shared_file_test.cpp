@@ -222,7 +222,10 @@ TEST_F(SharedFile, IsNotChangedInPlaceWithoutACopy) {
   TempFolder::Allow(table, static_cast<fs::perms>(0666));
   TempFolder::Allow(folder / "plans", static_cast<fs::perms>(0555));
   TempFolder::Allow(folder / "state", static_cast<fs::perms>(0555));
-  EXPECT_EQ(SaveAs(Alice, AliceAlone), std::generic_category().message(EACCES));
+  // The file itself could be written: what could not be is named.
+  EXPECT_EQ(SaveAs(Alice, AliceAlone), "no copy of the former content could be kept in " +
+                                           (folder / "state" / "chanplans" / "saves").string() + " (" +
+                                           std::generic_category().message(EACCES) + ")");
   EXPECT_EQ(ReadFile(table), "former");
 }
 
@@ -288,6 +291,35 @@ TEST_F(SharedFile, IsWholeAgainWhereverAChangeInPlaceWasKilled) {
   }
   RecordProperty("torn before they were healed", torn);
   std::cout << torn << " of " << rounds << " kills had torn the file before it was healed\n";
+}
+
+// Two users whose folder takes no new file: one saves again and again, the other reads.
+TEST_F(SharedFile, IsNeverReadHalfChanged) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
+  TempFolder::Allow(table, static_cast<fs::perms>(0666));
+  TempFolder::Allow(folder / "plans", static_cast<fs::perms>(0555));
+  const SignalStandardTable tables[] = {BigTable('a'), BigTable('b')};
+  WriteFile(table, WriteSigTable(tables[0]));
+  std::atomic<int>& saves = SharedCounter();
+  const pid_t child = fork();
+  if (child == 0) {
+    BecomeUser(Alice, AliceAlone);
+    for (int save = 0;; ++save) {
+      if (SaveSigFile(table, tables[save % 2])) _exit(1);
+      ++saves;
+    }
+  }
+  int reads = 0;
+  for (; !HasFailure() && (reads < 100 || saves < 50); ++reads) {
+    const ReadOutcome outcome = LoadSigFile(table);
+    EXPECT_TRUE(outcome.Ok()) << outcome.Reason;
+    EXPECT_TRUE(outcome.Table == tables[0] || outcome.Table == tables[1]) << "read " << reads;
+    ASSERT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "saving failed";
+    // Whoever reads without a pause never lets a save begin.
+    std::this_thread::sleep_for(std::chrono::microseconds(200 * (reads % 5)));
+  }
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
 }
 
 // What a crash in the middle of a change in place leaves: the copy, and the file as it then is.
@@ -378,10 +410,14 @@ TEST(ReplaceFile, WritesToADescriptorWhoseFileHasNoName) {
 TEST(ReplaceFile, SweepsWhatDeadProcessesLeftInTheFolder) {
   const TempFolder folder;
   const std::string own = ".chanplan-" + std::to_string(getpid()) + "-7";
-  for (const std::string& name : {std::string(".chanplan-999999999-0"), own, std::string(".chanplan-notes")})
-    WriteFile(folder / name, "left");
+  const Names others = {own, ".chanplan-notes", ".chanplan-999999999-x", ".chanplan-999999999"};
+  for (const std::string& name : others) WriteFile(folder / name, "left");
+  WriteFile(folder / ".chanplan-999999999-0", "left");
+  ASSERT_EQ(mkfifo((folder / ".chanplan-999999999-1").c_str(), 0600), 0);  // nothing that a save makes
   EXPECT_FALSE(ReplaceFile(folder / "table.sig", "new"));
-  EXPECT_EQ(NamesIn(folder.Path()), (Names{own, ".chanplan-notes", "table.sig"}));
+  Names kept = others;
+  kept.insert({".chanplan-999999999-1", "table.sig"});
+  EXPECT_EQ(NamesIn(folder.Path()), kept);
 }
 
 TEST(FileStamp, ChangesWithTheFile) {

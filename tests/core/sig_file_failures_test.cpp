@@ -123,6 +123,12 @@ TEST(ReadSigTable, FailsAsAWholeAndTellsTheLine) {
       {"UTF-16, the other way round", "\0S\0t\0a\0\r\0\n"s, ReadFailure::Utf16, 1, "line 1 is text of"},
       {"lines that end in a lone CR", "header\r2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r",
        ReadFailure::LoneCarriageReturns, 1, "lines end in a lone CR"},
+      {"a header and rows that end in a lone CR, then in CR LF",
+       "header\r2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r\n" + Row, ReadFailure::LoneCarriageReturns, 1,
+       "line 1: lines end in a lone CR"},
+      {"one row of several that ends in a lone CR",
+       Header + Row + "2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r" + Row, ReadFailure::LoneCarriageReturns, 3,
+       "line 3: lines end in a lone CR"},
       {"blank line at the end", Header + Row + "\r\n", fewFields, 3, "line 3 has 1 field"},
       {"blank line in the middle", Header + Row + "\r\n" + Row, fewFields, 3, "line 3 has 1 field"},
       {"blank line after the header", Header + "\n", fewFields, 2, "line 2 has 1 field"},
@@ -161,6 +167,9 @@ TEST(ReadSigTable, NotesWhatItDidNotTakeAsItStands) {
   EXPECT_EQ(Read(Header + row + "abc\t0\tGSM\t890,2\t9x\t1.5\t124\t0.2\t0.2.1\t1\r\n").Notes,
             (Lines{"line 3: \"890,2\" was read as 890", "line 3: \"9x\" was read as 9", "line 3: \"1.5\" was read as 2",
                    "line 3: \"0.2.1\" was read as 0.2", "line 3: \"abc\" was read as 0"}));
+  EXPECT_EQ(Read(Header + "0\t0\tA\t1e400\t-1e999\t0\t0\t0\t0\t0\r\n").Notes,
+            (Lines{"line 2: \"1e400\" was read as 1.79769313486232E+308",
+                   "line 2: \"-1e999\" was read as -1.79769313486232E+308"}));
   EXPECT_EQ(Read(row + row).Notes, Lines{"line 1 looks like a row, and was left out as the header"});
 }
 
@@ -171,6 +180,15 @@ TEST(ReadSigTable, TellsTheRowsBeyondTheTwoHundredth) {
     EXPECT_EQ(outcome.RowsLeftOut, std::max(count - 200, 0));
   }
   EXPECT_EQ(Read(Header + Rows(200) + "last, without an end").RowsLeftOut, 1);
+  EXPECT_EQ(Read(Header + Rows(200) + "\r\n\n\r\n").RowsLeftOut, 0);
+  EXPECT_EQ(Read(Header + Rows(100'200)).RowsLeftOut, 100'000);
+  EXPECT_EQ(Read(Header + Rows(201)).Notes, std::vector<std::string>{"1 row beyond the 200th was left out"});
+}
+
+TEST(ReadSigTable, KeepsALoneCarriageReturnInAName) {
+  const ReadOutcome outcome = Read(Header + "2\t0\tA\rB\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r\n");
+  ASSERT_TRUE(outcome.Ok()) << outcome.Reason;
+  EXPECT_EQ(outcome.Table.Row(0).Name, "A\rB");
 }
 
 TEST(ReadSigTable, KeepsNoRowInReachAfterAFailure) {
