@@ -59,8 +59,7 @@ void frmMain::mnuFilePrint_Click() {
   if (document == nullptr) return;
   const QString printer = DefaultPrinterName();
   if (printer.isEmpty())
-    return ShowMessage(*this, "There is no default printer: choose one in the system's settings.", "Print",
-                       QMessageBox::Warning);
+    return ShowMessage(*this, Sentence(QString::fromStdString(WhyNoDefaultPrinter())), "Print", QMessageBox::Warning);
   const auto answer =
       Ask(*this, QMessageBox::NoIcon, "Print", "Print Signal Standard list to default printer?\r\n[" + printer + "]",
           QMessageBox::Ok | QMessageBox::Cancel);

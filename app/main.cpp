@@ -8,15 +8,26 @@
 #include "settings/user_settings.h"
 #include "unit/qt_serial_port.h"
 
+namespace {
+
+int Print(const chanplan::CommandLine& line) {
+  std::fputs(qPrintable(line.Answer), line.Wrong ? stderr : stdout);
+  return line.Wrong ? 2 : 0;
+}
+
+}  // namespace
+
 int main(int argc, char* argv[]) {
   using namespace chanplan;
+  // Questions are answered where there is no screen, too.
+  if (const CommandLine asked = ReadCommandLine(QStringList(argv + 1, argv + argc));
+      !asked.Answer.isEmpty() && !asked.Wrong)
+    return Print(asked);
   const QApplication application(argc, argv);
   QGuiApplication::setDesktopFileName("chanplan-editor");  // so that the desktop finds the icon
+  // The platform library has taken out the options that are its own.
   const CommandLine line = ReadCommandLine(QApplication::arguments().mid(1));
-  if (!line.Answer.isEmpty()) {
-    std::fputs(qPrintable(line.Answer), line.Wrong ? stderr : stdout);
-    return line.Wrong ? 2 : 0;
-  }
+  if (!line.Answer.isEmpty()) return Print(line);
   AppMain app(std::make_unique<QtSerialPort>(CommDevice), SystemTiming(), frmDocument::Make);
   app.Main(line.Files);
   QObject::connect(app.Frame.get(), &frmMain::Ended, &application, [] { QApplication::exit(); });

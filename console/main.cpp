@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "console/command.h"
@@ -10,12 +11,22 @@
 namespace chanplan {
 namespace {
 
-// The arguments behind the program's name. One in brackets would be taken for a list of files.
-std::vector<std::string> Arguments(int argc, char** argv) {
-  std::vector<std::string> arguments(argv + 1, argv + argc);
-  for (std::string& argument : arguments)
-    if (argument.starts_with('[') && argument.ends_with(']')) argument.insert(0, "./");
-  return arguments;
+constexpr std::string_view Shield = "./";
+
+// The library takes what stands in brackets for a list; behind a shield it is a name.
+std::string Shielded(const std::string& argument) {
+  std::string_view bare = argument;
+  while (bare.starts_with(Shield)) bare.remove_prefix(Shield.size());
+  return bare.starts_with('[') && bare.ends_with(']') ? std::string(Shield) + argument : argument;
+}
+
+std::string Unshielded(const std::string& argument) {
+  const bool shielded = argument.starts_with(Shield) && Shielded(argument) != argument;
+  return shielded ? argument.substr(Shield.size()) : argument;
+}
+
+void TakeShieldsOff(CLI::App& command) {
+  for (CLI::Option* option : command.get_options([](CLI::Option*) { return true; })) option->transform(Unshielded, "");
 }
 
 void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
@@ -45,11 +56,15 @@ int main(int argc, char** argv) {
     addCommand(app, exitCode);
   constexpr char version[] = "Chanplan Editor " CHANPLAN_VERSION;
   app.set_version_flag("--version", version);
-  for (CLI::App* command : app.get_subcommands({})) command->set_version_flag("--version", version);
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->set_version_flag("--version", version);
+    TakeShieldsOff(*command);
+  }
   try {
-    std::vector<std::string> arguments = Arguments(argc, argv);
+    std::vector<std::string> arguments(argv + 1, argv + argc);
     RefuseUnknownCommand(app, arguments);
     try {
+      std::ranges::transform(arguments, arguments.begin(), Shielded);
       std::ranges::reverse(arguments);  // as the library wants them
       app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {  // a request for help is one, too

@@ -10,16 +10,23 @@ namespace chanplan {
 
 QString DefaultPrinterName() { return QPrinterInfo::defaultPrinterName(); }
 
+std::string WhyNoDefaultPrinter() {
+  const std::string server = SilentPrintServer();
+  return server.empty() ? "there is no default printer: choose one in the system's settings"
+                        : "the print server " + server + " is stopped or cannot be reached";
+}
+
 void PrintOnDefaultPrinter(const QString& title, const std::function<void(PrintSurface&)>& draw) {
   const QPrinterInfo info = QPrinterInfo::defaultPrinter();
-  if (info.isNull()) throw PrintFailure("there is no default printer: choose one in the system's settings");
-  if (!QueueAcceptsJobs(info.printerName().toStdString()))
-    throw PrintFailure("the printer " + info.printerName().toStdString() + " does not accept documents");
-  QPrinter printer(info, QPrinter::HighResolution);
+  if (info.isNull()) throw PrintFailure(WhyNoDefaultPrinter());
+  QPrinter printer(info);
   printer.setDocName(title);
-  printer.setPageMargins({PageMargin, PageMargin, PageMargin, PageMargin}, QPageLayout::Inch);
+  printer.setResolution(DotsPerInch);
+  printer.setPageMargins(ListingMargins(printer.pageLayout()), QPageLayout::Inch);
   QtPrintSurface surface(printer);
   draw(surface);
+  if (const std::string refusal = DocumentRefusal(); !refusal.empty())
+    throw PrintFailure("the printer " + info.printerName().toStdString() + " does not take it: " + refusal);
 }
 
 }  // namespace chanplan

@@ -151,7 +151,7 @@ void frmDocument::PrintSigs() {
                           [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
     frame.ShowStatus("The listing was sent to " + DefaultPrinterName() + ".");
   } catch (const PrintFailure& failure) {
-    ShowFailure(*this, "Print", "The listing was not printed: " + QString::fromUtf8(failure.what()) + ".");
+    ShowFailure(*this, "Print", Sentence("the listing was not printed: " + QString::fromUtf8(failure.what())));
   }
 }
 

@@ -7,6 +7,12 @@
 
 namespace chanplan {
 
+/// `words` (not empty) with a capital letter and a full stop.
+inline QString Sentence(QString words) {
+  words[0] = words[0].toUpper();
+  return words.endsWith('.') ? words : words + '.';
+}
+
 /// Shows `text` over `owner` until the user answers with one of `buttons`, which is returned. `text`
 /// may hold TABs; lines are separated by LF or CR LF. `captions` are of buttons that say more than Yes or
 /// No; `assumed` is what the Enter key means.

@@ -1,11 +1,15 @@
-// What a print queue says of itself, which the platform library does not ask.
+// What the print system says of itself, which the platform library does not ask.
 #pragma once
 
 #include <string>
 
 namespace chanplan {
 
-/// Whether the queue `name` takes documents. A queue that says nothing counts as one that does.
-bool QueueAcceptsJobs(const std::string& name);
+/// The name of the print server when it cannot be reached; empty when it answers.
+std::string SilentPrintServer();
+
+/// Why the document that this thread has just sent was not taken, in the print server's words; empty when it
+/// was.
+std::string DocumentRefusal();
 
 }  // namespace chanplan

@@ -1,8 +1,7 @@
-// CUPS: the platform library drops a document that the queue turns away, and tells nobody.
+// CUPS: the platform library sends documents through it, and looks at no outcome.
 #include <cups/cups.h>
 
 #include <QLibrary>
-#include <string_view>
 
 #include "editor/print_queue.h"
 
@@ -16,19 +15,31 @@ Function* Resolve(const char* name) {
   return reinterpret_cast<Function*>(QLibrary::resolve("cups", 2, name));
 }
 
+// The outcome of this thread's last request.
+ipp_status_t LastStatus() {
+  const auto lastError = Resolve<decltype(cupsLastError)>("cupsLastError");
+  return lastError == nullptr ? IPP_STATUS_OK : lastError();
+}
+
+std::string LastReason() {
+  const auto lastErrorString = Resolve<decltype(cupsLastErrorString)>("cupsLastErrorString");
+  const char* reason = lastErrorString == nullptr ? nullptr : lastErrorString();
+  return reason == nullptr || *reason == '\0' ? "no reason was given" : reason;
+}
+
 }  // namespace
 
-bool QueueAcceptsJobs(const std::string& name) {
-  const auto getDestination = Resolve<decltype(cupsGetNamedDest)>("cupsGetNamedDest");
-  const auto getOption = Resolve<decltype(cupsGetOption)>("cupsGetOption");
-  const auto freeDestinations = Resolve<decltype(cupsFreeDests)>("cupsFreeDests");
-  if (getDestination == nullptr || getOption == nullptr || freeDestinations == nullptr) return true;
-  cups_dest_t* queue = getDestination(CUPS_HTTP_DEFAULT, name.c_str(), nullptr);
-  if (queue == nullptr) return true;
-  const char* accepting = getOption("printer-is-accepting-jobs", queue->num_options, queue->options);
-  const bool accepts = accepting == nullptr || std::string_view(accepting) != "false";
-  freeDestinations(1, queue);
-  return accepts;
+// The library's reason tells little here, such as "Bad file descriptor".
+std::string SilentPrintServer() {
+  const auto server = Resolve<decltype(cupsServer)>("cupsServer");
+  const auto newRequest = Resolve<decltype(ippNewRequest)>("ippNewRequest");
+  const auto doRequest = Resolve<decltype(cupsDoRequest)>("cupsDoRequest");
+  const auto deleteAnswer = Resolve<decltype(ippDelete)>("ippDelete");
+  if (server == nullptr || newRequest == nullptr || doRequest == nullptr || deleteAnswer == nullptr) return {};
+  deleteAnswer(doRequest(CUPS_HTTP_DEFAULT, newRequest(IPP_OP_CUPS_GET_DEFAULT), "/"));
+  return LastStatus() == IPP_STATUS_ERROR_SERVICE_UNAVAILABLE ? server() : std::string();
 }
+
+std::string DocumentRefusal() { return LastStatus() <= IPP_STATUS_OK_EVENTS_COMPLETE ? std::string() : LastReason(); }
 
 }  // namespace chanplan

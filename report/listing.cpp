@@ -7,6 +7,7 @@
 
 #include "core/text_encoding.h"
 #include "report/formatted_values.h"
+#include "report/text_width.h"
 
 namespace chanplan {
 namespace {
@@ -61,12 +62,26 @@ void PrintValues(PrintSurface& surface, const SignalStandardRecord& record) {
   surface.EndLine();
 }
 
+// A path's end tells more than its start.
+std::string Title(const PrintSurface& surface, std::string_view caption) {
+  constexpr std::string_view start = "File: ";
+  const auto titleOf = [&](std::u32string_view shown) {
+    std::string title(start);
+    for (const char32_t letter : shown) AppendUtf8(title, letter);
+    return title;
+  };
+  const auto fits = [&](std::u32string_view shown) {
+    return surface.TextWidth(titleOf(shown)) <= RuleRight - TitleLeft;
+  };
+  return titleOf(EndThatFits(Utf32FromUtf8(caption), fits));
+}
+
 }  // namespace
 
 void PrintListing(PrintSurface& surface, const SignalStandardTable& table, std::string_view caption) {
   surface.SetFont(FontName, TitlePoints);
   surface.MoveTo(TitleLeft, Top);
-  surface.Print("File: " + std::string(caption));
+  surface.Print(Title(surface, caption));
   surface.EndLine();
   surface.EndLine();
   surface.SetFont(FontName, ListPoints);

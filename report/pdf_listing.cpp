@@ -9,11 +9,9 @@
 namespace chanplan {
 namespace {
 
-constexpr int DotsPerInch = 600;
-
 QPageLayout PageLayout(PaperSize paper) {
   const QPageSize size(paper == PaperSize::A4 ? QPageSize::A4 : QPageSize::Letter);
-  return {size, QPageLayout::Portrait, QMarginsF(PageMargin, PageMargin, PageMargin, PageMargin), QPageLayout::Inch};
+  return {size, QPageLayout::Portrait, ListingMargins({}), QPageLayout::Inch};
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace chanplan {
 enum class PaperSize { Letter, A4 };
 
 /// The file's bytes for the listing of `table` in a document captioned `caption` (UTF-8). Leaves a
-/// quarter of an inch free at every edge; a device dot is 1/600 inch. A QGuiApplication must live,
+/// quarter of an inch free at every edge; a device dot is 1/720 inch. A QGuiApplication must live,
 /// on whatever screen or none. Throws PrintFailure.
 std::string PdfListing(const SignalStandardTable& table, std::string_view caption, PaperSize paper);
 

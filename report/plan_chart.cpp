@@ -10,6 +10,7 @@
 #include "core/number_picture.h"
 #include "core/text_encoding.h"
 #include "report/plan_bands.h"
+#include "report/text_width.h"
 
 namespace chanplan {
 namespace {
@@ -36,15 +37,19 @@ constexpr std::size_t MostLanesInABlock = 30;  // an axis is in sight wherever a
 constexpr int MostTicks = 20;
 constexpr double NarrowestSpectrum = MostTicks;  // MHz: ticks are a megahertz apart or more
 constexpr double TickLabelWidth = 34;
-constexpr double BreakWidth = 44;            // room for the ticks' labels on either side
-constexpr double NarrowestBreak = 10;        // a gap in the spectrum is left out from this part of the whole on
-constexpr std::size_t LongestLabel = 30;     // characters
-constexpr std::size_t LongestCaption = 120;  // characters
+constexpr double BreakWidth = 44;      // room for the ticks' labels on either side
+constexpr double NarrowestBreak = 10;  // a gap in the spectrum is left out from this part of the whole on
+constexpr double FontSize = 12;
+constexpr double CaptionFontSize = 18;
+constexpr double RoomForALabel = PlotLeft - Edge - 8;
+constexpr double RoomForTheCaption = ChartWidth - 2 * Edge;
 constexpr std::size_t MostNamesTold = 5;
 
-// Renderers without media queries show the light colours on a background of their own.
+// Renderers without media queries show the light colours on a background of their own. Browsers are told of
+// both schemes, or they would put their own around a dark drawing.
 constexpr std::string_view Style =
     "<style>\n"
+    "svg { color-scheme: light dark }\n"
     "text { font: 12px 'Liberation Sans', Arial, Helvetica, sans-serif; fill: #1c2024 }\n"
     ".caption { font-size: 18px }\n"
     ".tick, .note { font-size: 11px; fill: #59626b }\n"
@@ -95,17 +100,17 @@ std::string XmlText(std::u32string_view codes) {
 
 std::string NameText(std::string_view name) { return XmlText(Utf32FromUtf8(Utf8FromWindows1252(name))); }
 
-// A name as there is room for it.
-std::string Label(std::string_view name) {
-  if (name.size() <= LongestLabel) return NameText(name);
-  return NameText(name.substr(0, LongestLabel - 1)) + "\u2026";
+Fits Within(double room, double fontSize) {
+  return [=](std::u32string_view text) { return TextWidth(text, fontSize) <= room; };
 }
 
-// The end of a long path says more than its start.
+// A name as there is room for it.
+std::string Label(std::string_view name) {
+  return XmlText(StartThatFits(Utf32FromUtf8(Utf8FromWindows1252(name)), Within(RoomForALabel, FontSize)));
+}
+
 std::string CaptionText(std::string_view caption) {
-  const std::u32string codes = Utf32FromUtf8(caption);
-  if (codes.size() <= LongestCaption) return XmlText(codes);
-  return "\u2026" + XmlText(std::u32string_view(codes).substr(codes.size() - LongestCaption + 1));
+  return XmlText(EndThatFits(Utf32FromUtf8(caption), Within(RoomForTheCaption, CaptionFontSize)));
 }
 
 std::string Pixels(double value) {

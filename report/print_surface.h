@@ -21,7 +21,8 @@ class PrintSurface {
   virtual void SetFont(std::string_view name, double points) = 0;
   virtual double TextWidth(std::string_view text) const = 0;
   virtual double PrintableHeight() const = 0;
-  /// A straight line, `penWidth` device dots wide. The position stays.
+  /// A horizontal line, `penWidth` device dots wide, with its upper edge at the two points: letters that
+  /// end there are not touched. The position stays.
   virtual void DrawLine(double x1, double y1, double x2, double y2, int penWidth) = 0;
   /// Ends the document and sends it where it belongs. Nothing is drawn after it.
   virtual void EndDocument() = 0;

@@ -1,8 +1,19 @@
 #include "report/qt_print_surface.h"
 
 #include <QFontInfo>
+#include <algorithm>
 
 namespace chanplan {
+
+QMarginsF ListingMargins(const QPageLayout& page) {
+  constexpr double usual = 0.25;
+  QPageLayout inInches = page;
+  inInches.setUnits(QPageLayout::Inch);
+  const QMarginsF least = inInches.minimumMargins();
+  return {std::max(usual, least.left()), std::max(usual, least.top()), std::max(usual, least.right()),
+          std::max(usual, least.bottom())};
+}
+
 QtPrintSurface::QtPrintSurface(QPagedPaintDevice& paintDevice) : device(paintDevice) {
   // Without fonts the painter would draw no letter, and not say so. A document that has begun is printed.
   if (QFontInfo(QFont()).family().isEmpty()) throw PrintFailure("no font is installed to print with");
@@ -23,8 +34,9 @@ double QtPrintSurface::TextWidth(std::string_view text) const {
 double QtPrintSurface::PrintableHeight() const { return static_cast<double>(device.height()) / device.logicalDpiY(); }
 
 void QtPrintSurface::DrawLine(double x1, double y1, double x2, double y2, int penWidth) {
-  painter.setPen(QPen(Qt::black, penWidth));
-  painter.drawLine(Dots(x1, y1), Dots(x2, y2));
+  painter.setPen(QPen(Qt::black, penWidth, Qt::SolidLine, Qt::FlatCap));
+  const QPointF halfAPen(0, penWidth / 2.0);
+  painter.drawLine(Dots(x1, y1) + halfAPen, Dots(x2, y2) + halfAPen);
 }
 
 void QtPrintSurface::EndDocument() {

@@ -1,6 +1,8 @@
 // The surface on the platform library's printers and PDF writers.
 #pragma once
 
+#include <QMarginsF>
+#include <QPageLayout>
 #include <QPagedPaintDevice>
 #include <QPainter>
 
@@ -8,12 +10,17 @@
 
 namespace chanplan {
 
-/// What printers commonly cannot reach at a page's edges, inches. It leaves the listing's 7.75 on every
-/// usual paper.
-inline constexpr double PageMargin = 0.25;
+/// Ten dots a point: the library takes sizes of letters in whole dots, and would make others of 14 and 10
+/// points. The same everywhere, so that lines are as high on every printer as in a PDF file.
+inline constexpr int DotsPerInch = 720;
 
-/// Draws on a printer or PDF writer, whose page size and margins are the caller's: the listing is
-/// 7.75 inches wide. A QGuiApplication must live. What the device only finds out once its queue has
+/// The margins of a page like `page`, whose minimum margins count: a quarter of an inch, which printers commonly
+/// cannot reach, and more where this one cannot reach more. It leaves the listing's 7.75 inches on every usual
+/// paper.
+QMarginsF ListingMargins(const QPageLayout& page);
+
+/// Draws on a printer or PDF writer, whose resolution, page size and margins are the caller's: the listing
+/// is 7.75 inches wide. A QGuiApplication must live. What the device only finds out once its queue has
 /// taken the document, it tells nobody.
 class QtPrintSurface : public PrintSurface {
  public:

@@ -161,6 +161,7 @@ Settings ParseArguments(CLI::App& app, int argc, char** argv) {
   CLI::Option* nth = app.add_option("--nth", settings.Unit.DropInterval, "which bytes drop-every-nth-byte loses")
                          ->capture_default_str()
                          ->check(CLI::PositiveNumber);
+  app.set_version_flag("--version", "Chanplan Editor " CHANPLAN_VERSION);
   app.add_flag("--trace", settings.Trace, "print what it receives, does and sends, with the seconds since its start");
   app.footer(FaultHelp());
   app.parse(argc, argv);

@@ -32,7 +32,11 @@ PrintQueue::PrintQueue() {
 }
 
 PrintQueue::~PrintQueue() {
-  HidePrinters();
+  Stop();
+  cupsSetServer("/nonexistent/socket");
+}
+
+void PrintQueue::Stop() {
   server.terminate();
   if (!server.waitForFinished(5000)) server.kill();
 }
@@ -45,8 +49,8 @@ void PrintQueue::Start() {
   TempFolder::Allow(folder / "printed", fs::perms::all);  // backends have no rights
   WriteFile(folder / "bin/backend/save", SaveBackend);
   TempFolder::Allow(folder / "bin/backend/save", fs::perms(0755));
-  WriteFile(folder / "etc/cupsd.conf", "Listen " + root +
-                                           "/socket\n"
+  WriteFile(folder / "etc/cupsd.conf", "Listen " + Socket() +
+                                           "\n"
                                            "Browsing No\n"
                                            "WebInterface No\n"
                                            "DefaultAuthType None\n"
@@ -57,21 +61,29 @@ void PrintQueue::Start() {
                                                 root + "/state\nCacheDir " + root + "/cache\nRequestRoot " + root +
                                                 "/spool\nTempDir " + root + "/tmp\nAccessLog " + root +
                                                 "/access\nErrorLog " + root + "/errors\nPageLog " + root + "/pages\n");
-  server.start(Server, {"-f", "-c", QString::fromStdString(root + "/etc/cupsd.conf"), "-s",
-                        QString::fromStdString(root + "/etc/cups-files.conf")});
-  const std::string socket = root + "/socket";
-  if (!server.waitForStarted() || !WaitFor(10s, [&] { return fs::exists(socket); })) {
-    whyNot = "the print server does not start";
-    return;
-  }
-  cupsSetServer(socket.c_str());
-  const RunOptions options{.Environment = {"CUPS_SERVER=" + socket}};
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{Administration, "-p", "Listing", "-E", "-m", "raw", "-v",
-                                 "save:" + root + "/printed/document"},
-        {Administration, "-d", "Listing"}})
-    if (const ProgramRun run = RunProgram(command, options); run.ExitStatus != 0)
-      whyNot = "the print server takes no queue: " + run.Errors;
+  StartServer();
+  if (whyNot) return;
+  cupsSetServer(Socket().c_str());
+  Configure({"-p", "Listing", "-E", "-m", "raw", "-v", "save:" + root + "/printed/document"});
+  Configure({"-d", "Listing"});
+}
+
+void PrintQueue::StartServer() {
+  fs::remove(Socket());
+  server.start(Server, {"-f", "-c", QString::fromStdString((folder / "etc/cupsd.conf").string()), "-s",
+                        QString::fromStdString((folder / "etc/cups-files.conf").string())});
+  const auto answers = [this] {
+    http_t* connection = httpConnect2(Socket().c_str(), 0, nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, 1000, nullptr);
+    httpClose(connection);
+    return connection != nullptr;
+  };
+  if (!server.waitForStarted() || !WaitFor(10s, answers)) whyNot = "the print server does not start";
+}
+
+void PrintQueue::Configure(std::vector<std::string> options) {
+  options.insert(options.begin(), Administration);
+  if (const ProgramRun run = RunProgram(options, {.Environment = {"CUPS_SERVER=" + Socket()}}); run.ExitStatus != 0)
+    whyNot = "the print server takes no queue: " + run.Errors;
 }
 
 std::string PrintQueue::Printed() const {
@@ -87,10 +99,14 @@ int PrintQueue::Documents() const {
 }
 
 void PrintQueue::Reject() {
-  const std::string socket = (folder / "socket").string();
-  RunProgram({"/usr/sbin/cupsreject", "Listing"}, {.Environment = {"CUPS_SERVER=" + socket}});
+  RunProgram({"/usr/sbin/cupsreject", "Listing"}, {.Environment = {"CUPS_SERVER=" + Socket()}});
 }
 
-void HidePrinters() { cupsSetServer("/nonexistent/socket"); }
+void PrintQueue::LimitDocuments(const std::string& size) {
+  Stop();
+  const fs::path settings = folder / "etc/cupsd.conf";
+  WriteFile(settings, ReadFile(settings) + "LimitRequestBody " + size + "\n");
+  StartServer();
+}
 
 }  // namespace chanplan::testing

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tests/core/temp_folder.h"
 
@@ -23,16 +24,21 @@ class PrintQueue {
   /// Documents that were sent to it so far.
   int Documents() const;
   void Reject();
+  /// Documents larger than `size`, such as "5k", are refused from now on.
+  void LimitDocuments(const std::string& size);
+  /// Calls lpadmin.
+  void Configure(std::vector<std::string> options);
+  /// Makes an end of the server.
+  void Stop();
 
  private:
   void Start();
+  void StartServer();
+  std::string Socket() const { return (folder / "socket").string(); }
 
   TempFolder folder;
   QProcess server;
   std::optional<std::string> whyNot;
 };
-
-/// Takes the printers of the person who runs the tests away from this process.
-void HidePrinters();
 
 }  // namespace chanplan::testing

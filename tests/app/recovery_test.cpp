@@ -68,7 +68,8 @@ class RecoveryTest : public AppTest {
 }  // namespace
 
 TEST(RecoveryCopy, HoldsAllOfADocument) {
-  UnsavedTable unsaved{"/home/bob/50 % more\nlines.sig", 4711, FileStamp{1, 2, -3, 4}, TableOfNames({"A", "\xC4 b"})};
+  UnsavedTable unsaved{"/home/bob/50 % more\tTABs\nand lines\r.sig ", 4711, FileStamp{1, 2, -3, 4},
+                       TableOfNames({"A", "\xC4 b"})};
   EXPECT_EQ(ReadCopyText(CopyText(unsaved)), unsaved);
   unsaved.KnownFile.reset();
   EXPECT_EQ(ReadCopyText(CopyText(unsaved)), unsaved);
@@ -135,6 +136,20 @@ TEST_F(RecoveryTest, NextStartRestoresWhatWasLeft) {
   // They are no safer than before until they are saved.
   EXPECT_EQ(CopyCount(), 2);
   EXPECT_FALSE(fs::exists(CopyFolder() / "111-a-1.copy"));
+}
+
+TEST_F(RecoveryTest, CaptionsComeBackWhole) {
+  const QString caption = Table("tab\tand\nline end 50 %41.sig");
+  Start({caption});
+  app->Registry.Document(1)->State().Changed = true;
+  ASSERT_TRUE(app->Recovery.Update());
+  const UnsavedTable left = ReadCopyText(ReadFile(OnlyCopy())).value();
+  AnswerMessage(QMessageBox::No);
+  Exit();
+  LeaveCopy("111-a-1", left);
+  AnswerQuestion(QMessageBox::Yes);
+  Start();
+  EXPECT_EQ(Captions(), QStringList({caption}));
 }
 
 TEST_F(RecoveryTest, WhatIsDiscardedIsGoneAndWhatIsPutOffIsOfferedAgain) {

@@ -7,6 +7,7 @@
 #include "app/placement.h"
 #include "editor/twips.h"
 #include "tests/app/app_fixture.h"
+#include "tests/console/program.h"
 
 using namespace chanplan;
 using namespace chanplan::testing;
@@ -95,6 +96,25 @@ TEST(EditorCommandLine, TakesNamesAddressesAndQuestions) {
   EXPECT_TRUE(ReadCommandLine({"--version"}).Answer.startsWith("Chanplan Editor "));
   EXPECT_FALSE(ReadCommandLine({"--version"}).Wrong);
   EXPECT_TRUE(ReadCommandLine({"--loud", "a.sig"}).Wrong);
+}
+
+TEST(EditorCommandLine, AnswersQuestionsWhereThereIsNoScreen) {
+  for (const auto& [question, answer] :
+       {std::pair{"--help", "Usage: chanplan-editor"}, {"--version", "Chanplan Editor " CHANPLAN_VERSION "\n"}}) {
+    const ProgramRun run = RunProgram({EDITOR_PROGRAM, question},
+                                      {.Environment = {"QT_QPA_PLATFORM=xcb", "DISPLAY=", "WAYLAND_DISPLAY="}});
+    EXPECT_TRUE(run.Output.starts_with(answer)) << run.Output;
+    EXPECT_EQ(run.Errors, "");
+    EXPECT_EQ(run.ExitStatus, 0);
+  }
+}
+
+TEST(EditorCommandLine, LeavesThePlatformLibraryItsOptions) {
+  const ProgramRun run =
+      RunProgram({EDITOR_PROGRAM, "--platform", "offscreen", "--loud"}, {.Environment = {"QT_QPA_PLATFORM=xcb"}});
+  EXPECT_TRUE(run.Errors.ends_with("There is no option --loud; chanplan-editor --help names them all.\n"))
+      << run.Errors;
+  EXPECT_EQ(run.ExitStatus, 2);
 }
 
 TEST_F(StartUp, OpensTheTablesItIsGiven) {

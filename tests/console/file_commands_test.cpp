@@ -414,6 +414,21 @@ TEST(Names, InBracketsAreFilesAndNoLists) {
   EXPECT_EQ(run.ExitStatus, 0);
 }
 
+TEST(Names, InBracketsArePrintedAsTheyWereGiven) {
+  const Chanplan chanplan;
+  for (const char* name : {"[x]", "./[x]", "././[x]", "[]"}) {
+    const ProgramRun missing = chanplan.Run({"properties", name});
+    EXPECT_TRUE(missing.Errors.starts_with("chanplan: Error loading " + std::string(name) + ":")) << missing.Errors;
+  }
+  WriteFile(chanplan.Folder / "[x]", SigText({}));
+  EXPECT_EQ(chanplan.Run({"check", "--format", "json", "[x]", "./[x]"}).Output,
+            "[{\"file\": \"[x]\", \"notes\": [], \"warnings\": []},\n"
+            " {\"file\": \"./[x]\", \"notes\": [], \"warnings\": []}]\n");
+  EXPECT_EQ(chanplan.Run({"[x]"}).Errors, "chanplan: there is no command \"[x]\"; chanplan --help names them all\n");
+  EXPECT_EQ(chanplan.Run({"report", "[x]", "[report]"}).ExitStatus, 0);
+  EXPECT_EQ(ReadFile(chanplan.Folder / "[report]").find("File: ./"), std::string::npos);
+}
+
 TEST(Version, IsToldByTheProgramAndItsCommands) {
   const Chanplan chanplan;
   for (const Arguments& arguments : {Arguments{"--version"}, Arguments{"check", "--version"}}) {

@@ -102,6 +102,18 @@ TEST(Identify, PrintsTheUnitAndWhetherItIsAccepted) {
   }
 }
 
+TEST(Identify, PrintsJson) {
+  for (const auto& [model, printed] :
+       {std::pair{std::string("QX4471C"), "\"model\": \"QX4471C\", \"firmware\": \"3.00\", \"accepted\": true"},
+        {"X\"\\\xDC", "\"model\": \"X\\\"\\\\\u00DC\", \"firmware\": \"3.00\", \"accepted\": false"}}) {
+    const RunningSimulator simulator({"--baud", "0", "--model", model});
+    const ProgramRun run = Chanplan().Run({"identify", "--format", "json", simulator.Link()});
+    EXPECT_EQ(run.Output, "{" + std::string(printed) + "}\n");
+    EXPECT_EQ(run.Errors, "");
+    EXPECT_EQ(run.ExitStatus, 0);
+  }
+}
+
 TEST(Identify, FailsWhenItsAnswerCannotBeWritten) {
   const RunningSimulator simulator({"--baud", "0"});
   const ProgramRun run = Chanplan().Run({"identify", simulator.Link()}, {.OutputTo = "/dev/full"});
@@ -650,6 +662,33 @@ TEST(Units, AreListedALineEach) {
   EXPECT_EQ(run.Output.find(accepted.Link()), run.Output.rfind(accepted.Link())) << "once, although it has two numbers";
   EXPECT_EQ(run.Output.find(silent.Link()), std::string::npos);
   EXPECT_EQ(run.ExitStatus, 0);
+}
+
+TEST(Units, AreListedInJson) {
+  if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
+  const RunningSimulator accepted({"--baud", "0"});
+  const RunningSimulator refused({"--baud", "0", "--model", "X\"\xDCZ", "--firmware", "2.99"});
+  for (const RunningSimulator* const simulator : {&accepted, &refused})
+    TempFolder::Allow(simulator->Device(), static_cast<fs::perms>(0666));
+  const Chanplan chanplan;
+  chanplan.SetSettings("[Settings]\nCommDevice1=/dev/null\nCommDevice2=" + accepted.Link() +
+                       "\nCommDevice3=" + refused.Link() + "\n");
+  const ProgramRun run = chanplan.Run({"units", "--format", "json"}, {.Unprivileged = true});
+  const std::string units = "{\"device\": \"" + accepted.Link() +
+                            "\", \"model\": \"QX4471C\", \"firmware\": \"3.00\", \"accepted\": true},\n"
+                            " {\"device\": \"" +
+                            refused.Link() +
+                            "\", \"model\": \"X\\\"\u00DCZ\", \"firmware\": \"2.99\", \"accepted\": false}";
+  EXPECT_NE(run.Output.find(units), std::string::npos) << run.Output;
+  EXPECT_TRUE(run.Output.starts_with("[{") && run.Output.ends_with("}]\n")) << run.Output;
+  EXPECT_EQ(run.ExitStatus, 0);
+}
+
+TEST(Units, OfWhichThereAreNoneAreAnEmptyArrayInJson) {
+  if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
+  const ProgramRun run = Chanplan().Run({"units", "--format", "json"}, {.Unprivileged = true});
+  if (run.Output.find('{') != std::string::npos) GTEST_SKIP() << "this machine has a unit: " << run.Output;
+  EXPECT_EQ(run.Output, "[]\n");
 }
 
 TEST(Units, ThatCannotBeAskedAreNamedWithTheReason) {

@@ -103,6 +103,21 @@ TEST(Listing, PutsTheFirstRecordDirectlyUnderBothRules) {
   EXPECT_EQ(lines, (Calls{"line 0.750 1.130 7.750 1.130 pen 8", "line 0.750 1.130 7.750 1.130 pen 1"}));
 }
 
+// What the title has room for, 675 letters of the recording surface.
+TEST(Listing, TitleThatIsTooLongKeepsItsEnd) {
+  const auto titleOf = [](const std::string& caption) {
+    RecordingSurface surface;
+    PrintListing(surface, {}, caption);
+    return surface.Calls.at(1);
+  };
+  const std::string start = "text 1.000 0.750 File: ";
+  const std::string fits(669, 'f');
+  EXPECT_EQ(titleOf(fits), start + fits);
+  EXPECT_EQ(titleOf("/home/" + fits + "/plan.sig"), start + "\u2026" + std::string(657, 'f') + "/plan.sig");
+  const std::string bytesOfALetter = titleOf("/" + std::string(669, 'f') + "\u00DC.sig");
+  EXPECT_TRUE(bytesOfALetter.ends_with("f\u00DC.sig")) << bytesOfALetter;
+}
+
 TEST(Listing, NamesTheLastSubbandLikeAStandard) {
   struct Case {
     const char* Fact;

@@ -2,11 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <map>
+#include <regex>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "core/text_encoding.h"
+#include "report/text_width.h"
 #include "tests/core/table_of.h"
 #include "tests/report/svg_reader.h"
 
@@ -236,12 +242,25 @@ TEST(Chart, ShowsEveryCharacterThatXmlCanHold) {
   EXPECT_EQ(Chart({}, "</svg>&\xFF\x01\xEF\xBF\xBE Łódź").Title, "Channel plan: </svg>&\uFFFD\uFFFD\uFFFD Łódź");
 }
 
-TEST(Chart, CutsWhatIsTooLongForItsPlace) {
-  const std::string longName(200, 'n');
-  const SvgFile file = Chart({Standard(longName, 900, 945, 1)}, std::string(300, 'f') + "/plan.sig");
-  EXPECT_EQ(file.Of("text", "label").back().Text, longName.substr(0, 29) + "…");
-  EXPECT_EQ(file.Of("text", "caption").front().Text, "…" + std::string(110, 'f') + "/plan.sig");
-  EXPECT_TRUE(file.Lanes.front().starts_with(longName + ";")) << "the words have room for it";
+// What stands at the left edge ends before the bands, and what is left of a caption before the right edge.
+TEST(Chart, CutsWhatIsTooWideForItsPlace) {
+  constexpr double roomForALabel = 200;
+  constexpr double roomForTheCaption = 1248;
+  for (const char letter : {'i', 'n', 'W', '@'}) {
+    const SvgFile file =
+        Chart({Standard(std::string(200, letter), 900, 945, 1)}, std::string(900, letter) + "/plan.sig");
+    const std::u32string label = Utf32FromUtf8(file.Of("text", "label").back().Text);
+    EXPECT_TRUE(label.ends_with(U'\u2026'));
+    EXPECT_LE(TextWidth(label, 12), roomForALabel) << letter;
+    EXPECT_GT(TextWidth(label + static_cast<char32_t>(letter), 12), roomForALabel) << letter;
+    const std::u32string caption = Utf32FromUtf8(file.Of("text", "caption").front().Text);
+    EXPECT_TRUE(caption.starts_with(U'\u2026') && caption.ends_with(U"/plan.sig"));
+    EXPECT_LE(TextWidth(caption, 18), roomForTheCaption) << letter;
+    EXPECT_GT(TextWidth(caption + static_cast<char32_t>(letter), 18), roomForTheCaption) << letter;
+    EXPECT_TRUE(file.Lanes.front().starts_with(std::string(200, letter) + ";")) << "the words have room for it";
+  }
+  const std::string narrow(60, 'i');
+  EXPECT_EQ(Chart({Standard(narrow, 900, 945, 1)}).Of("text", "label").back().Text, narrow) << "there is room for it";
 }
 
 TEST(Chart, DrawsTablesWithoutFrequencies) {
@@ -286,7 +305,54 @@ TEST(Chart, KeepsToItself) {
     const std::size_t found = svg.find(foreign, svg.find("xmlns=") + 40);
     EXPECT_EQ(found, std::string::npos) << foreign;
   }
-  EXPECT_NE(svg.find("prefers-color-scheme: dark"), std::string::npos);
+}
+
+// The colours of a drawing by "class property", "text" for those of all texts.
+using Colours = std::map<std::string, std::string>;
+
+void ReadColours(const std::string& rules, Colours& colours) {
+  const std::regex rule(R"(([^{}\n]+) \{([^{}]*)\})");
+  const std::regex colour(R"((fill|stroke): (#[0-9a-f]{6}))");
+  for (std::sregex_iterator found(rules.begin(), rules.end(), rule), end; found != end; ++found) {
+    const std::string values = (*found)[2];
+    std::istringstream kinds((*found)[1]);
+    for (std::string kind; kinds >> kind;)
+      for (std::sregex_iterator value(values.begin(), values.end(), colour); value != end; ++value)
+        colours[kind.substr(kind.front() == '.', kind.find(',') - (kind.front() == '.')) + " " + (*value)[1].str()] =
+            (*value)[2];
+  }
+}
+
+// How much lighter one is than the other, as the Web Content Accessibility Guidelines count it.
+double Contrast(const std::string& one, const std::string& other) {
+  const auto luminance = [](const std::string& colour) {
+    const auto part = [&](std::size_t place) {
+      const double value = std::stoi(colour.substr(place, 2), nullptr, 16) / 255.0;
+      return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(1) + 0.7152 * part(3) + 0.0722 * part(5);
+  };
+  const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST(Chart, CanBeReadInTheLightAndInTheDark) {
+  const std::string svg = ChartSvg(TableOfNames({"A"}), "x");
+  EXPECT_NE(svg.find("svg { color-scheme: light dark }"), std::string::npos) << "else browsers frame it in white";
+  const std::size_t dark = svg.find("@media (prefers-color-scheme: dark) {");
+  ASSERT_NE(dark, std::string::npos);
+  Colours colours;
+  ReadColours(svg.substr(0, dark), colours);
+  for (const std::string& scheme : {svg.substr(0, 0), svg.substr(dark + 37, svg.find("</style>") - dark - 37)}) {
+    ReadColours(scheme, colours);
+    for (const char* ground : {"page fill", "odd fill"}) {
+      for (const char* text : {"text fill", "tick fill", "note fill"})
+        EXPECT_GE(Contrast(colours.at(text), colours.at(ground)), 4.5) << text << " on " << ground;
+      for (const char* mark : {"uplink fill", "downlink stroke", "own stroke", "shared fill"})
+        EXPECT_GE(Contrast(colours.at(mark), colours.at(ground)), 3) << mark << " on " << ground;
+    }
+  }
+  EXPECT_LT(Contrast(colours.at("page fill"), "#000000"), 1.5) << "the dark scheme is dark";
 }
 
 }  // namespace

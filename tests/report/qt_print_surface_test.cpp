@@ -131,6 +131,48 @@ TEST(QtPrintSurface, DrawsRulesInDots) {
   EXPECT_EQ(BlackRuns(page, 335), std::vector<int>()) << "right of both";
 }
 
+TEST(QtPrintSurface, RulesEndFlatAndHangBelowTheirPlace) {
+  constexpr int resolution = 100;
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  {
+    QPdfWriter writer(&buffer);
+    writer.setResolution(resolution);
+    SetUpPage(writer);
+    QtPrintSurface surface(writer);
+    surface.DrawLine(1, 2, 3, 2, 8);
+    surface.EndDocument();
+  }
+  const testing::Picture page = PdfPicture(bytes.toStdString(), resolution);
+  const int top = 225;
+  EXPECT_FALSE(page.IsBlack(200, top - 1));
+  EXPECT_TRUE(page.IsBlack(200, top));
+  EXPECT_TRUE(page.IsBlack(200, top + 7));
+  EXPECT_FALSE(page.IsBlack(200, top + 8));
+  EXPECT_FALSE(page.IsBlack(124, top));
+  EXPECT_TRUE(page.IsBlack(125, top));
+  EXPECT_TRUE(page.IsBlack(324, top));
+  EXPECT_FALSE(page.IsBlack(325, top));
+}
+
+TEST(ListingMargins, AreAQuarterOfAnInchWhereThePrinterReachesAsFar) {
+  constexpr double millimetre = 1 / 25.4;
+  const QPageSize size(QPageSize::A4);
+  const QPageLayout reachesAll(size, QPageLayout::Portrait, {});
+  EXPECT_EQ(ListingMargins(reachesAll), QMarginsF(0.25, 0.25, 0.25, 0.25));
+  const QPageLayout reachesLess(size, QPageLayout::Portrait, {20, 20, 20, 20}, QPageLayout::Millimeter,
+                                {3, 5, 7, 12.7});
+  const QMarginsF margins = ListingMargins(reachesLess);
+  EXPECT_EQ(margins.left(), 0.25);
+  EXPECT_EQ(margins.top(), 0.25);
+  EXPECT_NEAR(margins.right(), 7 * millimetre, 0.01);
+  EXPECT_NEAR(margins.bottom(), 0.5, 0.01);
+  QPageLayout page = reachesLess;
+  page.setUnits(QPageLayout::Inch);
+  EXPECT_TRUE(page.setMargins(margins)) << "the printer takes them";
+}
+
 TEST(QtPrintSurface, FailsOnADeviceThatTakesNoDocument) {
   const TempFolder folder;
   QPdfWriter writer(QString::fromStdString((folder / "missing" / "x.pdf").string()));

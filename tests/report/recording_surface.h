@@ -44,7 +44,7 @@ class RecordingSurface : public PrintSurface {
  private:
   template <typename... Values>
   void Record(const char* format, Values... values) {
-    char line[500];
+    char line[1000];
     std::snprintf(line, sizeof line, format, values...);
     Calls.emplace_back(line);
   }

@@ -3,8 +3,11 @@
 
 #include <QFile>
 #include <QMimeDatabase>
+#include <QProcess>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QXmlStreamReader>
+#include <array>
 
 #include "core/sig_file.h"
 #include "tests/core/table_of.h"
@@ -39,29 +42,53 @@ TEST(DesktopIntegration, EntryNamesTheProgramItsIconAndItsFiles) {
   EXPECT_TRUE(types.readAll().contains(R"(type="application/x-chanplan-table")"));
 }
 
-TEST(DesktopIntegration, TablesAreToldFromSignaturesOfTheSameName) {
-  const std::filesystem::path usualTypes = "/usr/share/mime/packages/freedesktop.org.xml";
-  if (!std::filesystem::exists(usualTypes)) GTEST_SKIP() << "this system knows no types";
-  const TempFolder folder;
-  const std::filesystem::path installed = folder / "mime/packages";
-  std::filesystem::create_directories(installed);
-  std::filesystem::copy((Share + "/chanplan-mime.xml").toStdString(), installed);
-  std::filesystem::copy(usualTypes, installed);
-  qputenv("XDG_DATA_HOME", (folder / "none").string().c_str());
-  qputenv("XDG_DATA_DIRS", folder.Path().string().c_str());
-  const struct {
+// A folder of types: the ones that systems usually know, and ours. Files of the same name beside them.
+class TypesAndFiles : public ::testing::Test {
+ protected:
+  struct Case {
     const char* Name;
     std::string Bytes;
     std::string Type;
-  } cases[] = {
+  };
+
+  void SetUp() override {
+    const std::filesystem::path usualTypes = "/usr/share/mime/packages/freedesktop.org.xml";
+    if (!std::filesystem::exists(usualTypes)) GTEST_SKIP() << "this system knows no types";
+    const std::filesystem::path installed = folder / "mime/packages";
+    std::filesystem::create_directories(installed);
+    std::filesystem::copy((Share + "/chanplan-mime.xml").toStdString(), installed);
+    std::filesystem::copy(usualTypes, installed);
+    qputenv("XDG_DATA_HOME", (folder / "none").string().c_str());
+    qputenv("XDG_DATA_DIRS", folder.Path().string().c_str());
+    for (const Case& file : cases) WriteFile(folder / file.Name, file.Bytes);
+  }
+  QString PathOf(const Case& file) const { return QString::fromStdString((folder / file.Name).string()); }
+
+  const TempFolder folder;
+  const std::array<Case, 4> cases = {{
       {"plan.sig", WriteSigTable(TableOf({NamedRow("DCS")})), "application/x-chanplan-table"},
       {"plan", WriteSigTable(TableOf({})), "application/x-chanplan-table"},
       {"mail.sig", "-----BEGIN PGP SIGNATURE-----\n\nabc\n", "application/pgp-signature"},
-  };
-  for (const auto& test : cases) {
-    WriteFile(folder / test.Name, test.Bytes);
-    const QString path = QString::fromStdString((folder / test.Name).string());
-    EXPECT_EQ(QMimeDatabase().mimeTypeForFile(path).name().toStdString(), test.Type) << test.Name;
+      {"binary.sig", "\x88\x5D\x04\x01\x16\x0A\x01\x1D\x16\x21", "application/pgp-signature"},
+  }};
+};
+
+TEST_F(TypesAndFiles, TablesAreToldFromSignaturesByTheLibrary) {
+  for (const Case& file : cases)
+    EXPECT_EQ(QMimeDatabase().mimeTypeForFile(PathOf(file)).name().toStdString(), file.Type) << file.Name;
+}
+
+// What file managers of the other toolkit see.
+TEST_F(TypesAndFiles, TablesAreToldFromSignaturesByOtherPrograms) {
+  for (const char* program : {"update-mime-database", "gio"})
+    if (QStandardPaths::findExecutable(program).isEmpty()) GTEST_SKIP() << program << " is not installed";
+  ASSERT_EQ(QProcess::execute("update-mime-database", {QString::fromStdString((folder / "mime").string())}), 0);
+  for (const Case& file : cases) {
+    QProcess gio;
+    gio.start("gio", {"info", "--attributes=standard::content-type", PathOf(file)});
+    ASSERT_TRUE(gio.waitForFinished());
+    const std::string told = gio.readAllStandardOutput().toStdString();
+    EXPECT_NE(told.find("standard::content-type: " + file.Type + "\n"), std::string::npos) << file.Name << ": " << told;
   }
 }
 

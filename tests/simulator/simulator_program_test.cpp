@@ -74,6 +74,13 @@ TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
   EXPECT_EQ(ReadFile(folder / "short.sig"), "header\n2\t0\n");
 }
 
+TEST(SimulatorProgram, TellsItsVersion) {
+  const ProgramRun run = RunSimulator({"--version"}, TempFolder());
+  EXPECT_TRUE(std::regex_match(run.Output, std::regex("Chanplan Editor \\d+\\.\\d+\n"))) << run.Output;
+  EXPECT_EQ(run.Errors, "");
+  EXPECT_EQ(run.ExitStatus, 0);
+}
+
 TEST(SimulatorProgram, TellsItsFaultsInItsHelp) {
   const ProgramRun run = RunSimulator({"--help"}, TempFolder());
   for (const FaultName& fault : FaultNames) {
