@@ -78,6 +78,14 @@ class DocumentWindow : public QMdiSubWindow {
   virtual void CopyCut(bool Cut) = 0;
   virtual void Paste() = 0;
   virtual void InsertBlank() = 0;
+  /// Take the last change of the table back, or make it again. Nothing while an edit box is open,
+  /// which has a history of its own.
+  virtual void Undo() = 0;
+  virtual void Redo() = 0;
+  /// The change that `Undo` would take back, or `Redo` make again, such as "edit of Name"; empty when
+  /// there is none.
+  virtual QString UndoName() const = 0;
+  virtual QString RedoName() const = 0;
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
 
@@ -85,6 +93,8 @@ class DocumentWindow : public QMdiSubWindow {
   virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.
   virtual void ShowUnitTable(const SignalStandardTable& received) = 0;
+  /// The table, as it came here, is in no file: it counts as changed, also once all changes are taken back.
+  virtual void MarkUnsaved() = 0;
   /// Passes the whole table on through `SharedTables`, or takes the one that was passed.
   virtual void GetTable() const = 0;
   virtual void SetTable() = 0;

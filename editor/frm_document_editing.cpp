@@ -14,6 +14,12 @@ constexpr QStringView DisplayModeLetters = u"SN";  // of the two entries, in the
 const DetailRow& DetailOf(int row) { return DetailRows[static_cast<std::size_t>(row)]; }
 const BandColumn& BandOf(int column) { return BandColumns[static_cast<std::size_t>(column)]; }
 
+// By the cell's title, without its unit.
+QString StepName(const CellEdit& edit, const Grid* details) {
+  const bool name = edit.IsCell(details, NameRow, 1);
+  return "edit of " + (name ? "Name" : edit.EditedGrid->CellLabel(edit.Row, edit.Column).section(" (", 0, 0));
+}
+
 }  // namespace
 
 void frmDocument::ConnectEditor() {
@@ -80,12 +86,14 @@ void frmDocument::CommitEdit() { StoreGridsToTable(); }
 frmDocument::Commit frmDocument::StoreGridsToTable() {
   const std::optional<CellEdit> edit = editor.Close();
   if (!edit || shownIndex < 0) return Commit::Nothing;
+  const QString step = StepName(*edit, GridDetails);
   const bool stored = StoreCell(*edit);
   // What was typed is shown as the table now has it.
   const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
   if (shapesList) FillStandardList(GridList->currentRow());
   ShowStandard();
   ValidateTable();
+  RecordStep(step, shownIndex);
   return stored ? Commit::Stored : Commit::Refused;
 }
 
@@ -97,6 +105,8 @@ bool frmDocument::StoreCell(const CellEdit& edit) {
     outcome = StoreBand(table, shownIndex, edit.Row + 1, BandOf(edit.Column).Shown, BytesOf(text));
   else if (edit.Row == SubbandsRow)
     return StoreCount(static_cast<int>(LeadingNumber(BytesOf(text))));
+  else if (edit.Control == nullptr && (edit.Row == DisplayModeRow || edit.Row == ModulationRow))
+    return true;  // it was cut, and nothing else was chosen
   else if (edit.Row == DisplayModeRow)
     SetStateCode(standard, GetStateCode(static_cast<int>(Modulation(standard)), editor.cmboSelected->currentIndex()));
   else if (edit.Row == ModulationRow)
