@@ -88,6 +88,9 @@ class DocumentWindow : public QMdiSubWindow {
   virtual QString RedoName() const = 0;
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
+  /// Puts the cursor on the value that line `line` of `WarningsText` is about, if that line still
+  /// names `name`. The focus stays where it is.
+  virtual void ShowWarning(int line, const QString& name) = 0;
 
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;

@@ -77,6 +77,7 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   BuildGrids();
   ConnectGrids();
   ConnectEditor();
+  ConnectContextMenus();
   AddHistoryKeys(*this, [this] { return this; });
   area->installEventFilter(this);
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
@@ -179,7 +180,7 @@ void frmDocument::ConnectGrids() {
   connect(GridList, &Grid::CurrentCellMoved, this, &frmDocument::ListRowChanged);
   connect(GridList, &Grid::DeleteReleased, this, [this] {
     CommitEdit();
-    DeleteStandards("delete");
+    DeleteByKey();
   });
   connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
     if (SuppressListEvents) return;
@@ -286,6 +287,7 @@ void frmDocument::ShowSelectedStandard() {
   } else {
     ShowStandard();
   }
+  MarkDoubtfulCells();
   GridBands->setUpdatesEnabled(true);
 }
 
@@ -367,22 +369,6 @@ void frmDocument::ListRowChanged() {
   StoreGridsToTable();
   ShowSelectedStandard();
   HighlightListRow();
-}
-
-void frmDocument::FindSSEntry(const QString& name) {
-  CommitEdit();
-  const std::string bytes = BytesOf(name);
-  const std::vector<int> standards = StandardIndices(table);
-  const auto select = [this](int row) {
-    GridList->SetCurrent(row, 1);
-    GridList->scrollToItem(GridList->item(row, 1));
-  };
-  for (int row = 0; row < GridList->rowCount(); ++row)
-    if (GridList->CellText(row, 1) == name) return select(row);
-  // A warning may name a sub-band: its standard is selected then.
-  for (std::size_t row = 0; row < standards.size(); ++row)
-    for (int index = standards[row]; index < GroupEnd(table, standards[row]); ++index)
-      if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
 }
 
 // The unit's own names of sub-bands stay until something is edited.

@@ -7,6 +7,7 @@
 #include "core/cell_edits.h"
 #include "core/signal_standard_table.h"
 #include "core/table_history.h"
+#include "core/validation.h"
 #include "editor/cell_editor.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
@@ -57,6 +58,7 @@ class frmDocument : public DocumentWindow {
   QString UndoName() const override;
   QString RedoName() const override;
   void FindSSEntry(const QString& name) override;
+  void ShowWarning(int line, const QString& name) override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
   void MarkUnsaved() override;
@@ -109,11 +111,30 @@ class frmDocument : public DocumentWindow {
   void ShowStateCode(int code);
   void ValidateTable();
   void ShowWarnings();
+  void MarkDoubtfulCells();
 
   // Clipboard, insertion and deletion
   void CopyStandards();
   void DeleteStandards(const char* deed);
   void UpDown_Change(int value);
+  void ChangeCount(int count, const QString& step);
+
+  // Context menus: what they do, and whether it is possible
+  void ConnectContextMenus();
+  void ShowContextMenu(Grid& grid, const QPoint& at);
+  bool HasCurrentValue() const;
+  bool CanCut() const;
+  bool CanPaste() const;
+  bool CanInsert() const;
+  bool CanAddSubband() const;
+  bool HasSubbands() const;
+  void EditCurrentCell();
+  void CutByFrame();
+  void CopyByFrame();
+  void PasteByFrame();
+  void DeleteByKey();
+  void AddLastSubband();
+  void RemoveLastSubband();
 
   // Taking changes back
   /// A cell that shows a value of the table.
@@ -143,6 +164,7 @@ class frmDocument : public DocumentWindow {
   SharedTables& shared;
   SignalStandardTable table;
   TableHistory history;
+  std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 
   QWidget* area;

@@ -101,8 +101,12 @@ void frmDocument::InsertBlank() {
 // The count is typed, but whoever drives the control otherwise gets what its value says.
 void frmDocument::UpDown_Change(int value) {
   if (shownIndex < 0 || value == table.Row(shownIndex).Subbands) return;
-  StoreCount(value);
-  RefillAfterEdit(GridList->currentRow(), "edit of Sub-bands");
+  ChangeCount(value, "edit of Sub-bands");
+}
+
+void frmDocument::ChangeCount(int count, const QString& step) {
+  StoreCount(count);
+  RefillAfterEdit(GridList->currentRow(), step);
 }
 
 }  // namespace chanplan

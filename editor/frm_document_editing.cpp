@@ -1,6 +1,5 @@
 // The document window: editing cells and writing them back into the table.
 #include "core/lenient_number.h"
-#include "core/validation.h"
 #include "editor/frm_document.h"
 #include "editor/grid_columns.h"
 #include "editor/messages.h"
@@ -135,21 +134,6 @@ void frmDocument::ShowStateCode(int code) {
   const int mode = (code & ActiveDisplayBit) != 0 ? 1 : 0;
   GridDetails->FillCell(DisplayModeRow, 1, editor.cmboSelected->itemText(mode), DetailRows[DisplayModeRow].Title);
   GridDetails->FillCell(ModulationRow, 1, editor.cmboModType->itemText(code & 3), DetailRows[ModulationRow].Title);
-}
-
-void frmDocument::ValidateTable() {
-  AlignSubbands(table);
-  ShowWarnings();
-}
-
-// Those of the table as it stands, which stays as it is.
-void frmDocument::ShowWarnings() {
-  std::vector<std::string> names;
-  for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
-  warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
-  // The frame shows the active document's warnings, and fetches these when this becomes it.
-  if (mdiArea() == nullptr || ActiveIn(*mdiArea()) == this) frame.Warnings(warningsText, -1);
-  emit TableChanged();
 }
 
 }  // namespace chanplan

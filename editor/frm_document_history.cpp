@@ -1,5 +1,4 @@
 // The document window: taking changes of the table back, and making them again.
-#include <QScopedValueRollback>
 #include <utility>
 
 #include "core/record_fields.h"
@@ -65,25 +64,6 @@ void frmDocument::ShowMoment(const TableMoment& moment, const QString& deed) {
   GridList->scrollToItem(GridList->currentItem());
   KeepInSight(*ActiveGrid, ActiveGrid->currentIndex());
   frame.ShowStatus(deed + '.');
-}
-
-// Of the standard that is shown, or of one of its sub-bands; what these have from it is shown with it.
-std::optional<frmDocument::Place> frmDocument::PlaceOf(int index, Field field) const {
-  const int band = index - shownIndex - 1;
-  if (shownIndex < 0 || band < -1 || band >= GridBands->rowCount()) return std::nullopt;
-  if (band >= 0)
-    for (std::size_t column = 1; column < BandColumns.size(); ++column)
-      if (BandColumns[column].Shown == field) return Place{GridBands, band, static_cast<int>(column)};
-  for (std::size_t row = 0; row < DetailRows.size(); ++row)
-    if (DetailRows[row].Shown == field) return Place{GridDetails, static_cast<int>(row), 1};
-  return std::nullopt;
-}
-
-// Nothing is stored, and nothing is opened: nobody has left a cell.
-void frmDocument::GoTo(const Place& place) {
-  const QScopedValueRollback suppressed(SuppressListEvents, true);
-  place.ShownIn->SetCurrent(place.Row, place.Column);
-  place.ShownIn->scrollToItem(place.ShownIn->currentItem());
 }
 
 }  // namespace chanplan

@@ -18,6 +18,7 @@ class StandInDocument : public DocumentWindow {
   }
 
   mutable QStringList Calls;
+  std::vector<int> ShownWarnings;                      ///< lines that were gone to
   QString Text;                                        ///< of its warnings
   std::function<bool()> Closes = [] { return true; };  ///< whether it lets itself be closed
   QString Undone;                                      ///< the step that can be taken back
@@ -55,6 +56,7 @@ class StandInDocument : public DocumentWindow {
   QString UndoName() const override { return Undone; }
   QString RedoName() const override { return {}; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  void ShowWarning(int line, const QString&) override { ShownWarnings.push_back(line); }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";
