@@ -77,7 +77,7 @@ void AppMain::Restore(const UnsavedTable& unsaved) {
   document.setWindowTitle(unsaved.Caption);
   document.UnitTableTag = unsaved.UnitTableTag;
   document.KnownFile = unsaved.KnownFile;
-  document.State().Changed = true;
+  document.MarkUnsaved();
   Frame->ShowDocument(document);
 }
 

@@ -10,6 +10,7 @@
 #include "app/file_io.h"
 #include "app/icons.h"
 #include "app/placement.h"
+#include "editor/history_commands.h"
 #include "editor/messages.h"
 #include "editor/twips.h"
 
@@ -97,9 +98,18 @@ void frmMain::BuildClientArea() {
   connect(lblSplitter, &SplitterBar::Nudged, this,
           [this](int pixelsUp) { SetPaneHeight(WarningHolder->height() + pixelsUp); });
   connect(lstWarnings, &WarningsPane::CountChanged, sbStatusBarPanel2, &QLabel::setText);
-  connect(lstWarnings, &WarningsPane::EntryClicked, this, [this](const QString& name) {
-    if (DocumentWindow* document = ActiveDocument()) document->FindSSEntry(name);
+  connect(lstWarnings, &WarningsPane::EntryClicked, this, [this](const QString& name, int line) {
+    DocumentWindow* document = ActiveDocument();
+    if (document == nullptr) return;
+    document->FindSSEntry(name);
+    document->ShowWarning(line, name);
   });
+  connect(lstWarnings, &WarningsPane::LineLeft, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->setFocus();
+  });
+  connect(lstWarnings, &WarningsPane::MenuOpens, this,
+          [this](QMenu& menu) { AddHistoryItems(menu, ActiveDocument()); });
+  AddHistoryKeys(*lstWarnings, [this] { return ActiveDocument(); });
   ResizeTimer->setObjectName("ResizeTimer");
   ResizeTimer->setInterval(ResizeInterval);
   connect(ResizeTimer, &QTimer::timeout, this, [this] {

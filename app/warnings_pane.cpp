@@ -1,5 +1,8 @@
 #include "app/warnings_pane.h"
 
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -117,7 +120,7 @@ void WarningsPane::Click() {
   const QStringList fields = item(index)->text().split('\t');
   ShowPosition();
   if (fields.size() <= 1) return;
-  emit EntryClicked(fields[1]);
+  emit EntryClicked(fields[1], index);
   // Going there may have filled the list anew.
   ShowPosition();
 }
@@ -137,8 +140,43 @@ void WarningsPane::keyPressEvent(QKeyEvent* event) {
   const bool down = event->key() == Qt::Key_Down || event->key() == Qt::Key_PageDown;
   if (down && SelectedIndex() < 0 && count() > 0)
     setCurrentRow(0);
+  else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    LeaveLine();
+  else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+    ShowContextMenu(MenuPlace());
   else
     QListWidget::keyPressEvent(event);
+}
+
+// To what it is about; a line that names nothing is not left.
+void WarningsPane::LeaveLine() {
+  if (const int index = SelectedIndex(); index >= 0 && item(index)->text().contains('\t')) emit LineLeft();
+}
+
+QPoint WarningsPane::MenuPlace() const {
+  const QRect line = SelectedIndex() < 0 ? QRect() : visualRect(currentIndex()) & viewport()->rect();
+  return viewport()->mapToGlobal(line.isEmpty() ? QPoint(0, 0) : line.bottomLeft());
+}
+
+void WarningsPane::contextMenuEvent(QContextMenuEvent* event) {
+  ShowContextMenu(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : MenuPlace());
+}
+
+void WarningsPane::ShowContextMenu(const QPoint& at) {
+  auto* menu = new QMenu(this);
+  menu->setObjectName("mnuContextWarnings");
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  emit MenuOpens(*menu);
+  menu->addSeparator();
+  const auto add = [menu](const char* name, const char* caption, const QString& copied) {
+    QAction* item = menu->addAction(caption);
+    item->setObjectName(name);
+    item->setEnabled(!copied.isEmpty());
+    connect(item, &QAction::triggered, item, [copied] { QGuiApplication::clipboard()->setText(copied); });
+  };
+  add("mnuContextCopyWarning", "&Copy This Warning", SelectedIndex() < 0 ? QString() : item(SelectedIndex())->text());
+  add("mnuContextCopyWarnings", "Copy &All Warnings", QString(text).replace("\r\n", "\n"));
+  menu->popup(at);
 }
 
 // A click on the line that is selected already is a click too.
@@ -146,6 +184,12 @@ void WarningsPane::mousePressEvent(QMouseEvent* event) {
   const int former = SelectedIndex();
   QListWidget::mousePressEvent(event);
   if (event->button() == Qt::LeftButton && former >= 0 && indexAt(event->position().toPoint()).row() == former) Click();
+}
+
+void WarningsPane::mouseReleaseEvent(QMouseEvent* event) {
+  QListWidget::mouseReleaseEvent(event);
+  const int line = indexAt(event->position().toPoint()).row();
+  if (event->button() == Qt::LeftButton && line >= 0 && line == SelectedIndex()) LeaveLine();
 }
 
 }  // namespace chanplan

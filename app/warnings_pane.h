@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QListWidget>
+#include <QMenu>
 
 namespace chanplan {
 
@@ -21,19 +22,28 @@ class WarningsPane : public QListWidget {
  signals:
   /// " 3 warnings.", or " 1 of 3 warnings." once a line was clicked.
   void CountChanged(const QString& count);
-  /// A line that names a standard was clicked.
-  void EntryClicked(const QString& name);
+  /// Line `line`, which names a standard, was clicked.
+  void EntryClicked(const QString& name, int line);
+  /// The user is done here: a line was clicked with the mouse, or Enter pressed on it.
+  void LineLeft();
+  /// The context menu is about to be shown; others may add to it.
+  void MenuOpens(QMenu& menu);
 
  protected:
   void initViewItemOption(QStyleOptionViewItem* option) const override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   int SelectedIndex() const;
   void Select(int index);
   void Click();
   void ShowPosition();
+  void LeaveLine();
+  QPoint MenuPlace() const;
+  void ShowContextMenu(const QPoint& at);
 
   QString text;
   bool filling = false;

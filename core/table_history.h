@@ -48,6 +48,8 @@ class TableHistory {
 
   /// The table is saved as it is now.
   void MarkSaved() { saved = done; }
+  /// The table is in no file, wherever the steps lead.
+  void ForgetSaved() { saved.reset(); }
   /// Whether the steps have led back to where the table was saved. Changes by hand to the same values
   /// do not count.
   bool AtSaved() const { return saved == done; }

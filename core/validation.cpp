@@ -15,21 +15,25 @@ bool OutOfRange(double frequency) { return frequency < LowestMegahertz || freque
 struct Check {
   bool (*Fails)(const SignalStandardRecord&);
   std::string_view Message;
+  Field Doubted;
 };
 
 // "Stop frequency" names the downlink start frequency.
 constexpr std::array<Check, 5> RowChecks = {{
-    {[](const auto& row) { return OutOfRange(row.UplinkStartFreq); }, "Start frequency appears out of range."},
-    {[](const auto& row) { return OutOfRange(row.DownlinkStartFreq); }, "Stop frequency appears out of range."},
-    {[](const auto& row) { return row.StartChannel > row.StopChannel; }, "Stop channel is less than start channel."},
-    {[](const auto& row) { return row.StartChannel < 0; }, "Start channel is less than zero."},
-    {[](const auto& row) { return row.StopChannel < 0; }, "Stop channel is less than zero."},
+    {[](const auto& row) { return OutOfRange(row.UplinkStartFreq); }, "Start frequency appears out of range.",
+     Field::UplinkStartFreq},
+    {[](const auto& row) { return OutOfRange(row.DownlinkStartFreq); }, "Stop frequency appears out of range.",
+     Field::DownlinkStartFreq},
+    {[](const auto& row) { return row.StartChannel > row.StopChannel; }, "Stop channel is less than start channel.",
+     Field::StopChannel},
+    {[](const auto& row) { return row.StartChannel < 0; }, "Start channel is less than zero.", Field::StartChannel},
+    {[](const auto& row) { return row.StopChannel < 0; }, "Stop channel is less than zero.", Field::StopChannel},
 }};
 
 constexpr std::array<Check, 3> GroupChecks = {{
-    {[](const auto& group) { return group.Step < 1; }, "Step size may be out of range."},
-    {[](const auto& group) { return group.Spacing <= 0; }, "Spacing may be out of range."},
-    {[](const auto& group) { return group.Bandwidth <= 0; }, "Bandwidth may be out of range."},
+    {[](const auto& group) { return group.Step < 1; }, "Step size may be out of range.", Field::Step},
+    {[](const auto& group) { return group.Spacing <= 0; }, "Spacing may be out of range.", Field::Spacing},
+    {[](const auto& group) { return group.Bandwidth <= 0; }, "Bandwidth may be out of range.", Field::Bandwidth},
 }};
 
 // Where a row stands among the groups. A standard within an open group starts its own.
@@ -112,6 +116,13 @@ std::vector<Warning> FindWarnings(const SignalStandardTable& table, std::span<co
   }
   AppendDuplicates(warnings, table, listNames);
   return warnings;
+}
+
+Field DoubtfulField(const Warning& warning) {
+  for (const std::span<const Check> checks : {std::span<const Check>(RowChecks), std::span<const Check>(GroupChecks)})
+    for (const Check& check : checks)
+      if (check.Message == warning.Message) return check.Doubted;
+  return Field::Name;  // of a duplicate
 }
 
 std::string WarningText(const Warning& warning) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/record_fields.h"
 #include "core/signal_standard_table.h"
 
 namespace chanplan {
@@ -37,6 +38,9 @@ void AlignSubbands(SignalStandardTable& table);
 ///
 /// Throws std::out_of_range when `Count` is beyond the table's room.
 std::vector<Warning> FindWarnings(const SignalStandardTable& table, std::span<const std::string> listNames);
+
+/// The value that the warning is about, of its row.
+Field DoubtfulField(const Warning& warning);
 
 /// "Warning:" TAB name TAB message, in UTF-8.
 std::string WarningText(const Warning& warning);

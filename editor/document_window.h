@@ -78,13 +78,26 @@ class DocumentWindow : public QMdiSubWindow {
   virtual void CopyCut(bool Cut) = 0;
   virtual void Paste() = 0;
   virtual void InsertBlank() = 0;
+  /// Take the last change of the table back, or make it again. Nothing while an edit box is open,
+  /// which has a history of its own.
+  virtual void Undo() = 0;
+  virtual void Redo() = 0;
+  /// The change that `Undo` would take back, or `Redo` make again, such as "edit of Name"; empty when
+  /// there is none.
+  virtual QString UndoName() const = 0;
+  virtual QString RedoName() const = 0;
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
+  /// Puts the cursor on the value that line `line` of `WarningsText` is about, if that line still
+  /// names `name`. The focus stays where it is.
+  virtual void ShowWarning(int line, const QString& name) = 0;
 
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.
   virtual void ShowUnitTable(const SignalStandardTable& received) = 0;
+  /// The table, as it came here, is in no file: it counts as changed, also once all changes are taken back.
+  virtual void MarkUnsaved() = 0;
   /// Passes the whole table on through `SharedTables`, or takes the one that was passed.
   virtual void GetTable() const = 0;
   virtual void SetTable() = 0;

@@ -9,12 +9,14 @@
 #include <QStyle>
 #include <QTextDocument>
 #include <QToolTip>
+#include <algorithm>
 #include <limits>
 
 #include "core/lenient_number.h"
 #include "core/number_picture.h"
 #include "editor/caption_style.h"
 #include "editor/grid_columns.h"
+#include "editor/history_commands.h"
 #include "editor/text_edge.h"
 #include "editor/twips.h"
 
@@ -75,6 +77,8 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   BuildGrids();
   ConnectGrids();
   ConnectEditor();
+  ConnectContextMenus();
+  AddHistoryKeys(*this, [this] { return this; });
   area->installEventFilter(this);
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
@@ -176,9 +180,10 @@ void frmDocument::ConnectGrids() {
   connect(GridList, &Grid::CurrentCellMoved, this, &frmDocument::ListRowChanged);
   connect(GridList, &Grid::DeleteReleased, this, [this] {
     CommitEdit();
-    DeleteStandards();
+    DeleteByKey();
   });
   connect(GridDetails, &Grid::CurrentCellMoved, this, [this](int row) {
+    if (SuppressListEvents) return;
     CommitEdit();
     if (row >= SubbandsRow && row <= ModulationRow) BeginCellEdit(0);
   });
@@ -247,6 +252,12 @@ int frmDocument::SelectedIndex() const {
   return row < 0 ? -1 : GridList->CellText(row, 2).toInt();
 }
 
+int frmDocument::ListRowOf(int index) const {
+  const std::vector<int> standards = StandardIndices(table);
+  if (index < 0 || index >= table.Count) return -1;
+  return static_cast<int>(std::ranges::upper_bound(standards, index) - standards.begin()) - 1;
+}
+
 int frmDocument::SubbandRows() const { return GroupEnd(table, shownIndex) - shownIndex - 1; }
 
 void frmDocument::FillStandardList(int currentRow) {
@@ -276,6 +287,7 @@ void frmDocument::ShowSelectedStandard() {
   } else {
     ShowStandard();
   }
+  MarkDoubtfulCells();
   GridBands->setUpdatesEnabled(true);
 }
 
@@ -344,10 +356,12 @@ void frmDocument::Refill(int currentRow) {
   ShowSelectedStandard();
 }
 
-void frmDocument::RefillAfterEdit(int currentRow) {
+void frmDocument::RefillAfterEdit(int currentRow, const QString& step) {
+  const int rowBefore = shownIndex;
   Refill(currentRow);
   ValidateTable();
   MarkChanged();
+  RecordStep(step, rowBefore);
 }
 
 void frmDocument::ListRowChanged() {
@@ -357,37 +371,29 @@ void frmDocument::ListRowChanged() {
   HighlightListRow();
 }
 
-void frmDocument::FindSSEntry(const QString& name) {
-  CommitEdit();
-  const std::string bytes = BytesOf(name);
-  const std::vector<int> standards = StandardIndices(table);
-  const auto select = [this](int row) {
-    GridList->SetCurrent(row, 1);
-    GridList->scrollToItem(GridList->item(row, 1));
-  };
-  for (int row = 0; row < GridList->rowCount(); ++row)
-    if (GridList->CellText(row, 1) == name) return select(row);
-  // A warning may name a sub-band: its standard is selected then.
-  for (std::size_t row = 0; row < standards.size(); ++row)
-    for (int index = standards[row]; index < GroupEnd(table, standards[row]); ++index)
-      if (table.Row(index).Name == bytes) return select(static_cast<int>(row));
-}
-
 // The unit's own names of sub-bands stay until something is edited.
 void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   editor.Close();  // it belongs to the former table
   table = received;
+  history = TableHistory(table);
   Refill(0);
   ShowWarnings();
-  if (table.Count > 0) MarkChanged();
+  if (table.Count > 0) MarkUnsaved();
+}
+
+void frmDocument::MarkUnsaved() {
+  history.ForgetSaved();
+  MarkChanged();
 }
 
 void frmDocument::GetTable() const { chanplan::GetTable(table, shared.Passed); }
 
 void frmDocument::SetTable() {
+  const int rowBefore = shownIndex;
   chanplan::SetTable(shared.Passed, table);
   Refill(GridList->currentRow());
   ShowWarnings();
+  RecordStep("merge", rowBefore);
 }
 
 }  // namespace chanplan

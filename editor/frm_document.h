@@ -6,6 +6,8 @@
 
 #include "core/cell_edits.h"
 #include "core/signal_standard_table.h"
+#include "core/table_history.h"
+#include "core/validation.h"
 #include "editor/cell_editor.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
@@ -20,6 +22,8 @@ namespace chanplan {
 ///   GridList     the standards; a hidden column holds each one's table index
 ///   GridDetails  the values of the standard that is current in GridList
 ///   GridBands    its sub-bands
+///
+/// Every change of the table is a step of `history`: `RecordStep`.
 ///
 /// `editor` holds the one edit that may be open. It is stored when it is left: `StoreGridsToTable`.
 class frmDocument : public DocumentWindow {
@@ -49,9 +53,15 @@ class frmDocument : public DocumentWindow {
   void CopyCut(bool Cut) override;
   void Paste() override;
   void InsertBlank() override;
+  void Undo() override;
+  void Redo() override;
+  QString UndoName() const override;
+  QString RedoName() const override;
   void FindSSEntry(const QString& name) override;
+  void ShowWarning(int line, const QString& name) override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
+  void MarkUnsaved() override;
   void GetTable() const override;
   void SetTable() override;
 
@@ -80,9 +90,11 @@ class frmDocument : public DocumentWindow {
   void HighlightListRow();
   void KeepInSight(const Grid& grid, const QModelIndex& cell);
   void Refill(int currentRow);
-  void RefillAfterEdit(int currentRow);
+  void RefillAfterEdit(int currentRow, const QString& step);
   void ListRowChanged();
   int SelectedIndex() const;
+  /// Where the list has the standard of the row at table index `index`; -1 when it has none.
+  int ListRowOf(int index) const;
   /// Rows that the shown standard has for sub-bands; a damaged count promises another number.
   int SubbandRows() const;
 
@@ -99,12 +111,45 @@ class frmDocument : public DocumentWindow {
   void ShowStateCode(int code);
   void ValidateTable();
   void ShowWarnings();
+  void MarkDoubtfulCells();
 
   // Clipboard, insertion and deletion
   void CopyStandards();
-  void DeleteStandards();
+  void DeleteStandards(const char* deed);
   void UpDown_Change(int value);
+  void ChangeCount(int count, const QString& step);
 
+  // Context menus: what they do, and whether it is possible
+  void ConnectContextMenus();
+  void ShowContextMenu(Grid& grid, const QPoint& at);
+  bool HasCurrentValue() const;
+  bool CanCut() const;
+  bool CanPaste() const;
+  bool CanInsert() const;
+  bool CanAddSubband() const;
+  bool HasSubbands() const;
+  void EditCurrentCell();
+  void CutByFrame();
+  void CopyByFrame();
+  void PasteByFrame();
+  void DeleteByKey();
+  void AddLastSubband();
+  void RemoveLastSubband();
+
+  // Taking changes back
+  /// A cell that shows a value of the table.
+  struct Place {
+    Grid* ShownIn;
+    int Row;
+    int Column;
+  };
+  bool BoxIsOpen() const { return editor.IsOpen() && editor.Open()->Control == editor.txtEntry; }
+  void RecordStep(const QString& step, int rowBefore);
+  void ShowMoment(const TableMoment& moment, const QString& deed);
+  std::optional<Place> PlaceOf(int index, Field field) const;
+  void GoTo(const Place& place);
+
+  bool ReadTable(const QString& path);
   enum class SaveResult { Failed, Saved, Reloaded };
   SaveResult Save(const QString& path);
   SaveResult Write(const QString& path);
@@ -118,6 +163,8 @@ class frmDocument : public DocumentWindow {
   DocumentState& state;
   SharedTables& shared;
   SignalStandardTable table;
+  TableHistory history;
+  std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 
   QWidget* area;

@@ -14,6 +14,7 @@ struct Selection {
   int Row = 0;  // of the list: the first one selected
   int First = 0;
   int Last = 0;
+  int Standards = 0;
 };
 
 // Table indices of the first and the last standard of the list selection.
@@ -25,7 +26,18 @@ std::optional<Selection> SelectedStandards(const Grid& list) {
     top = qMin(top, range.topRow());
     bottom = qMax(bottom, range.bottomRow());
   }
-  return Selection{top, list.CellText(top, 2).toInt(), list.CellText(bottom, 2).toInt()};
+  return Selection{top, list.CellText(top, 2).toInt(), list.CellText(bottom, 2).toInt(), bottom - top + 1};
+}
+
+int StandardsAmong(const std::vector<SignalStandardRecord>& records) {
+  int standards = 0;
+  for (std::size_t row = 0; row < records.size(); row += 1 + static_cast<std::size_t>(qMax(records[row].Subbands, 0)))
+    ++standards;
+  return standards;
+}
+
+QString StepName(const char* deed, int standards) {
+  return QString(standards == 1 ? "%1 of %2 standard" : "%1 of %2 standards").arg(deed).arg(standards);
 }
 
 }  // namespace
@@ -34,7 +46,7 @@ void frmDocument::CopyCut(bool Cut) {
   if (ActiveGrid == GridList) {
     CommitEdit();
     CopyStandards();
-    if (Cut) DeleteStandards();
+    if (Cut) DeleteStandards("cut");
   } else if (ActiveGrid->currentItem() != nullptr) {
     QGuiApplication::clipboard()->setText(ActiveGrid->CellText(ActiveGrid->currentRow(), ActiveGrid->currentColumn()));
     if (Cut && shownIndex >= 0) editor.Cut(*ActiveGrid);
@@ -49,11 +61,11 @@ void frmDocument::CopyStandards() {
   shared.StandardClipboardFull = true;
 }
 
-void frmDocument::DeleteStandards() {
+void frmDocument::DeleteStandards(const char* deed) {
   const auto selection = SelectedStandards(*GridList);
   if (!selection) return;
   chanplan::DeleteStandards(table, selection->First, selection->Last);
-  RefillAfterEdit(selection->Row);
+  RefillAfterEdit(selection->Row, StepName(deed, selection->Standards));
 }
 
 void frmDocument::Paste() {
@@ -66,7 +78,7 @@ void frmDocument::Paste() {
       return;
     const Selection at = SelectedStandards(*GridList).value_or(Selection());
     PasteStandards(table, at.First, shared.StandardClipboard);
-    RefillAfterEdit(at.Row);
+    RefillAfterEdit(at.Row, StepName("paste", StandardsAmong(shared.StandardClipboard)));
   }
   MarkChanged();
 }
@@ -79,7 +91,7 @@ void frmDocument::InsertBlank() {
                 "cannot be added.");
     return;
   }
-  RefillAfterEdit(GridList->currentRow());
+  RefillAfterEdit(GridList->currentRow(), "new standard");
   const int added = GridList->rowCount() - 1;
   GridList->scrollToItem(GridList->item(added, 1));
   KeepInSight(*GridList, GridList->model()->index(added, 1));
@@ -89,8 +101,12 @@ void frmDocument::InsertBlank() {
 // The count is typed, but whoever drives the control otherwise gets what its value says.
 void frmDocument::UpDown_Change(int value) {
   if (shownIndex < 0 || value == table.Row(shownIndex).Subbands) return;
-  StoreCount(value);
-  RefillAfterEdit(GridList->currentRow());
+  ChangeCount(value, "edit of Sub-bands");
+}
+
+void frmDocument::ChangeCount(int count, const QString& step) {
+  StoreCount(count);
+  RefillAfterEdit(GridList->currentRow(), step);
 }
 
 }  // namespace chanplan

@@ -1,6 +1,5 @@
 // The document window: editing cells and writing them back into the table.
 #include "core/lenient_number.h"
-#include "core/validation.h"
 #include "editor/frm_document.h"
 #include "editor/grid_columns.h"
 #include "editor/messages.h"
@@ -13,6 +12,12 @@ constexpr QStringView DisplayModeLetters = u"SN";  // of the two entries, in the
 
 const DetailRow& DetailOf(int row) { return DetailRows[static_cast<std::size_t>(row)]; }
 const BandColumn& BandOf(int column) { return BandColumns[static_cast<std::size_t>(column)]; }
+
+// By the cell's title, without its unit.
+QString StepName(const CellEdit& edit, const Grid* details) {
+  const bool name = edit.IsCell(details, NameRow, 1);
+  return "edit of " + (name ? "Name" : edit.EditedGrid->CellLabel(edit.Row, edit.Column).section(" (", 0, 0));
+}
 
 }  // namespace
 
@@ -80,12 +85,14 @@ void frmDocument::CommitEdit() { StoreGridsToTable(); }
 frmDocument::Commit frmDocument::StoreGridsToTable() {
   const std::optional<CellEdit> edit = editor.Close();
   if (!edit || shownIndex < 0) return Commit::Nothing;
+  const QString step = StepName(*edit, GridDetails);
   const bool stored = StoreCell(*edit);
   // What was typed is shown as the table now has it.
   const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
   if (shapesList) FillStandardList(GridList->currentRow());
   ShowStandard();
   ValidateTable();
+  RecordStep(step, shownIndex);
   return stored ? Commit::Stored : Commit::Refused;
 }
 
@@ -97,6 +104,8 @@ bool frmDocument::StoreCell(const CellEdit& edit) {
     outcome = StoreBand(table, shownIndex, edit.Row + 1, BandOf(edit.Column).Shown, BytesOf(text));
   else if (edit.Row == SubbandsRow)
     return StoreCount(static_cast<int>(LeadingNumber(BytesOf(text))));
+  else if (edit.Control == nullptr && (edit.Row == DisplayModeRow || edit.Row == ModulationRow))
+    return true;  // it was cut, and nothing else was chosen
   else if (edit.Row == DisplayModeRow)
     SetStateCode(standard, GetStateCode(static_cast<int>(Modulation(standard)), editor.cmboSelected->currentIndex()));
   else if (edit.Row == ModulationRow)
@@ -125,21 +134,6 @@ void frmDocument::ShowStateCode(int code) {
   const int mode = (code & ActiveDisplayBit) != 0 ? 1 : 0;
   GridDetails->FillCell(DisplayModeRow, 1, editor.cmboSelected->itemText(mode), DetailRows[DisplayModeRow].Title);
   GridDetails->FillCell(ModulationRow, 1, editor.cmboModType->itemText(code & 3), DetailRows[ModulationRow].Title);
-}
-
-void frmDocument::ValidateTable() {
-  AlignSubbands(table);
-  ShowWarnings();
-}
-
-// Those of the table as it stands, which stays as it is.
-void frmDocument::ShowWarnings() {
-  std::vector<std::string> names;
-  for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
-  warningsText = QString::fromStdString(chanplan::WarningsText(FindWarnings(table, names)));
-  // The frame shows the active document's warnings, and fetches these when this becomes it.
-  if (mdiArea() == nullptr || ActiveIn(*mdiArea()) == this) frame.Warnings(warningsText, -1);
-  emit TableChanged();
 }
 
 }  // namespace chanplan

@@ -41,6 +41,12 @@ QString DifferenceText(const SignalStandardTable& former, const SignalStandardTa
 }  // namespace
 
 bool frmDocument::LoadSigStandards(const QString& path) {
+  const bool read = ReadTable(path);
+  history = TableHistory(table);
+  return read;
+}
+
+bool frmDocument::ReadTable(const QString& path) {
   const BusyPointer busy(*this);
   const QScopedValueRollback suppressed(SuppressListEvents, true);
   editor.Close();  // it belongs to the former table
@@ -67,7 +73,10 @@ bool frmDocument::LoadSigStandards(const QString& path) {
 bool frmDocument::SaveChanplans(const QString& path) { return Save(path) != SaveResult::Failed; }
 
 frmDocument::SaveResult frmDocument::Save(const QString& path) {
-  if (StoreGridsToTable() == Commit::Nothing) ValidateTable();
+  if (StoreGridsToTable() == Commit::Nothing) {
+    ValidateTable();
+    RecordStep("names of sub-bands", shownIndex);  // those that came from a unit
+  }
   if (IsNoFile(path)) {
     ShowFailure(*this, "Error Saving File", path + " is no file.");
     return SaveResult::Failed;
@@ -95,12 +104,15 @@ bool frmDocument::ChangedMeanwhile(const QString& path) const {
 
 frmDocument::SaveResult frmDocument::Reload(const QString& path) {
   const SignalStandardTable former = table;
-  if (!LoadSigStandards(path)) {
+  const int rowBefore = shownIndex;
+  if (!ReadTable(path)) {
     table = former;
     Refill(0);
     ShowWarnings();
     return SaveResult::Failed;
   }
+  RecordStep("reload", rowBefore);
+  history.MarkSaved();
   state.Changed = false;
   ShowMessage(*this, DifferenceText(former, table), frame.ApplicationTitle(), QMessageBox::Information);
   return SaveResult::Reloaded;
@@ -115,6 +127,7 @@ frmDocument::SaveResult frmDocument::Write(const QString& path) {
     return SaveResult::Failed;
   }
   KnownFile = ReadFileStamp(PathOf(path));
+  history.MarkSaved();
   setWindowTitle(path);
   GridList->viewport()->update();
   return SaveResult::Saved;

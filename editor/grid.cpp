@@ -1,10 +1,12 @@
 #include "editor/grid.h"
 
+#include <QContextMenuEvent>
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <QTextDocument>
 #include <QToolTip>
 
@@ -15,6 +17,33 @@ namespace chanplan {
 namespace {
 
 constexpr int LabelRole = Qt::UserRole;
+constexpr int DoubtRole = Qt::AccessibleDescriptionRole;  // which screen readers tell, too
+
+// Draws a corner on doubtful cells, away from their text: it can be told apart without seeing colours.
+class MarkedCells : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QStyledItemDelegate::paint(painter, option, index);
+    if (index.data(DoubtRole).toString().isEmpty()) return;
+    constexpr QColor doubtful(0xd3, 0x54, 0x00);  // stands out from light and dark cells alike
+    const bool selected = (option.state & QStyle::State_Selected) != 0;
+    const auto group = (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+    const int alignment = index.data(Qt::TextAlignmentRole).toInt();
+    const bool onTheLeft = (alignment & Qt::AlignRight) != 0;
+    const QPointF corner = onTheLeft ? option.rect.topLeft() : QPointF(option.rect.right() + 1, option.rect.top());
+    const double size = option.fontMetrics.height() / 2.0;
+    QStyleOptionViewItem drawn = option;
+    initStyleOption(&drawn, index);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(selected ? drawn.palette.color(group, QPalette::HighlightedText) : doubtful);
+    painter->drawPolygon(QPolygonF({corner, corner + QPointF(onTheLeft ? size : -size, 0), corner + QPointF(0, size)}));
+    painter->restore();
+  }
+};
 
 // Keeps the current cell out of the title columns, whichever way it moves.
 class ValueColumnsSelection : public QItemSelectionModel {
@@ -37,6 +66,7 @@ Grid::Grid(const QString& name, int firstValueColumn, QWidget* parent)
     : QTableWidget(parent), firstColumn(firstValueColumn) {
   setObjectName(name);
   setSelectionModel(new ValueColumnsSelection(model(), firstColumn, this));
+  setItemDelegate(new MarkedCells(this));
   setEditTriggers(NoEditTriggers);
   setTabKeyNavigation(false);
   setCornerButtonEnabled(false);
@@ -84,6 +114,11 @@ QString Grid::CellLabel(int row, int column) const {
   return cell == nullptr ? QString() : cell->data(LabelRole).toString();
 }
 
+void Grid::SetDoubt(int row, int column, const QString& doubt) {
+  QTableWidgetItem* cell = item(row, column);
+  if (cell != nullptr && cell->data(DoubtRole).toString() != doubt) cell->setData(DoubtRole, doubt);
+}
+
 void Grid::SetCurrent(int row, int column) {
   const auto extent = selectionBehavior() == SelectRows ? QItemSelectionModel::Rows : QItemSelectionModel::NoUpdate;
   selectionModel()->setCurrentIndex(model()->index(row, column), QItemSelectionModel::ClearAndSelect | extent);
@@ -101,10 +136,13 @@ void Grid::SetRows(int rows, int height) {
 QString Grid::ToolTipText(const QModelIndex& index) const {
   if (!index.isValid()) return {};
   const QTableWidgetItem& cell = *item(index.row(), index.column());
-  if (!cell.toolTip().isEmpty()) return cell.toolTip();
+  QStringList lines(cell.toolTip());
   const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
   const bool elided = QFontMetrics(cell.font()).horizontalAdvance(cell.text()) + margins > visualRect(index).width();
-  return elided ? cell.text() : QString();
+  if (lines.front().isEmpty() && elided) lines.front() = cell.text();
+  lines += cell.data(DoubtRole).toString();
+  lines.removeAll(QString());
+  return lines.join('\n');
 }
 
 bool Grid::viewportEvent(QEvent* event) {
@@ -148,6 +186,10 @@ QItemSelectionModel::SelectionFlags Grid::selectionCommand(const QModelIndex& in
   const bool takesAway = (command & (QItemSelectionModel::Toggle | QItemSelectionModel::Deselect)) != 0 ||
                          command == QItemSelectionModel::NoUpdate;
   const bool clicked = event != nullptr && event->type() == QEvent::MouseButtonPress;
+  // The context menu is about all that is selected.
+  const bool onSelection = selectionModel()->isSelected(index);
+  if (clicked && onSelection && static_cast<const QMouseEvent*>(event)->button() == Qt::RightButton)
+    return QItemSelectionModel::NoUpdate;
   if (!takesAway || !clicked) return command;
   const auto extent = selectionBehavior() == SelectRows ? QItemSelectionModel::Rows : QItemSelectionModel::NoUpdate;
   return QItemSelectionModel::ClearAndSelect | extent;
@@ -174,10 +216,22 @@ void Grid::keyPressEvent(QKeyEvent* event) {
   const bool cells = selectionBehavior() != SelectRows;  // rows are looked for by their letters
   if (event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
     emit EditRequested();
+  else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+    emit MenuRequested(MenuPlace());
   else if (cells && plain && !text.isEmpty() && (text.front() == '\b' || text.front().isPrint()))
     emit CellTyped(text.front());
   else
     QTableWidget::keyPressEvent(event);
+}
+
+// Below the current cell.
+QPoint Grid::MenuPlace() const {
+  const QRect cell = visualRect(currentIndex()) & viewport()->rect();
+  return viewport()->mapToGlobal(cell.isEmpty() ? QPoint(0, 0) : cell.bottomLeft());
+}
+
+void Grid::contextMenuEvent(QContextMenuEvent* event) {
+  emit MenuRequested(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : MenuPlace());
 }
 
 void Grid::initViewItemOption(QStyleOptionViewItem* option) const {

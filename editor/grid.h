@@ -20,6 +20,8 @@ class Grid : public QTableWidget {
   void EditCell(int row, int column, const QString& text);
   QString CellText(int row, int column) const;
   QString CellLabel(int row, int column) const;
+  /// Marks a cell whose value is doubtful, for the reasons in `doubt`, a line each; empty for none.
+  void SetDoubt(int row, int column, const QString& doubt);
 
   /// Makes a cell current and alone selected, whatever keys are held.
   void SetCurrent(int row, int column);
@@ -39,6 +41,8 @@ class Grid : public QTableWidget {
   /// Enter or F2 was pressed, or the current cell double-clicked.
   void EditRequested();
   void DeleteReleased();
+  /// The right button was pressed, or a key for the context menu, which belongs at `at` on the screen.
+  void MenuRequested(const QPoint& at);
   /// Tab, or Shift+Tab for backwards, was pressed.
   void Tabbed(bool forwards);
 
@@ -48,6 +52,7 @@ class Grid : public QTableWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
   bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -58,6 +63,7 @@ class Grid : public QTableWidget {
 
  private:
   void SetText(QTableWidgetItem& cell, const QString& text);
+  QPoint MenuPlace() const;
   QString ToolTipText(const QModelIndex& index) const;
   QTableWidgetItem& Cell(int row, int column);
 

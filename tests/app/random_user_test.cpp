@@ -65,6 +65,7 @@ class RandomUser : public AppTest, public ::testing::WithParamInterface<unsigned
     static constexpr Qt::Key keys[] = {Qt::Key_Up,     Qt::Key_Down,   Qt::Key_Left, Qt::Key_Right,
                                        Qt::Key_Return, Qt::Key_Escape, Qt::Key_Tab,  Qt::Key_F2,
                                        Qt::Key_F6,     Qt::Key_Delete, Qt::Key_End,  Qt::Key_Backspace};
+    if (Pick(6) == 0) return Key(OneOf(std::array{Qt::Key_Z, Qt::Key_Z, Qt::Key_Y}), Qt::ControlModifier);
     Key(OneOf(keys), OneOf(std::array{Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier}));
   }
   void TypeACharacter() {

@@ -18,8 +18,10 @@ class StandInDocument : public DocumentWindow {
   }
 
   mutable QStringList Calls;
+  std::vector<int> ShownWarnings;                      ///< lines that were gone to
   QString Text;                                        ///< of its warnings
   std::function<bool()> Closes = [] { return true; };  ///< whether it lets itself be closed
+  QString Undone;                                      ///< the step that can be taken back
   bool Saves = true;                                   ///< whether saving succeeds
   SignalStandardTable Rows;
 
@@ -49,12 +51,18 @@ class StandInDocument : public DocumentWindow {
   void CopyCut(bool Cut) override { Calls += Cut ? "CopyCut true" : "CopyCut false"; }
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }
+  void Undo() override { Calls += "Undo"; }
+  void Redo() override { Calls += "Redo"; }
+  QString UndoName() const override { return Undone; }
+  QString RedoName() const override { return {}; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  void ShowWarning(int line, const QString&) override { ShownWarnings.push_back(line); }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";
     Rows = received;
   }
+  void MarkUnsaved() override { state.Changed = true; }
   void GetTable() const override {}
   void SetTable() override { Calls += "SetTable"; }
 

@@ -2,6 +2,7 @@
 #include "app/warnings_pane.h"
 
 #include <QAccessible>
+#include <QClipboard>
 #include <QListWidget>
 #include <QRubberBand>
 #include <QScrollBar>
@@ -231,6 +232,70 @@ TEST_F(Pane, ShowsTheTextOfTheDocumentThatBecameActiveInTheMiddleOfAnEdit) {
   Frame().ShowDocument(*app->Registry.Document(1));
   EXPECT_EQ(Lines(), QStringList({"Warning:\tDCS\tStart frequency appears out of range.", ""}));
   app->Registry.DocumentStates[0].Changed = false;
+}
+
+// The items of a menu that can be chosen.
+static QStringList Possible(const QMenu& menu) {
+  QStringList items;
+  for (const QAction* item : menu.actions())
+    if (!item->isSeparator() && item->isEnabled()) items += QString(item->text()).remove('&');
+  return items;
+}
+
+TEST_F(Pane, ContextMenuCopiesWarningsAndTakesChangesBack) {
+  WriteFile(folder / "a.sig",
+            "header\r\n2\t1\tDCS\t9850\t1805.2\t885\t512\t0.2\t0.2\t1\r\n0\t0\t\t1\t1\t1\t2\t0.2\t0.2\t1\r\n");
+  Start({InFolder("a.sig")});
+  const auto choose = [this](const char* name) {
+    Key(Qt::Key_F10, Qt::ShiftModifier);
+    auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+    QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(menu.findChild<QAction*>(name)).center());
+  };
+  Key(Qt::Key_F6);
+  Key(Qt::Key_F10, Qt::ShiftModifier);
+  auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+  EXPECT_EQ(menu.objectName(), "mnuContextWarnings");
+  EXPECT_EQ(Possible(menu), QStringList({"Copy All Warnings"}));
+  menu.close();
+  Key(Qt::Key_Down);
+  choose("mnuContextCopyWarning");
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "Warning:\tDCS\tStart frequency appears out of range.");
+  choose("mnuContextCopyWarnings");
+  EXPECT_EQ(QGuiApplication::clipboard()->text(),
+            "Warning:\tDCS\tStart frequency appears out of range.\n"
+            "Warning:\tDCS\tStop channel is less than start channel.\n");
+
+  Frame().ActiveDocument()->InsertBlank();
+  choose("mnuContextUndo");
+  EXPECT_EQ(Frame().ActiveDocument()->Table().Count, 2);
+  EXPECT_EQ(QApplication::focusWidget(), &List());
+  Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(Frame().ActiveDocument()->Table().Count, 3);
+  Key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(Frame().ActiveDocument()->Table().Count, 2) << "the keys do it from here, too";
+  EXPECT_FALSE(Frame().ActiveDocument()->State().Changed);
+}
+
+TEST_F(Pane, ClickOrEnterPutsTheCursorOnTheValueThatIsMeant) {
+  WriteFile(
+      folder / "a.sig",
+      "header\r\n2\t1\tDCS\t9850\t1805.2\t885\t512\t0.2\t0.2\t1\r\n0\t0\t\t1710\t9805\t512\t885\t0.2\t0.2\t1\r\n");
+  Start({InFolder("a.sig")});
+  const auto* details = Frame().ActiveDocument()->findChild<QTableWidget*>("GridDetails");
+  const auto* bands = Frame().ActiveDocument()->findChild<QTableWidget*>("GridBands");
+  ClickLine(1);
+  EXPECT_TRUE(details->hasFocus());
+  EXPECT_EQ(details->currentRow(), 7);
+  Key(Qt::Key_F6);
+  Key(Qt::Key_Down);
+  EXPECT_EQ(QApplication::focusWidget(), &List()) << "arrow keys go on through the warnings";
+  Key(Qt::Key_Return);
+  EXPECT_TRUE(bands->hasFocus());
+  EXPECT_EQ(bands->currentColumn(), 2);
+  Key(Qt::Key_F6);
+  Key(Qt::Key_Down);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(QApplication::focusWidget(), &List()) << "the empty line is about nothing";
 }
 
 TEST_F(Pane, LineWithoutATabOnlyShowsThePosition) {

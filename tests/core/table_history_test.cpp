@@ -136,6 +136,17 @@ TEST(TableHistory, IsAtItsStartAsSavedAgainOnceAllStepsAreTakenBack) {
   EXPECT_TRUE(history.AtSaved());
 }
 
+TEST(TableHistory, IsNowhereAsSavedWhereTheTableIsInNoFile) {
+  TableHistory history(A);
+  history.ForgetSaved();
+  EXPECT_FALSE(history.AtSaved());
+  history.Record("Add B", 0, AB, 1);
+  history.Undo();
+  EXPECT_FALSE(history.AtSaved());
+  history.MarkSaved();
+  EXPECT_TRUE(history.AtSaved());
+}
+
 TEST(TableHistory, LosesASavedTableThatNoStepsLeadToAnyMore) {
   TableHistory history = TwoSteps();
   history.MarkSaved();

@@ -88,6 +88,14 @@ void PlanBox::Paste(const std::string& pasted) {
     }
 }
 
+void PlanPast::Note(const Plan& plan, int rowBefore, int rowAfter) {
+  if (plan == Present()) return;
+  moments.erase(moments.begin() + Back() + 1, moments.end());
+  moments.push_back({plan, rowBefore, rowAfter, ++last});
+  if (moments.size() > Most) moments.erase(moments.begin());
+  present = moments.size() - 1;
+}
+
 PlanModel::PlanModel(const SignalStandardTable& table) {
   for (int index = 0; index < table.Count;) {
     const SignalStandardRecord& head = table.Row(index);

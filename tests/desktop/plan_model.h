@@ -19,6 +19,7 @@ struct PlanBand {
   Fixed Downlink = 0;
   int Start = 0;
   int Stop = 0;
+  bool operator==(const PlanBand&) const = default;
 };
 
 struct PlanStandard {
@@ -32,6 +33,7 @@ struct PlanStandard {
   Fixed Spacing = 0;
   int Step = 0;
   std::vector<PlanBand> Bands;
+  bool operator==(const PlanStandard&) const = default;
 };
 
 /// The kinds of cells, by what may be typed into them.
@@ -59,6 +61,43 @@ class PlanBox {
   std::string original;
   bool allSelected = true;
   bool edited = false;
+};
+
+/// All that a plan was, one after the other, of which one is what it is now. A change brings the row of
+/// the list that was current before it, and the one after it.
+class PlanPast {
+ public:
+  using Plan = std::vector<PlanStandard>;
+
+  explicit PlanPast(Plan plan) : moments{{std::move(plan), 0, 0}} {}
+
+  /// The plan is this now. No moment of its own where it was the same before.
+  void Note(const Plan& plan, int rowBefore, int rowAfter);
+  void Save() { saved = moments[present].Number; }
+
+  /// How often one can go back, and forth.
+  int Back() const { return static_cast<int>(present); }
+  int Forth() const { return static_cast<int>(moments.size() - present) - 1; }
+  /// The row that is current then.
+  int GoBack() { return moments[present--].RowBefore; }
+  int GoForth() { return moments[++present].RowAfter; }
+  const Plan& Present() const { return moments[present].Then; }
+  bool IsSaved() const { return moments[present].Number == saved; }
+
+ private:
+  static constexpr std::size_t Most = 201;  // the opened plan, and what 200 changes made of it
+
+  struct Moment {
+    Plan Then;
+    int RowBefore;
+    int RowAfter;
+    int Number = 0;
+  };
+
+  std::vector<Moment> moments;
+  std::size_t present = 0;
+  int saved = 0;
+  int last = 0;
 };
 
 class PlanModel {

@@ -24,7 +24,7 @@ int Setting(const char* name, int otherwise) {
 
 class RandomHands : public AppTest {
  protected:
-  RandomHands() : model(FirstTable()) {}
+  RandomHands() : model(FirstTable()), past(model.Standards) {}
 
   static SignalStandardTable FirstTable() {
     return TableOf({{"2", 2, "GSM 900", 890.20004, 935.2, 1, 124, 0.2, 0.00625, 1},
@@ -61,6 +61,7 @@ class RandomHands : public AppTest {
     SelectOnly(first);
   }
   void Appended() {
+    before = current;
     if (!model.Append()) return;
     first = last = current;
   }
@@ -205,6 +206,7 @@ class RandomHands : public AppTest {
           desktop.Press({"v"});
           if (!model.Copied.empty())
             model.Standards.insert(model.Standards.begin() + first, model.Copied.begin(), model.Copied.end());
+          before = current;
           if (!model.Copied.empty()) SelectOnly(first);
           break;
         }
@@ -218,6 +220,7 @@ class RandomHands : public AppTest {
     desktop.LetGo("ctrl");
   }
   void Delete() {
+    before = current;
     model.Delete(first, last);
     SelectOnly(std::clamp(first, 0, std::max(0, static_cast<int>(model.Standards.size()) - 1)));
   }
@@ -230,7 +233,36 @@ class RandomHands : public AppTest {
     Delete();
   }
 
+  // From a place where no box is open, which would have the keys.
+  void GoBackAndForth() {
+    if (Chance(30)) {
+      desktop.Press({"ctrl+s"});
+      past.Save();
+    }
+    if (Box().isVisible() || Chance(70)) ClickFirst();
+    for (int steps = Chance(10) ? 250 : 1 + Pick(8); steps > 0 && past.Back() > 0; --steps) GoBack();
+    ExpectTheModelsTable();
+    const QString key = Chance(50) ? "ctrl+shift+z" : "ctrl+y";
+    for (int steps = Chance(10) ? 250 : Pick(8); steps > 0 && past.Forth() > 0; --steps) GoForth(key);
+    if (past.Back() == 0 && Chance(50)) desktop.Press({"ctrl+z"});  // there is nothing to take back
+    if (past.Forth() == 0 && Chance(50)) desktop.Press({key});
+  }
+  void GoBack() {
+    desktop.Press({"ctrl+z"});
+    Show(past.GoBack());
+  }
+  void GoForth(const QString& key) {
+    desktop.Press({key});
+    Show(past.GoForth());
+  }
+  void Show(int row) {
+    model.Standards = past.Present();
+    SelectOnly(std::clamp(row, 0, std::max(0, static_cast<int>(model.Standards.size()) - 1)));
+    EXPECT_EQ(Frame().ActiveDocument()->State().Changed, !past.IsSaved());
+  }
+
   void ExpectTheModelsTable() {
+    past.Note(model.Standards, before, current);
     SignalStandardTable table = Frame().ActiveDocument()->Table();
     SignalStandardTable expected = model.Table();
     for (SignalStandardTable* side : {&table, &expected}) {
@@ -254,7 +286,8 @@ class RandomHands : public AppTest {
   void Step() {
     if (model.Standards.empty()) return SelectSome();
     if (first != last) ClickFirst();  // whose values are those that are shown
-    switch (Pick(12)) {
+    before = current;
+    switch (Pick(14)) {
       case 0:
       case 1:
         return EditDetail();
@@ -272,6 +305,9 @@ class RandomHands : public AppTest {
       case 8:
         return UseTheClipboard();
       case 9:
+      case 10:
+        return GoBackAndForth();
+      case 11:
         if (Chance(50)) return PressDelete();
         [[fallthrough]];
       default:
@@ -282,9 +318,11 @@ class RandomHands : public AppTest {
   std::mt19937 random{static_cast<unsigned>(Setting("CHANPLAN_RANDOM_SEED", 1))};
   Desktop& desktop = TheDesktop();
   PlanModel model;
+  PlanPast past;
   int first = 0;  // of the selected standards
   int last = 0;
   int current = 0;  // the end of the selection that moves
+  int before = 0;   // which one that was when the table was changed last
 };
 
 TEST_F(RandomHands, LoseAndBendNothing) {
@@ -301,6 +339,19 @@ TEST_F(RandomHands, LoseAndBendNothing) {
     ExpectTheModelsTable();
     if (HasFailure()) ADD_FAILURE() << "after: " << desktop.LastDeeds().toStdString();
   }
+  if (HasFailure()) return;
+  // All of it back, and once more.
+  ClickFirst();
+  while (past.Forth() > 0) GoForth("ctrl+y");
+  ExpectTheModelsTable();
+  const bool reachesTheFile = past.Back() < 200;
+  while (past.Back() > 0) GoBack();
+  ExpectTheModelsTable();
+  if (reachesTheFile) {
+    EXPECT_EQ(Frame().ActiveDocument()->Table(), FirstTable());
+  }
+  while (past.Forth() > 0) GoForth("ctrl+shift+z");
+  ExpectTheModelsTable();
 }
 
 }  // namespace

@@ -66,13 +66,14 @@ class FrameStandIn : public FrameOperations {
   std::vector<QString> Warned;
   std::vector<QString> Statuses;
   std::vector<SavePrompt> Prompts;
-  QString SaveAnswer;  ///< what the user chooses in the save dialog; empty = Cancel
+  const QMdiArea* Area = nullptr;  ///< where documents are
+  QString SaveAnswer;              ///< what the user chooses in the save dialog; empty = Cancel
 
   QString Status() const { return Statuses.empty() ? QString() : Statuses.back(); }
 
-  void mnuEditCopy_Click() override {}
-  void mnuEditCut_Click() override {}
-  void mnuEditPaste_Click() override {}
+  void mnuEditCopy_Click() override { DocumentWindow::ActiveIn(*Area)->CopyCut(false); }
+  void mnuEditCut_Click() override { DocumentWindow::ActiveIn(*Area)->CopyCut(true); }
+  void mnuEditPaste_Click() override { DocumentWindow::ActiveIn(*Area)->Paste(); }
   void Warnings(const QString& WarningText, qint16) override { Warned.push_back(WarningText); }
   void ShowStatus(const QString& text) override { Statuses.push_back(text); }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override {
@@ -145,6 +146,7 @@ class DocumentTest : public ::testing::Test {
       for (QMdiSubWindow* other : mdi->subWindowList())
         if (activated != nullptr && other != activated) qobject_cast<DocumentWindow*>(other)->CommitEdit();
     });
+    frame.Area = mdi;
     window.setCentralWidget(mdi);
     window.resize(1400, 1000);
     window.show();

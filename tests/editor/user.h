@@ -115,6 +115,13 @@ inline void HoldKeys(Qt::KeyboardModifiers held) {
   EXPECT_EQ(QGuiApplication::keyboardModifiers(), held);
 }
 
+/// To the focus itself, as a key that is sent to a window runs no shortcut.
+inline void PressShortcut(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+  FocusWindow();
+  ASSERT_NE(QApplication::focusWidget(), nullptr);
+  QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
 inline void PressTimes(int times, Qt::Key key) {
   for (int time = 0; time < times; ++time) Press(key);
 }
