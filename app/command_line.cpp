@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "core/text_encoding.h"
+
 namespace chanplan {
 namespace {
 
@@ -17,6 +19,9 @@ QString PathOf(const QString& file) {
   const QString path = file.startsWith("file:") ? QUrl(file).toLocalFile() : file;
   return QFileInfo(path).absoluteFilePath();
 }
+
+// A terminal obeys control characters.
+QString Harmless(const QString& argument) { return QString::fromStdString(HarmlessText(argument.toStdString())); }
 
 }  // namespace
 
@@ -33,7 +38,7 @@ CommandLine ReadCommandLine(const QStringList& arguments) {
     else if (argument == "--version")
       return {{}, "Chanplan Editor " CHANPLAN_VERSION "\n"};
     else
-      return {{}, "There is no option " + argument + "; chanplan-editor --help names them all.\n", true};
+      return {{}, "There is no option " + Harmless(argument) + "; chanplan-editor --help names them all.\n", true};
   }
   return line;
 }
