@@ -76,7 +76,9 @@ class WildUnit {
     auto begin = rig.Clock.Time + std::chrono::milliseconds(slowness);
     if (Chance(Wildness)) {
       const auto place = static_cast<std::size_t>(Between(0, static_cast<int>(bytes.size()) - 1));
-      switch (Between(0, 5)) {
+      const int kind = Between(0, 5);
+      const bool losesSome = kind == 1 || kind == 4;
+      switch (overtaken && losesSome ? 0 : kind) {  // an echo among an answer's bytes would make up for a lost one
         case 0:
           begin += std::chrono::milliseconds(Between(0, 1500 - slowness));
           break;
