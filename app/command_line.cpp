@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "core/text_encoding.h"
+
 namespace chanplan {
 namespace {
 
@@ -20,6 +22,9 @@ QString PathOf(const QString& file) {
   return QFileInfo(address.toLocalFile()).absoluteFilePath();
 }
 
+// A terminal obeys control characters.
+QString Harmless(const QString& argument) { return QString::fromStdString(HarmlessText(argument.toStdString())); }
+
 }  // namespace
 
 CommandLine ReadCommandLine(const QStringList& arguments) {
@@ -35,7 +40,7 @@ CommandLine ReadCommandLine(const QStringList& arguments) {
     else if (argument == "--version")
       return {{}, "Chanplan Editor " CHANPLAN_VERSION "\n"};
     else
-      return {{}, "There is no option " + argument + "; chanplan-editor --help names them all.\n", true};
+      return {{}, "There is no option " + Harmless(argument) + "; chanplan-editor --help names them all.\n", true};
   }
   return line;
 }

@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 
 #include "app/frm_upload_optns.h"
-#include "core/table_merge.h"
 #include "editor/messages.h"
 #include "editor/text_edge.h"
 #include "unit/unit_connection.h"
@@ -107,24 +106,32 @@ bool TransferCommand::Append() {
     if (outcome->UnitAnswered) ShowMessage(frame, NothingUploadedText, frame.ApplicationTitle(), QMessageBox::Warning);
     return false;
   }
-  const int dropped = MergeTables(*moved, *added);
-  if (dropped == 0) return true;
-  const QString question =
-      QString("%1 records find no room in the unit. Upload the first %2 all the same?").arg(dropped).arg(MaxRecords);
-  const bool confirmed = Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), question,
-                             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
-  if (!confirmed) frame.ShowStatus(CanceledText);
-  return confirmed;
+  const bool merged = MergeTables(*moved, *added);
+  if (!merged) frame.ShowStatus(CanceledText);
+  return merged;
 }
 
-int TransferCommand::MergeTables(DocumentWindow& base, DocumentWindow& source) {
+bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
+  QString text;
+  if (merged.Dropped > 0) text += QString("%1 records find no room in the unit. ").arg(merged.Dropped);
+  if (merged.Nameless > 0) text += QString("%1 records have no name and are left out. ").arg(merged.Nameless);
+  if (text.isEmpty()) return true;
+  text += merged.Dropped > 0 ? QString("Upload the first %1 all the same?").arg(MaxRecords)
+                             : QString("Upload the others all the same?");
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel) ==
+         QMessageBox::Ok;
+}
+
+// What would be left out is asked about before the merge says what it did.
+bool TransferCommand::MergeTables(DocumentWindow& base, DocumentWindow& source) {
   for (DocumentWindow* document : {&base, &source}) document->CommitEdit();
   const MergeOutcome merged = MergeWholeGroups(base.Table(), source.Table(), flags.UploadReplaceMatching);
+  if (!ConfirmLeftOut(merged)) return false;
   if (merged.Truncated) ShowMessage(frame, TextOf(MergeTruncatedText), "Table Merge", QMessageBox::Information);
   GetTable(merged.Table, sharedTables.Passed);
   base.SetTable();
   if (merged.Table.Count > 0) base.State().Changed = true;  // it is in no file
-  return merged.Dropped;
+  return true;
 }
 
 // Nothing, after telling the user, when a value does not fit.

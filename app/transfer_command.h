@@ -11,6 +11,7 @@
 #include "app/command_frame.h"
 #include "app/frm_in_progress.h"
 #include "app/transfer_flags.h"
+#include "core/table_merge.h"
 #include "editor/busy_pointer.h"
 #include "editor/shared_tables.h"
 #include "unit/transfer.h"
@@ -36,8 +37,9 @@ class TransferCommand : public QObject {
   /// The two directions of `Proc_Query`. `message` is the table of `document` as it goes out.
   TransferOutcome Receive(DocumentWindow& document);
   TransferOutcome Send(DocumentWindow& document, std::string_view message);
-  /// Merges the table of `source` into that of `base`. Returns how many rows found no room.
-  int MergeTables(DocumentWindow& base, DocumentWindow& source);
+  /// Merges the table of `source` into that of `base`. False, and nothing is changed, when rows would be left out
+  /// that the user does not give up.
+  bool MergeTables(DocumentWindow& base, DocumentWindow& source);
 
   /// What a confirmed abort does.
   void Abort();
@@ -55,6 +57,7 @@ class TransferCommand : public QObject {
   std::optional<TransferOutcome> ReceiveInNewDocument(bool newSlotRequested);
   bool Append();
   std::optional<std::string> Encode(DocumentWindow& document);
+  bool ConfirmLeftOut(const MergeOutcome& merged);
   bool ConfirmLosses(const SignalStandardTable& table);
   TransferProgress& Begin();
   void ShowEnd(const TransferOutcome& outcome, int records);

@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 std::error_code WritingProblem(const fs::path& file) {
   std::error_code ignored;
   if (file == StandardStream) return {};
+  if (!file.has_filename()) return std::make_error_code(std::errc::no_such_file_or_directory);
   if (fs::is_directory(file, ignored)) return std::make_error_code(std::errc::is_a_directory);
   if (fs::exists(file, ignored) && !fs::is_regular_file(file, ignored)) return {};
   const fs::path target = fs::weakly_canonical(file, ignored);
@@ -28,6 +29,18 @@ std::error_code WritingProblem(const fs::path& file) {
   return {};
 }
 
+// Whether anything would be lost with `file`, a table or not: all but nothing and an empty table.
+bool HoldsSomething(const fs::path& file) {
+  std::error_code ignored;
+  if (file == StandardStream || !fs::is_regular_file(file, ignored) || fs::is_empty(file, ignored)) return false;
+  const std::string emptyTable = WriteSigTable({});
+  std::string content(emptyTable.size() + 1, '\0');
+  std::ifstream input(file, std::ios::binary);
+  input.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(input.gcount()));
+  return content != emptyTable;
+}
+
 struct DownloadArguments {
   PortArguments Port;
   fs::path Out;
@@ -39,11 +52,11 @@ void Download(const DownloadArguments& arguments) {
   UnitSession session(arguments.Port);
   session.Connect();
   const SignalStandardTable table = session.Download().Table;
-  if (table.Count == 0 && !arguments.Force) {
-    const ReadOutcome former = LoadSigFile(arguments.Out);
-    if (former.Ok() && former.Table.Count > 0)
-      throw CommandFailure("the unit's table is empty and " + arguments.Out.string() + " holds " +
-                           std::to_string(former.Table.Count) + " records: it was not replaced (--force replaces it)");
+  if (table.Count == 0 && !arguments.Force && HoldsSomething(arguments.Out)) {
+    const int records = LoadSigFile(arguments.Out).Table.Count;
+    throw CommandFailure("the unit's table is empty and " + arguments.Out.string() +
+                         (records > 0 ? " holds " + std::to_string(records) + " records" : " is not") +
+                         ": it was not replaced (--force replaces it)");
   }
   SaveTableAs(table, arguments.Out);
 }
@@ -55,7 +68,7 @@ void AddDownloadCommand(CLI::App& app, int& /*exitCode*/) {
   const auto arguments = std::make_shared<DownloadArguments>();
   arguments->Port.AddTo(*command);
   command->add_option("OUT", arguments->Out, "where to save the table")->required();
-  command->add_flag("--force", arguments->Force, "replace a file that holds records also by an empty table");
+  command->add_flag("--force", arguments->Force, "replace a file that is not empty also by an empty table");
   command->callback([arguments] { Download(*arguments); });
 }
 

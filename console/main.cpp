@@ -1,12 +1,14 @@
 // chanplan: the editor's functions from the command line.
 #include <algorithm>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "console/command.h"
 #include "console/interruption.h"
+#include "core/text_encoding.h"
 
 namespace chanplan {
 namespace {
@@ -68,7 +70,10 @@ int main(int argc, char** argv) {
       std::ranges::reverse(arguments);  // as the library wants them
       app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {  // a request for help is one, too
-      if (app.exit(error) != 0) return ExitFailed;
+      std::ostringstream wrong;
+      const bool failed = app.exit(error, std::cout, wrong) != 0;
+      std::cerr << HarmlessText(wrong.str());  // it repeats the arguments
+      if (failed) return ExitFailed;
     }
     std::cout.flush();
     if (!std::cout) throw CommandFailure("standard output could not be written");

@@ -56,7 +56,11 @@ int Merge(const MergeArguments& arguments) {
   const bool outputIsTaken = !arguments.DryRun && arguments.Out == StandardStream;
   PrintFates(base.Table, source.Table, merged.Table, arguments.ReplaceMatching, outputIsTaken ? std::cerr : std::cout);
   if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-  return ExitCodeAfterLoss(base.RowsLeftOut + source.RowsLeftOut + merged.Dropped);
+  const int exitCode = ExitCodeAfterLoss(base.RowsLeftOut + source.RowsLeftOut + merged.Dropped);
+  if (merged.Nameless == 0) return exitCode;
+  Note(std::to_string(merged.Nameless) + (merged.Nameless == 1 ? " row" : " rows") +
+       " without a name had to be left out");
+  return ExitRowsLost;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "console/interruption.h"
 #include "console/progress_bar.h"
 #include "core/number_picture.h"
+#include "core/text_encoding.h"
 #include "settings/user_settings.h"
 
 namespace chanplan {
@@ -47,10 +48,10 @@ void PortArguments::AddTo(CLI::App& command) {
 UnitSession::UnitSession(const PortArguments& arguments)
     : portName(arguments.Port),
       port(DevicesOf(arguments.Port)),
-      tracing(arguments.Trace
-                  ? std::make_unique<TracingPort>(port, SystemTiming().Now,
-                                                  [](const std::string& line) { std::cerr << line << '\n'; })
-                  : nullptr),
+      tracing(arguments.Trace ? std::make_unique<TracingPort>(
+                                    port, SystemTiming().Now,
+                                    [](const std::string& line) { std::cerr << HarmlessText(line) << '\n'; })
+                              : nullptr),
       link(tracing ? static_cast<PortObject&>(*tracing) : port, SystemTiming()) {
   link.CommPort = static_cast<std::int16_t>(PortNumber(arguments.Port));
   if (IsPortNumber(arguments.Port)) portName = CommDevice(link.CommPort);

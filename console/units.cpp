@@ -5,6 +5,7 @@
 #include "console/interruption.h"
 #include "console/qt_application.h"
 #include "core/number_picture.h"
+#include "core/text_encoding.h"
 #include "settings/user_settings.h"
 #include "unit/qt_serial_port.h"
 #include "unit/unit_connection.h"
@@ -30,7 +31,9 @@ std::optional<FoundUnit> FindUnit(const std::string& device) {
   std::string reply;
   const bool answered = link.OpenCommPort(1) == 1 && link.ReadUnitIdentity(SearchTimeoutMs, reply) == LinkTrue;
   std::optional<FoundUnit> unit;
-  if (answered)
+  if (IsSentBack(reply))
+    Note(device + ": " + std::string(SentBackText));
+  else if (answered)
     unit = {device, PrintedText(link.UnitModel), FormatNumber(link.UnitFirmwareVersion, "#0.00"),
             IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)};
   else if (const auto failure = link.PortFailure())
@@ -42,7 +45,7 @@ std::optional<FoundUnit> FindUnit(const std::string& device) {
 
 // A search takes seconds: each unit is told at once.
 void PrintText(const FoundUnit& unit) {
-  std::cout << unit.Device << '\t' << unit.Model << '\t' << unit.Firmware << '\t'
+  std::cout << HarmlessText(unit.Device) << '\t' << unit.Model << '\t' << unit.Firmware << '\t'
             << (unit.Accepted ? "accepted" : "not accepted") << std::endl;
 }
 

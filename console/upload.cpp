@@ -15,18 +15,41 @@ struct UploadArguments {
   bool Verify = false;
 };
 
+// The unit's table behind an upload that was confirmed.
+SignalStandardTable ReadBack(UnitSession& session) {
+  try {
+    return session.Download().Table;
+  } catch (const CommandFailure& failure) {
+    throw CommandFailure(
+        std::string("the unit confirmed the upload, but its table could not be read back to compare it: ") +
+        failure.what());
+  }
+}
+
 // Compares with what went over the wire: what that is not like was said before.
 void Verify(UnitSession& session, std::string_view message) {
   UnitTable sent;
   DecodeTable(message, sent);
-  const auto differences = RowDifferences(sent.Table, session.Download().Table);
+  const auto differences = RowDifferences(sent.Table, ReadBack(session));
   if (differences.empty()) return;
   for (const std::string& line : differences) Note(line);
   throw CommandFailure("the unit's table is not the one that was sent: upload it again");
 }
 
-void Upload(const UploadArguments& arguments) {
-  SignalStandardTable table = OpenTable(arguments.File);
+// Throws CommandFailure when rows would be lost that the user did not give up.
+void RefuseLosses(const UploadArguments& arguments, int withoutRoom, int nameless) {
+  if (arguments.Truncate) return;
+  if (withoutRoom > 0)
+    throw CommandFailure(std::to_string(withoutRoom) +
+                         " records find no room in the unit; nothing was sent (--truncate sends the first 200)");
+  if (nameless > 0)
+    throw CommandFailure(std::to_string(nameless) +
+                         " records have no name and would be left out; nothing was sent (--truncate leaves them out)");
+}
+
+int Upload(const UploadArguments& arguments) {
+  const OpenedTable opened = OpenWithNotes(arguments.File);
+  SignalStandardTable table = opened.Table;
   UnitSession session(arguments.Port);
   // A table that does not fit is refused before anything is said to the unit.
   std::string message = EncodeTable(table, UploadTag(0));
@@ -35,20 +58,19 @@ void Upload(const UploadArguments& arguments) {
     const UnitTable held = session.Download();
     const MergeOutcome merged = MergeWholeGroups(held.Table, table, arguments.ReplaceMatching);
     if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-    if (merged.Dropped > 0 && !arguments.Truncate)
-      throw CommandFailure(std::to_string(merged.Dropped) +
-                           " records find no room in the unit; nothing was sent (--truncate sends the first 200)");
+    RefuseLosses(arguments, merged.Dropped + opened.RowsLeftOut, merged.Nameless);
     table = merged.Table;
     message = EncodeTable(table, UploadTag(held.UnitTableTag));
   }
   for (const std::string& loss : WireLosses(table)) Note(loss);
   session.Upload(message);
   if (arguments.Verify) Verify(session, message);
+  return arguments.Append ? ExitDone : ExitCodeAfterLoss(opened.RowsLeftOut);
 }
 
 }  // namespace
 
-void AddUploadCommand(CLI::App& app, int& /*exitCode*/) {
+void AddUploadCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("upload", "Put a table into a unit");
   const auto arguments = std::make_shared<UploadArguments>();
   arguments->Port.AddTo(*command);
@@ -59,12 +81,14 @@ void AddUploadCommand(CLI::App& app, int& /*exitCode*/) {
       ->add_flag("--replace-matching", arguments->ReplaceMatching,
                  "standards of the table replace those of the same name in the unit")
       ->needs(append);
-  command->add_flag("--truncate", arguments->Truncate, "send the first 200 records when the unit has no room for all")
+  command
+      ->add_flag("--truncate", arguments->Truncate,
+                 "send the first 200 records when the unit has no room for all, and leave out records without a name")
       ->needs(append);
   command->add_flag("--verify", arguments->Verify, "read the unit's table back and compare it record by record");
-  command->callback([arguments] {
+  command->callback([arguments, &exitCode] {
     try {
-      Upload(*arguments);
+      exitCode = Upload(*arguments);
     } catch (const WireMisfit& misfit) {
       throw CommandFailure(std::string(misfit.what()) + "; nothing was sent");
     }

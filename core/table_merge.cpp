@@ -29,6 +29,11 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   PassedRows sourceRows;
   GetTable(base, baseRows);
   GetTable(source, sourceRows);
+  const auto nameless = [](const SignalStandardTable& table) {
+    int count = 0;
+    for (int index = 0; index < table.Count; ++index) count += table.Row(index).Name.empty() ? 1 : 0;
+    return count;
+  };
   PassedRows result;  // longer than a table, perhaps
 
   std::string_view currentName;
@@ -54,7 +59,8 @@ MergeOutcome MergeTables(const SignalStandardTable& base, const SignalStandardTa
   for (const SignalStandardRecord& row : sourceRows)
     if (!row.Name.empty()) result.push_back(row);
 
-  MergeOutcome outcome{base, result.size() >= MaxRecords, std::max(0, static_cast<int>(result.size()) - MaxRecords)};
+  MergeOutcome outcome{base, result.size() >= MaxRecords, std::max(0, static_cast<int>(result.size()) - MaxRecords),
+                       nameless(base) + nameless(source)};
   result.resize(MaxRecords);
   SetTable(result, outcome.Table);
   return outcome;

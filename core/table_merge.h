@@ -15,6 +15,7 @@ struct MergeOutcome {
   SignalStandardTable Table;
   bool Truncated = false;  ///< the table is full; also when nothing was lost by that
   int Dropped = 0;         ///< rows that found no room
+  int Nameless = 0;        ///< rows of both tables that were left out as they have no name
 };
 
 /// Merges `source` into `base`. Where base names match (exactly), the base's group wins, or with

@@ -1,11 +1,16 @@
 // handheld-simulator: a handheld unit on a pseudo-terminal.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <utility>
 
 #include "core/sig_file.h"
@@ -25,6 +30,7 @@ constexpr auto QuietLine = 3s;   // an upload that pauses for so long has ended;
 constexpr auto SlowAnswer = 2s;  // how late a slow unit answers
 constexpr auto LateEcho = 1500ms;
 constexpr int BitsPerByte = 10;  // with start and stop bit
+constexpr int FastestBaud = 1'000'000;
 
 volatile std::sig_atomic_t stopRequested = 0;
 
@@ -34,7 +40,8 @@ struct Settings {
   std::string Link;
   std::string TableFile;
   std::string SaveFile;
-  int Baud = 9600;
+  std::int64_t Tag = 100;
+  std::int64_t Baud = 9600;
   bool Trace = false;
   bool TableIsCut = false;
 };
@@ -73,7 +80,7 @@ class TraceLog {
 // Replies on their way, sent no faster than the line's speed.
 class ReplyLine {
  public:
-  ReplyLine(PseudoTerminal& terminalUsed, TraceLog& log, int baud)
+  ReplyLine(PseudoTerminal& terminalUsed, TraceLog& log, std::int64_t baud)
       : terminal(terminalUsed),
         trace(log),
         lineByteTime(baud > 0 ? Clock::duration(1s) * BitsPerByte / baud : Clock::duration::zero()) {}
@@ -125,6 +132,8 @@ void ChooseFault(Settings& settings) {
   const std::string kind = settings.FaultText.substr(0, at);
   const auto fault = std::ranges::find(FaultNames, kind, &FaultName::Name);
   if (fault == FaultNames.end()) throw CLI::ValidationError("--fault", "there is no \"" + kind + "\", see --help");
+  if (fault->Kind == Fault::None && at != std::string::npos)
+    throw CLI::ValidationError("--fault", "\"none\" is no misbehaviour that could begin with a command");
   settings.Unit.Misbehaviour = fault->Kind;
   if (at == std::string::npos) return;
   const std::string from = settings.FaultText.substr(at + 1);
@@ -136,6 +145,22 @@ void ChooseFault(Settings& settings) {
 void CheckLength(const char* option, const std::string& text, std::size_t longest) {
   if (text.size() > longest)
     throw CLI::ValidationError(option, "\"" + text + "\" is longer than " + std::to_string(longest) + " characters");
+}
+
+void CheckRange(const char* option, std::int64_t number, std::int64_t lowest, std::int64_t highest) {
+  if (number < lowest || number > highest)
+    throw CLI::ValidationError(option, std::to_string(number) + " is out of its range, " + std::to_string(lowest) +
+                                           " to " + std::to_string(highest));
+}
+
+// A file that cannot be written is found out before the unit is there.
+void CheckWritable(const std::string& file) {
+  if (file.empty()) return;
+  const bool wasThere = std::filesystem::exists(file);
+  errno = 0;
+  if (!std::ofstream(file, std::ios::app))
+    throw std::runtime_error(file + " cannot be written: " + std::generic_category().message(errno));
+  if (!wasThere) std::filesystem::remove(file);
 }
 
 std::string FaultHelp() {
@@ -152,19 +177,20 @@ Settings ParseArguments(CLI::App& app, int argc, char** argv) {
   app.add_option("--firmware", settings.Unit.Firmware, "its firmware version, up to 4 characters")
       ->capture_default_str();
   app.add_option("--table", settings.TableFile, "the table that it holds at start")->type_name("FILE.sig");
-  app.add_option("--tag", settings.Unit.Tag, "the tag of this table")->capture_default_str();
+  app.add_option("--tag", settings.Tag, "the tag of this table, 0 to 65535")->capture_default_str();
   app.add_option("--save", settings.SaveFile, "write its table here whenever an upload arrived")->type_name("FILE.sig");
-  app.add_option("--baud", settings.Baud, "the speed of its replies; 0 = at once")
-      ->capture_default_str()
-      ->check(CLI::NonNegativeNumber);
+  app.add_option("--baud", settings.Baud, "the speed of its replies; 0 = at once")->capture_default_str();
   app.add_option("--fault", settings.FaultText, "how it misbehaves, see below")->type_name("KIND[@N]");
   CLI::Option* nth = app.add_option("--nth", settings.Unit.DropInterval, "which bytes drop-every-nth-byte loses")
-                         ->capture_default_str()
-                         ->check(CLI::PositiveNumber);
+                         ->capture_default_str();
   app.set_version_flag("--version", "Chanplan Editor " CHANPLAN_VERSION);
   app.add_flag("--trace", settings.Trace, "print what it receives, does and sends, with the seconds since its start");
   app.footer(FaultHelp());
   app.parse(argc, argv);
+  CheckRange("--tag", settings.Tag, 0, 65535);
+  CheckRange("--baud", settings.Baud, 0, FastestBaud);
+  CheckRange("--nth", settings.Unit.DropInterval, 1, INT_MAX);
+  settings.Unit.Tag = static_cast<std::uint16_t>(settings.Tag);
   if (!settings.FaultText.empty()) ChooseFault(settings);
   CheckLength("--model", settings.Unit.Model, SimulatedUnit::ModelSize);
   CheckLength("--firmware", settings.Unit.Firmware, SimulatedUnit::FirmwareSize);
@@ -201,15 +227,19 @@ void Serve(const Settings& settings) {
   ReplyLine replies(terminal, trace, settings.Baud);
   int savedUploads = 0;
   auto lastByte = Clock::now();
+  bool inUse = false;
   while (!stopRequested && !(unit.HangsUp() && replies.Empty())) {
-    const std::string received = terminal.Read(replies.Empty() ? 50ms : 1ms);
+    const std::string received = terminal.Read(!replies.Empty() ? 1ms : unit.ReceivesTable() ? 5ms : 50ms);
     if (!received.empty()) {
       const std::string reply = unit.Receive(received);
       replies.Add(reply, unit.Has(Fault::Slow));
       replies.AddLate(unit.TakeLateEchoes());
       lastByte = Clock::now();
+      inUse = true;
+    } else if (inUse && terminal.IsUnused()) {
+      inUse = false;
+      unit.LineIsQuiet();
     } else if (Clock::now() - lastByte > QuietLine) {
-      terminal.Free();
       unit.LineIsQuiet();
     }
     replies.Send();
@@ -232,12 +262,16 @@ int main(int argc, char** argv) {
   try {
     Settings settings = ParseArguments(app, argc, argv);
     LoadTable(settings);
+    CheckWritable(settings.SaveFile);
     Serve(settings);
     return 0;
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : 2;
+    std::ostringstream wrong;
+    const bool failed = app.exit(error, std::cout, wrong) != 0;
+    std::cerr << HarmlessText(wrong.str());  // it repeats the arguments
+    return failed ? 2 : 0;
   } catch (const std::exception& error) {
-    std::cerr << "handheld-simulator: " << error.what() << std::endl;
+    std::cerr << "handheld-simulator: " << HarmlessText(error.what()) << std::endl;
     return 2;
   }
 }

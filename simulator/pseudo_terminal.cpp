@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace chanplan {
 namespace {
@@ -33,8 +34,10 @@ void MakeLink(const fs::path& target, const fs::path& link) {
     Fail(link.string());
   }
   const fs::path fresh = link.string() + "." + std::to_string(getpid());
-  fs::create_symlink(target, fresh);
-  fs::rename(fresh, link);
+  std::error_code error;
+  fs::create_symlink(target, fresh, error);
+  if (!error) fs::rename(fresh, link, error);
+  if (error) throw std::system_error(error, link.string());
 }
 
 }  // namespace
@@ -61,7 +64,19 @@ PseudoTerminal::~PseudoTerminal() {
   if (!linkPath.empty() && fs::read_symlink(linkPath, ignored) == path) fs::remove(linkPath, ignored);
 }
 
-void PseudoTerminal::Free() { ioctl(programEnd.Number, TIOCNXCL); }
+// The line is hung up for the unit's end as long as nobody has the other one open, so the own one is let go for a
+// moment. What a program has for itself could not be opened again.
+bool PseudoTerminal::IsUnused() {
+  int exclusive = 0;
+  ioctl(programEnd.Number, TIOCGEXCL, &exclusive);
+  ioctl(programEnd.Number, TIOCNXCL);
+  close(std::exchange(programEnd.Number, -1));
+  pollfd line{unitEnd.Number, POLLIN, 0};
+  const bool unused = poll(&line, 1, 0) > 0 && line.revents == POLLHUP;  // and all it sent is read
+  programEnd.Number = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (!unused && exclusive != 0) ioctl(programEnd.Number, TIOCEXCL);
+  return unused;
+}
 
 std::string PseudoTerminal::Read(std::chrono::milliseconds longest) {
   pollfd waiting{unitEnd.Number, POLLIN, 0};

@@ -20,8 +20,8 @@ class PseudoTerminal {
   /// The path by which programs open the line.
   const std::string& Path() const { return path; }
 
-  /// Lets programs open the line whose last user kept it for itself and was killed.
-  void Free();
+  /// Whether no program has the line open. One that a program kept for itself and was killed is free again then.
+  bool IsUnused();
 
   /// Waits up to `longest` for bytes from the program at the other end and returns them.
   std::string Read(std::chrono::milliseconds longest);

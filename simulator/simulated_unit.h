@@ -80,8 +80,11 @@ class SimulatedUnit {
   /// Whether it misbehaves in this way by now.
   bool Has(Fault fault) const { return options.Misbehaviour == fault && commands >= options.FaultFrom; }
 
-  /// Tells the unit that nothing came for a while: it forgets an upload that has not become complete.
+  /// Tells the unit that nothing came for a while, or that nobody is there any more: it forgets an upload that has
+  /// not become complete.
   void LineIsQuiet();
+  /// Whether it waits for the rest of an upload.
+  bool ReceivesTable() const { return receivesTable; }
 
   /// The table it holds, names as they came over the wire.
   SignalStandardTable Table() const;

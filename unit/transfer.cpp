@@ -1,5 +1,7 @@
 #include "unit/transfer.h"
 
+#include <utility>
+
 #include "unit/unit_connection.h"
 #include "unit/wire_encoding.h"
 
@@ -10,6 +12,7 @@ constexpr int DownloadTimeoutMs = 30000;
 constexpr int SyncTimeoutMs = 10000;
 constexpr std::uint16_t FirstTableTag = 100;
 constexpr std::chrono::seconds LongestPause(2);  // between two bytes of an upload
+constexpr std::size_t LargestTable = WireHeaderSize + MaxRecords * WireRecordSize;
 
 // Why a table that was asked for did not come; nothing when it did, and when it did not in time.
 std::string DownloadProblem(const UnitLink& link, LinkResult result) {
@@ -26,6 +29,32 @@ std::string UploadProblem(const UnitLink& link, LinkResult result) {
   if (result == LinkFalse)
     return "The upload was held up, so that the unit may have given it up: upload the table again";
   return {};
+}
+
+// Asks for the table: LinkTrue when `reply` has as many bytes as it announces; LinkTimeout; LinkUnrest when
+// more came. Where `announcementIsDoubted`, a table that stops coming and announced more than a unit can hold is
+// no time-out but LinkUnrest: an echo in its header makes the count 0, or too large.
+LinkResult ReadTable(UnitLink& link, std::string& reply, TransferProgress& progress, bool announcementIsDoubted) {
+  progress.SetRange(0, 100);
+  progress.SetValue(0);
+  std::size_t replySize = 0;  // not known before the header is in
+  std::size_t sizeBefore = 0;
+  auto lastCame = link.Now();
+  const auto whole = [&] {
+    if (reply.size() != std::exchange(sizeBefore, reply.size())) lastCame = link.Now();
+    if (replySize == 0 && reply.size() >= WireHeaderSize) {
+      const int recordBytes = TwoBytesToInteger(std::string_view(reply).substr(2)) * static_cast<int>(WireRecordSize);
+      replySize = WireHeaderSize + static_cast<std::size_t>(recordBytes);
+      progress.SetRange(0, recordBytes);
+    }
+    progress.SetValue(static_cast<int>(reply.size()));
+    if (announcementIsDoubted && replySize > LargestTable && link.Now() - lastCame > LatestAnswer) return true;
+    return replySize != 0 && reply.size() >= replySize;
+  };
+  if (link.ReadAnswer(SendTableCommand, DownloadTimeoutMs, reply, whole) != LinkTrue) return LinkTimeout;
+  // A byte that was lost, doubled or another answer's leaves a number of bytes that no table has.
+  link.ReadUntilQuiet(reply);
+  return reply.size() == replySize ? LinkTrue : LinkUnrest;
 }
 
 // Opens the port, identifies the unit and lets `move` move the table, unless the user wants to stop by then.
@@ -69,23 +98,14 @@ bool DecodeTable(std::string_view reply, UnitTable& held) {
 }
 
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress) {
-  progress.SetRange(0, 100);
-  progress.SetValue(0);
   std::string reply;
-  std::size_t replySize = 0;  // not known before the header is in
-  const auto whole = [&] {
-    if (replySize == 0 && reply.size() >= WireHeaderSize) {
-      const int recordBytes = TwoBytesToInteger(std::string_view(reply).substr(2)) * static_cast<int>(WireRecordSize);
-      replySize = WireHeaderSize + static_cast<std::size_t>(recordBytes);
-      progress.SetRange(0, recordBytes);
-    }
-    progress.SetValue(static_cast<int>(reply.size()));
-    return replySize != 0 && reply.size() >= replySize;
-  };
-  if (link.ReadAnswer(SendTableCommand, DownloadTimeoutMs, reply, whole) != LinkTrue) return LinkTimeout;
-  // A byte that was lost, doubled or another answer's leaves a number of bytes that no table has.
-  link.ReadUntilQuiet(reply);
-  if (reply.size() != replySize) return LinkUnrest;
+  LinkResult result = ReadTable(link, reply, progress, true);
+  // An echo that another program waited for may have come among the table's bytes. Reading changes nothing,
+  // so the unit is asked once more, when no echo can be on its way any longer.
+  std::string stale;
+  if (result == LinkUnrest && link.ReadUntilQuiet(stale, LatestAnswer))
+    result = ReadTable(link, reply, progress, false);
+  if (result != LinkTrue) return result;
   return DecodeTable(reply, held) ? LinkTrue : LinkFalse;
 }
 
@@ -129,8 +149,9 @@ TransferOutcome RunUpload(UnitLink& link, std::string_view message, TransferProg
 LinkResult FinishTransfer(UnitLink& link, const TransferOutcome& outcome) {
   const LinkResult sync =
       link.CommControl.IsOpen() && outcome.UnitAnswered ? link.SendSyncByte(SyncTimeoutMs) : LinkTimeout;
+  const bool mayBeOthers = sync == LinkAck && link.MayHearOthers();
   link.CloseCommPort();
-  return sync;
+  return mayBeOthers ? link.LastSync : sync;
 }
 
 }  // namespace chanplan

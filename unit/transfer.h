@@ -33,7 +33,7 @@ struct UnitTable {
 bool DecodeTable(std::string_view message, UnitTable& held);
 
 /// Reads the unit's table into `held`. LinkTrue; LinkTimeout when the reply was not complete in
-/// 30000 ms and LinkUnrest when more came than it announces, which both leave `held` as it was;
+/// 30000 ms and LinkUnrest when more came than it announces, also when asked again, which both leave `held` as it was;
 /// LinkFalse when the unit sent more than 200 records, of which the first 200 are kept.
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress);
 
@@ -70,7 +70,8 @@ TransferOutcome RunUpload(UnitLink& link, std::string_view message, TransferProg
                           const std::function<bool()>& abortRequested);
 
 /// Ends the exchange with the sync byte where the unit had answered, and closes the port in any
-/// case. The result is that of the sync byte; LinkTimeout when none was sent.
+/// case. The result is that of the sync byte; LinkTimeout when none was sent. Where its echo may have been one that
+/// another program asked for, it is that of the closing sync byte, too: two echoes do not come from one.
 LinkResult FinishTransfer(UnitLink& link, const TransferOutcome& outcome);
 
 }  // namespace chanplan

@@ -1,5 +1,7 @@
 #include "unit/unit_connection.h"
 
+#include "unit/wire_encoding.h"
+
 namespace chanplan {
 namespace {
 
@@ -8,7 +10,8 @@ constexpr double FirstCompatibleFirmware = 3.0;
 // `reply` is what came of the identity.
 ConnectRefusal TryToConnect(UnitLink& link, std::string& reply) {
   if (link.OpenCommPort(link.CommPort) != 1) return ConnectRefusal::PortNotOpened;
-  if (link.ReadUnitIdentity(IdentityTimeoutMs, reply) != LinkTrue) return ConnectRefusal::NoProperResponse;
+  if (link.ReadUnitIdentity(IdentityTimeoutMs, reply) != LinkTrue || IsSentBack(reply))
+    return ConnectRefusal::NoProperResponse;
   if (!IsCompatibleUnit(link.UnitModel, link.UnitFirmwareVersion)) return ConnectRefusal::NotCompatible;
   return ConnectRefusal::None;
 }
@@ -27,15 +30,22 @@ std::string_view RefusalText(ConnectRefusal refusal) {
   return {};
 }
 
-std::string RefusalReason(const UnitLink& link, ConnectRefusal refusal, std::size_t bytesCame) {
+std::string RefusalReason(const UnitLink& link, ConnectRefusal refusal, std::string_view reply) {
   if (const auto failure = link.PortFailure()) return failure->what();
   if (refusal != ConnectRefusal::NoProperResponse) return std::string(RefusalText(refusal));
-  if (bytesCame == 0) return "no unit answered within 10 s: check that it is switched on and that the cable sits";
-  return "incomplete answer, " + std::to_string(bytesCame) + " of " + std::to_string(IdentitySize) +
+  if (IsSentBack(reply)) return std::string(SentBackText);
+  if (reply.empty())
+    return "no unit answered within 10 s: check that it is switched on and that the cable sits; after an upload that "
+           "was broken off, switch it off and on";
+  return "incomplete answer, " + std::to_string(reply.size()) + " of " + std::to_string(IdentitySize) +
          " bytes: check that the cable sits";
 }
 
 }  // namespace
+
+bool IsSentBack(std::string_view reply) {
+  return reply.starts_with(IdentifyCommand) && (reply.size() == 1 || reply.size() == 1 + IdentitySize);
+}
 
 bool IsCompatibleUnit(std::string_view model, double firmwareVersion) {
   return (model.ends_with('D') && firmwareVersion >= FirstCompatibleFirmware) || model == "QX4471C";
@@ -44,7 +54,7 @@ bool IsCompatibleUnit(std::string_view model, double firmwareVersion) {
 ConnectOutcome ConnectToUnit(UnitLink& link) {
   std::string reply;
   const ConnectRefusal refusal = TryToConnect(link, reply);
-  const std::string reason = RefusalReason(link, refusal, reply.size());
+  const std::string reason = RefusalReason(link, refusal, reply);
   link.CloseCommPort();
   if (refusal == ConnectRefusal::None) return {};
   return {refusal, std::string(RefusalText(refusal)) + "\r\n\r\nThe requested operation has been aborted.", reason};

@@ -14,6 +14,12 @@ inline constexpr int IdentityTimeoutMs = 10000;
 /// firmware 3.00 on, and the QX4471C with any.
 bool IsCompatibleUnit(std::string_view model, double firmwareVersion);
 
+/// Whether `reply` to the question who the unit is begins with that question, as the line sends back what is sent.
+bool IsSentBack(std::string_view reply);
+inline constexpr std::string_view SentBackText =
+    "the line sends back what is sent to it: switch the echo of the adapter off, or take out a plug that joins its "
+    "pins";
+
 enum class ConnectRefusal { None, PortNotOpened, NoProperResponse, NotCompatible };
 
 struct ConnectOutcome {

@@ -7,6 +7,7 @@
 namespace chanplan {
 
 void UnitLine::Opened(Time now) {
+  openedAt = now;
   lastHeard = now;
   answeredSinceOpened = false;
 }
@@ -34,8 +35,8 @@ void UnitLine::Heard(std::string_view bytes, Time now) {
   owedEchoes = std::max(0, owedEchoes - static_cast<int>(std::ranges::count(bytes, SyncByte)));
 }
 
-bool UnitLine::IsQuiet(Time now) const {
-  return now - lastHeard >= QuietTime && (!Owes() || now - lastAsked > LatestAnswer);
+bool UnitLine::IsQuiet(Time now, Time quiet) const {
+  return now - lastHeard >= quiet && (!Owes() || now - lastAsked > LatestAnswer);
 }
 
 std::size_t EchoesInFront(std::string_view answer, std::size_t size) {

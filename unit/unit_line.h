@@ -31,8 +31,11 @@ class UnitLine {
   /// A part of the awaited answer came.
   void HeardAnswer(Time now) { lastHeard = now; }
 
-  /// Whether nothing is on its way, so that whatever comes next answers what is sent next.
-  bool IsQuiet(Time now) const;
+  /// Whether nothing is on its way, so that whatever comes next answers what is sent next: nothing came
+  /// for `quiet`.
+  bool IsQuiet(Time now, Time quiet = QuietTime) const;
+  /// Whether an echo that came at `now` may be one that another program asked for before the port was opened.
+  bool MayHearOthers(Time now) const { return now - openedAt <= LatestAnswer; }
   /// Whether the unit answers since the port was opened, and all it was asked.
   bool UnitIsThere() const { return answeredSinceOpened && !Owes(); }
   Time LastHeard() const { return lastHeard; }
@@ -41,6 +44,7 @@ class UnitLine {
  private:
   bool Owes() const { return owesAnswer || owedEchoes > 0; }
 
+  Time openedAt{};
   Time lastHeard{};
   Time lastAsked{};
   int owedEchoes = 0;

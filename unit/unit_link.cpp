@@ -18,6 +18,8 @@ constexpr int CloseSyncTimeoutMs = 500;
 constexpr std::chrono::nanoseconds PollPause = 1ms;
 // A sleeping thread wakes late by less than this; the rest of a pause is polled away.
 constexpr std::chrono::nanoseconds WakeUpMargin = 60us;
+// A unit is asked so often who it is until one answer is beyond doubt or like the one before it.
+constexpr int MostIdentities = 3;
 // The rest of a full table, which a program that was killed had asked for, takes less.
 constexpr int LongestUnrestMs = 12000;
 
@@ -25,6 +27,12 @@ std::string_view TrimBlanks(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+// Whether nothing but the answer of a unit can be in `reply`: as long as it should be, and no echo.
+bool IsBeyondDoubt(std::string_view reply) {
+  return reply.size() == IdentitySize && reply.front() != IdentifyCommand &&
+         reply.find(SyncByte) == std::string_view::npos;
 }
 
 }  // namespace
@@ -64,7 +72,7 @@ bool UnitLink::CloseCommPort() {
   if (CommControl.IsOpen()) {
     const bool unitIsThere = line.UnitIsThere();
     if (SendSyncByte(CloseSyncTimeoutMs) == LinkTimeout && unitIsThere)
-      AwaitEcho(static_cast<int>(LatestAnswer.count()), LatestAnswer);
+      LastSync = AwaitEcho(static_cast<int>(LatestAnswer.count()), LatestAnswer);
     CommControl.Close();
   }
   return true;
@@ -93,7 +101,7 @@ LinkResult UnitLink::SendSyncByte(int timeoutMs) {
   ClearCommBuffers();
   SendCommString(CommHandle, {&SyncByte, 1});
   line.SyncSent(Now());
-  return AwaitEcho(timeoutMs, silence);
+  return LastSync = AwaitEcho(timeoutMs, silence);
 }
 
 LinkResult UnitLink::AwaitEcho(int timeoutMs, std::chrono::milliseconds silence) {
@@ -104,7 +112,7 @@ LinkResult UnitLink::AwaitEcho(int timeoutMs, std::chrono::milliseconds silence)
   return echo.ends_with(SyncByte) ? LinkAck : LinkTrue;
 }
 
-bool UnitLink::ReadUntilQuiet(std::string& rest) {
+bool UnitLink::ReadUntilQuiet(std::string& rest, std::chrono::milliseconds quiet) {
   return WaitUntil(Now(), LongestUnrestMs, [&] {
     // What had come by `now` is seen, however long the program was held up before it.
     const auto now = Now();
@@ -112,7 +120,7 @@ bool UnitLink::ReadUntilQuiet(std::string& rest) {
     const std::string bytes = CommControl.ReadInput();
     line.Heard(bytes, now);
     rest += bytes;
-    return line.IsQuiet(now);
+    return line.IsQuiet(now, quiet);
   });
 }
 
@@ -133,11 +141,19 @@ LinkResult UnitLink::ReadAnswer(char command, int timeoutMs, std::string& reply,
 }
 
 LinkResult UnitLink::ReadUnitIdentity(int timeoutMs, std::string& reply) {
-  if (ReadAnswer(IdentifyCommand, timeoutMs, reply, [&] { return reply.size() >= IdentitySize; }) != LinkTrue)
-    return LinkTimeout;
-  // Echoes of sync bytes may stand in front; what follows tells them from an identity that begins with 0xFF.
-  if (reply.front() == SyncByte) ReadUntilQuiet(reply);
-  reply.erase(0, EchoesInFront(reply, IdentitySize));
+  const auto start = Now();
+  std::string former;
+  for (int asked = 1; asked <= MostIdentities; ++asked, former = reply) {
+    const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(Now() - start).count();
+    const int left = timeoutMs - static_cast<int>(passed);
+    if (ReadAnswer(IdentifyCommand, left, reply, [&] { return reply.size() >= IdentitySize; }) != LinkTrue)
+      return LinkTimeout;
+    if (IsBeyondDoubt(reply)) break;
+    // Echoes of sync bytes may stand in front; what follows tells them from an identity that begins with 0xFF.
+    ReadUntilQuiet(reply);
+    reply.erase(0, EchoesInFront(reply, IdentitySize));
+    if (IsBeyondDoubt(reply) || reply == former) break;
+  }
   const std::string_view identity = reply;
   UnitModel = TrimBlanks(ReplyToText(identity.substr(2, 7)));
   UnitFirmwareVersion = LeadingNumber(ReplyToText(identity.substr(9, 4)));

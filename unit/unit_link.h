@@ -49,8 +49,9 @@ class UnitLink {
   std::int16_t CommPort = 1;      ///< the chosen port, 1 = COM1
   std::string BaudRate = "9600";  ///< the chosen speed; opening the port sets it to "9600"
 
-  std::string UnitModel;           ///< of the unit that answered last
-  double UnitFirmwareVersion = 0;  ///< of the unit that answered last
+  std::string UnitModel;              ///< of the unit that answered last
+  double UnitFirmwareVersion = 0;     ///< of the unit that answered last
+  LinkResult LastSync = LinkTimeout;  ///< what came of the sync byte that was sent last
 
   /// 1 when the port was opened, otherwise 0 and `PortFailure` says why. The link always runs at
   /// 9600 baud: the units know no other speed, whatever was chosen.
@@ -64,7 +65,7 @@ class UnitLink {
   /// LinkAck, LinkTimeout, or LinkTrue when the reply did not end in the sync byte.
   LinkResult SendSyncByte(int timeoutMs);
   /// Asks the unit who it is: LinkTrue with `reply`, `UnitModel` and `UnitFirmwareVersion`, or LinkTimeout
-  /// with what came of the reply.
+  /// with what came of the reply. What an echo may be a part of is believed when the unit says it twice.
   LinkResult ReadUnitIdentity(int timeoutMs, std::string& reply);
   /// Whether the port could be opened; otherwise `PortFailure` says why not.
   bool ProbeCommPort(int portNumber);
@@ -72,9 +73,9 @@ class UnitLink {
   std::int32_t DelayMs(std::int16_t milliseconds);
   void LetEventsRun();
 
-  /// Waits until the line is quiet and reads what still comes by then. False when it does not become
-  /// quiet: the port is gone, the user wants to stop, or bytes come and come.
-  bool ReadUntilQuiet(std::string& rest);
+  /// Waits until nothing came for `quiet` and reads what still comes by then. False when the line does not
+  /// become quiet: the port is gone, the user wants to stop, or bytes come and come.
+  bool ReadUntilQuiet(std::string& rest, std::chrono::milliseconds quiet = QuietTime);
   /// Sends `command` on a quiet line and gathers its answer in `reply` until it is `whole`: LinkTrue, or
   /// LinkTimeout. Nothing is sent on a line that does not become quiet.
   LinkResult ReadAnswer(char command, int timeoutMs, std::string& reply, const std::function<bool()>& whole);
@@ -89,6 +90,8 @@ class UnitLink {
   bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough,
                  std::chrono::milliseconds silence = Silence);
   std::chrono::nanoseconds Now() const { return timing.Now(); }
+  /// Whether an echo that came now may be one that another program asked for.
+  bool MayHearOthers() const { return line.MayHearOthers(Now()); }
 
   /// Why the port could not be opened, or what broke it since.
   std::optional<PortError> PortFailure() const;

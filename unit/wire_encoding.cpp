@@ -163,6 +163,11 @@ std::vector<std::string> WireLosses(const SignalStandardTable& table) {
     for (const RecordField& field : RecordFields)
       if (const std::string loss = VisitField(record, field, WireLoss{record, field, isSubband}); !loss.empty())
         losses.push_back(RowText(record, index + 1) + std::string(field.Name) + " " + loss);
+    if (StateValue(record) != ByteValue(EndOfListState)) continue;
+    // Whatever else becomes of those, they are not seen again.
+    for (int behind = index + 1; behind < table.Count; ++behind)
+      losses.push_back(RowText(table.Row(behind), behind + 1) + "is not read, as it stands behind the end of the list");
+    break;
   }
   return losses;
 }

@@ -73,7 +73,7 @@ class SubbandCounter {
 
 /// What of `table` arrives at a unit as another value, a line (UTF-8) each: names longer than the field
 /// or with control characters, frequencies that go out as zero or are cut to whole hertz, a State that
-/// ends the list when read back.
+/// ends the list when read back, and the rows behind it.
 std::vector<std::string> WireLosses(const SignalStandardTable& table);
 
 }  // namespace chanplan

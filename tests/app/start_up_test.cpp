@@ -96,6 +96,8 @@ TEST(EditorCommandLine, TakesNamesAddressesAndQuestions) {
   EXPECT_TRUE(ReadCommandLine({"--version"}).Answer.startsWith("Chanplan Editor "));
   EXPECT_FALSE(ReadCommandLine({"--version"}).Wrong);
   EXPECT_TRUE(ReadCommandLine({"--loud", "a.sig"}).Wrong);
+  EXPECT_EQ(ReadCommandLine({"--\x1B[31mloud"}).Answer,
+            "There is no option --?[31mloud; chanplan-editor --help names them all.\n");
 }
 
 TEST(EditorCommandLine, AnswersQuestionsWhereThereIsNoScreen) {

@@ -1,4 +1,6 @@
 // Units, cables and lines that fail under the editor: what the user is told, and what stays as it was.
+#include <csignal>
+
 #include "tests/app/transfer_fixture.h"
 
 using namespace chanplan;
@@ -260,6 +262,86 @@ TEST_F(FaultyUnit, WithMoreThan200RecordsIsNamedAsSuch) {
   ExpectNothingMoved();
 }
 
+// The first 200 of more records must not take the place of all of them.
+TEST_F(FaultyUnit, WithMoreThan200RecordsIsAppendedNothing) {
+  StartFaulty({"--fault", "too-many"});
+  AnswerOptions(Choice::Append);
+  AnswerMessage();
+  AnswerMessage();
+  Choose("mnuToolsUpload");
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages.front().Text, "The unit announces more than 200 records, which no table can hold");
+  EXPECT_EQ(messages.back().Text, NotWhole);
+  messages.clear();
+  app->Registry.DocumentStates[1].Changed = false;
+  ExpectNothingMoved();
+}
+
+TEST_F(FaultyUnit, WhoseLineSendsBackWhatIsSentIsNamed) {
+  StartFaulty({"--fault", "echo", "--baud", "9600"});
+  for (const char* command : {"mnuToolsQuery", "mnuToolsUpload"}) {
+    AnswerMessage();
+    Choose(command);
+    ExpectMessage(NoProperResponse, QMessageBox::Critical);
+    EXPECT_TRUE(Status().startsWith("COM 1: the line sends back what is sent to it: ")) << Status().toStdString();
+    ExpectNothingMoved();
+  }
+}
+
+// The console's program is gone before its echo has come, which then comes among the answers to the editor.
+TEST_F(FaultyUnit, ThatStillOwesAKilledProgramAnEchoGivesItsTable) {
+  patience = 10s;
+  StartFaulty({"--baud", "9600", "--fault", "late-echo"});
+  Chanplan().Run({"identify", unit->Link()}, {.Meanwhile = [this](pid_t program) {
+                   EXPECT_TRUE(unit->WaitForOutput("echoes the sync byte"));
+                   kill(program, SIGKILL);
+                 }});
+  Download();
+  EXPECT_EQ(Status(), CompletedText(4));
+  EXPECT_EQ(ActiveNames(), QStringList({"S1", "S2", "S3", "S4"}));
+  app->Registry.DocumentStates[1].Changed = false;
+}
+
+// While the identity is awaited, and while the echo of a sync byte is: no time-out is waited for.
+TEST_F(FaultyUnit, ThatHangsUpWhileAnAnswerIsAwaitedIsNamed) {
+  struct Case {
+    const char* Fault;
+    const char* Command;
+    QString Message;  // empty: there is nothing to tell
+  };
+  for (const Case& hangUp : {Case{"silent", "mnuToolsQuery", NoProperResponse},
+                             {"silent", "mnuToolsUpload", NoProperResponse},
+                             {"silent@3", "mnuToolsQuery", NoAnswer},
+                             {"silent@5", "mnuToolsQuery", ""},
+                             {"silent@5", "mnuToolsUpload", NotConfirmed}}) {
+    SCOPED_TRACE(std::string(hangUp.Fault) + " " + hangUp.Command);
+    patience = 1h;
+    StartFaulty({"--fault", hangUp.Fault});
+    if (hangUp.Message == NotConfirmed) AnswerOptions(Choice::Overwrite);
+    if (!hangUp.Message.isEmpty()) AnswerMessage();
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+      if (unit->Output().find("keeps silent") == std::string::npos) return;
+      watch.stop();
+      unit->Stop();
+    });
+    watch.start(5);
+    QElapsedTimer time;
+    time.start();
+    Choose(hangUp.Command);
+    EXPECT_LT(time.elapsed(), 8000);
+    std::deque<QString> texts;
+    for (const Message& message : messages) texts.push_back(message.Text);
+    EXPECT_EQ(texts, hangUp.Message.isEmpty() ? std::deque<QString>() : std::deque<QString>{hangUp.Message});
+    messages.clear();
+    EXPECT_FALSE(port->IsOpen());
+    EXPECT_FALSE(Frame().Transferring());
+    for (auto& state : app->Registry.DocumentStates) state.Changed = false;
+    unit.reset();
+    std::filesystem::remove(unitFolder / "held.sig");
+  }
+}
+
 // At the speed of a real line, with a tag that makes a table behind a stale echo look empty.
 TEST_F(FaultyUnit, ThatEchoesLateGetsAndGivesItsTable) {
   patience = 10s;
@@ -285,7 +367,10 @@ TEST_F(SilentWait, SaysWhatItLooksForAndHowToEndIt) {
   AnswerMessage();
   Choose("mnuToolsQuery");
   EXPECT_EQ(shown, "Looking for a unit on COM 1 ... (Esc cancels)");
-  EXPECT_EQ(Status(), "COM 1: no unit answered within 10 s: check that it is switched on and that the cable sits");
+  EXPECT_EQ(
+      Status(),
+      "COM 1: no unit answered within 10 s: check that it is switched on and that the cable sits; after an upload "
+      "that was broken off, switch it off and on");
   messages.clear();
 }
 

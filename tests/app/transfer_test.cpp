@@ -254,11 +254,11 @@ TEST_F(Appending, IsTruncatedAt200Records) {
   StartUnit(NumberedRows(150));
   Start({TableFile("mine.sig", NumberedRows(60, 151))});
   AnswerOptions(Choice::Append);
-  AnswerMessage();
   AnswerMessage(QMessageBox::Ok);
+  AnswerMessage();
   Choose("mnuToolsUpload");
-  EXPECT_EQ(messages.back().Text, "10 records find no room in the unit. Upload the first 200 all the same?");
-  messages.pop_back();
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages.front().Text, "10 records find no room in the unit. Upload the first 200 all the same?");
   EXPECT_EQ(messages.back(), (Message{"Table Merge",
                                       "There were too many records to merge tables.\n"
                                       "The Merged table has been truncated at 200 records.",
@@ -272,13 +272,32 @@ TEST_F(Appending, ThatWouldDropRowsSendsNothingUnlessTheUserSaysSo) {
   StartUnit(NumberedRows(150));
   Start({TableFile("mine.sig", NumberedRows(51, 151))});
   AnswerOptions(Choice::Append);
-  AnswerMessage();
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuToolsUpload");
+  ASSERT_EQ(messages.size(), 1u) << "nothing is said of a merge that was not wanted";
   EXPECT_EQ(messages.back().Text, "1 records find no room in the unit. Upload the first 200 all the same?");
   EXPECT_EQ(Status(), CanceledText);
+  EXPECT_EQ(ActiveNames().size(), 150) << "the unit's";
   EXPECT_FALSE(UnitGotATable());
   app->Registry.DocumentStates[1].Changed = false;
+}
+
+TEST_F(Appending, AsksBeforeRowsWithoutANameAreLeftOut) {
+  const std::string nameless = "2|0||890|935|1|124|0.2|0.2|1";
+  for (const auto& [held, mine] : {std::pair{Rows({"A", ""}), Rows({"B"})}, {Rows({"A"}), Rows({"", "B"})}})
+    for (const auto answer : {QMessageBox::Cancel, QMessageBox::Ok}) {
+      std::filesystem::remove(unitFolder / "held.sig");
+      StartUnit(held);
+      Start({TableFile("mine.sig", mine)});
+      AnswerOptions(Choice::Append);
+      AnswerMessage(answer);
+      Choose("mnuToolsUpload");
+      EXPECT_EQ(messages.back().Text, "1 records have no name and are left out. Upload the others all the same?");
+      EXPECT_EQ(UnitGotATable(), answer == QMessageBox::Ok);
+      EXPECT_EQ(Status(), answer == QMessageBox::Ok ? CompletedText(2) : CanceledText);
+      for (auto& state : app->Registry.DocumentStates) state.Changed = false;
+      unit.reset();
+    }
 }
 
 TEST_F(Appending, ThatFillsTheUnitExactlyLosesNothing) {

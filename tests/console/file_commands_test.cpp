@@ -730,6 +730,14 @@ TEST(Arguments, ThatAreWrongFailWithAReason) {
       WrongArguments{{"upload", "1"}, "FILE is required\n"},
       WrongArguments{{"upload", "1", "a.sig", "--replace-matching"}, "--replace-matching requires --append\n"},
       WrongArguments{{"check", "a.sig", "--loud"}, "The following argument was not expected: --loud\n"},
+      WrongArguments{{"\x1B[31mfoo"}, "chanplan: there is no command \"?[31mfoo\"; chanplan --help names them all\n"},
+      WrongArguments{{"check", "a.sig", "--\x1B[31mfoo"}, "The following argument was not expected: --?[31mfoo\n"},
+      WrongArguments{{"diff", "a.sig", "b.sig", "\x1B]0;foo\x07"},
+                     "The following argument was not expected: ?]0;foo?\n"},
+      WrongArguments{{"check", "a.sig", "--format",
+                      "\xC2\x9B"
+                      "foo"},
+                     "--format: ?foo not in {text,json}\n"},
       WrongArguments{{"diff", "a.sig", "b.sig", "c.sig"}, "The following argument was not expected: c.sig\n"},
   };
   const Chanplan chanplan;

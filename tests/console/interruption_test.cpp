@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,45 @@ TEST(Killed, DownloadLeavesNothingThatTheNextTakesForItsAnswer) {
   const ProgramRun next = interruption.Command.Run({"download", interruption.Unit->Link(), "out.sig"});
   EXPECT_EQ(next.ExitStatus, 0) << next.Errors;
   EXPECT_EQ(ReadFile(interruption.Command.Folder / "out.sig"), SigText(NumberedRows(60)));
+}
+
+// Of the program that goes, one echo is on its way, which other answers overtake.
+TEST(Killed, BeforeALateEchoLeavesNothingThatTheNextTakesForItsAnswer) {
+  struct Case {
+    int Signal;
+    std::vector<std::string> Next;
+  };
+  std::vector<std::future<void>> running;
+  for (const Case& killed :
+       {Case{SIGKILL, {"download", "out.sig"}}, Case{SIGINT, {"download", "out.sig"}},
+        Case{SIGKILL, {"upload", "table.sig", "--append"}}, Case{SIGKILL, {"upload", "table.sig"}}})
+    running.push_back(std::async(std::launch::async, [killed] {
+      SCOPED_TRACE(killed.Next.front() + " after signal " + std::to_string(killed.Signal));
+      Interruption interruption({"--fault", "late-echo"});
+      interruption.Run({"identify"}, "echoes the sync byte", {killed.Signal});
+      std::vector<std::string> arguments = killed.Next;
+      arguments.insert(arguments.begin() + 1, interruption.Unit->Link());
+      const ProgramRun next = interruption.Command.Run(arguments);
+      EXPECT_EQ(next.ExitStatus, 0) << next.Errors;
+      if (killed.Next.front() == "download") {
+        EXPECT_EQ(ReadFile(interruption.Command.Folder / "out.sig"), SigText(NumberedRows(60)));
+      } else {
+        const int held = killed.Next.back() == "--append" ? 60 : 20;
+        EXPECT_EQ(ReadFile(interruption.Folder / "held.sig"), SigText(NumberedRows(held)));
+      }
+    }));
+  for (std::future<void>& each : running) each.get();
+}
+
+// Otherwise the unit would take what the next one says for the rest of the table.
+TEST(Killed, UploadIsOverForTheNextProgramAtOnce) {
+  for (const std::vector<int>& signals : {std::vector<int>{SIGKILL}, {SIGINT, SIGINT}}) {
+    Interruption interruption;
+    EXPECT_NE(interruption.Run({"upload", "table.sig"}, "is to receive a table", signals).ExitStatus, 0);
+    const ProgramRun next = interruption.Command.Run({"identify", interruption.Unit->Link()});
+    EXPECT_EQ(next.ExitStatus, 0) << next.Errors;
+    EXPECT_FALSE(fs::exists(interruption.Folder / "held.sig"));
+  }
 }
 
 TEST(Killed, UploadLeavesTheUnitItsTable) {

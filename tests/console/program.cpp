@@ -13,7 +13,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <future>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -220,6 +222,15 @@ bool RunningSimulator::WaitForOutput(std::string_view text, std::chrono::millise
 std::optional<int> RunningSimulator::WaitForEnd(std::chrono::milliseconds longest) {
   if (!exitStatus) exitStatus = ExitStatusOf(process, longest);
   return exitStatus;
+}
+
+long RunningSimulator::Waits() const {
+  constexpr std::string_view field = "\nvoluntary_ctxt_switches:";
+  std::ifstream file("/proc/" + std::to_string(process) + "/status");
+  const std::string status(std::istreambuf_iterator<char>(file), {});
+  const std::size_t place = status.find(field);
+  const bool ended = exitStatus || place == std::string::npos || status.find("\nState:\tZ") != std::string::npos;
+  return ended ? Ended : std::stol(status.substr(place + field.size()));
 }
 
 int RunningSimulator::Stop() {

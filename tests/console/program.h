@@ -25,7 +25,7 @@ struct RunOptions {
   std::vector<std::string> Environment{};  ///< "NAME=value", on top of the test's own environment
   std::filesystem::path WorkingFolder{};   ///< the test's own when empty
   std::filesystem::path InputFrom = "/dev/null";
-  std::filesystem::path OutputTo{};        ///< a file or device in place of `ProgramRun::Output`
+  std::filesystem::path OutputTo{};  ///< a file or device in place of `ProgramRun::Output`
   TerminalAt Terminal = TerminalAt::Nowhere;
   bool Unprivileged = false;                    ///< without root's rights; see WhyNotUnprivileged
   std::chrono::milliseconds Longest = 60000ms;  ///< the program is killed after it
@@ -91,6 +91,10 @@ class RunningSimulator {
   bool WaitForOutput(std::string_view text, std::chrono::milliseconds longest = 10s) const;
   /// Waits until it ends by itself; its exit status, or nothing when it does not.
   std::optional<int> WaitForEnd(std::chrono::milliseconds longest = 10s);
+  /// How often it has waited for something so far, or Ended. It looks for bytes every 50 ms, less often on a busy
+  /// machine.
+  long Waits() const;
+  static constexpr long Ended = -1;
   /// Asks it to end and waits for that; its exit status.
   int Stop();
 

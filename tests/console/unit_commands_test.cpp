@@ -292,7 +292,7 @@ TEST(Download, SavesTheTableOfTheUnit) {
     SCOPED_TRACE(download.Description);
     const Chanplan chanplan;
     const UnitWithTable unit(download.Unit);
-    WriteFile(chanplan.Folder / "out.sig", "former");
+    WriteFile(chanplan.Folder / "out.sig", download.Out.empty() ? "" : "former");
     const ProgramRun run = chanplan.Run({"download", unit.Link(), "out.sig"});
     EXPECT_EQ(run.Output, "");
     EXPECT_EQ(run.Errors, "");
@@ -311,8 +311,10 @@ TEST(Download, OfTwoHundredRecordsIsWhole) {
 TEST(Download, SaysWhenItsFileCannotBeWrittenBeforeItAsksTheUnit) {
   const Chanplan chanplan;
   const RunningSimulator unit({"--trace"});
-  for (const auto& [out, reason] :
-       {std::pair{"missing/out.sig", "No such file or directory"}, std::pair{".", "Is a directory"}}) {
+  for (const auto& [out, reason] : {std::pair{"missing/out.sig", "No such file or directory"},
+                                    {".", "Is a directory"},
+                                    {"", "No such file or directory"},
+                                    {"missing/", "No such file or directory"}}) {
     const ProgramRun run = chanplan.Run({"download", unit.Link(), out});
     EXPECT_EQ(run.Errors, std::string("chanplan: Error Saving File ") + out + ": " + reason + "\n");
     EXPECT_EQ(run.ExitStatus, 2);
@@ -342,6 +344,24 @@ TEST(Download, ReplacesRecordsByAnEmptyTableOnlyWhenItIsWanted) {
   EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(3)));
   EXPECT_EQ(chanplan.Run({"download", "--force", unit.Link(), "out.sig"}).ExitStatus, 0);
   EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText({}));
+  EXPECT_EQ(chanplan.Run({"download", unit.Link(), "out.sig"}).ExitStatus, 0) << "there is nothing to lose";
+}
+
+// Nobody knows what is in a file that is no table, or a damaged one.
+TEST(Download, ReplacesNoOtherFileThanAnEmptyTableByAnEmptyTable) {
+  const Chanplan chanplan;
+  const UnitWithTable unit({});
+  const std::string damaged = SigText(NumberedRows(3)) + "2|0|cut";
+  for (const std::string& content : {std::string("a line"), std::string("one\ntwo\n"), damaged, std::string(1, '\0')}) {
+    WriteFile(chanplan.Folder / "out.sig", content);
+    const ProgramRun kept = chanplan.Run({"download", unit.Link(), "out.sig"});
+    EXPECT_EQ(kept.Errors,
+              "chanplan: the unit's table is empty and out.sig is not: it was not replaced (--force replaces it)\n");
+    EXPECT_EQ(kept.ExitStatus, 2);
+    EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), content);
+  }
+  EXPECT_EQ(chanplan.Run({"download", "--force", unit.Link(), "out.sig"}).ExitStatus, 0);
+  WriteFile(chanplan.Folder / "out.sig", "");
   EXPECT_EQ(chanplan.Run({"download", unit.Link(), "out.sig"}).ExitStatus, 0) << "there is nothing to lose";
 }
 
@@ -498,6 +518,54 @@ TEST(Upload, ThatWouldDropRowsIsRefusedUnlessItIsWanted) {
   EXPECT_GE(run.Elapsed, 9605ms) << "every byte has a pause of a millisecond behind it";
 }
 
+TEST(Upload, ThatWouldLeaveOutRowsWithoutANameIsRefusedUnlessItIsWanted) {
+  const std::string named = "2|0|A|1|2|1|2|0.1|0.1|1";
+  const std::string nameless = "2|0||1|2|1|2|0.1|0.1|1";
+  for (const auto& [held, file] :
+       {std::pair{Rows{named, nameless}, NumberedRows(1)}, {{named}, {nameless, nameless}}, {{nameless, named}, {}}}) {
+    const Chanplan chanplan;
+    const UnitWithTable unit(held);
+    WriteFile(chanplan.Folder / "table.sig", SigText(file));
+    const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
+    const auto count = std::ranges::count(held, nameless) + std::ranges::count(file, nameless);
+    EXPECT_EQ(refused.Errors, "chanplan: " + std::to_string(count) +
+                                  " records have no name and would be left out; nothing was sent (--truncate leaves "
+                                  "them out)\n");
+    EXPECT_EQ(refused.ExitStatus, 2);
+    EXPECT_FALSE(unit.WasUploadedTo());
+    EXPECT_EQ(chanplan.Run({"upload", unit.Link(), "table.sig", "--append", "--truncate"}).ExitStatus, 0);
+    EXPECT_TRUE(unit.WasUploadedTo());
+    EXPECT_EQ(unit.Held().find("\t\t"), std::string::npos);
+  }
+}
+
+TEST(Upload, OfAFileWithMoreThan200RowsSaysHowManyAreLost) {
+  const Chanplan chanplan;
+  UnitWithTable unit(NumberedRows(3));
+  WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(205, 10)));
+  const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
+  EXPECT_NE(refused.Errors.find("chanplan: 8 records find no room in the unit; nothing was sent"), std::string::npos)
+      << refused.Errors;
+  EXPECT_EQ(refused.ExitStatus, 2);
+  EXPECT_FALSE(unit.WasUploadedTo());
+  const ProgramRun cut = chanplan.Run({"upload", unit.Link(), "table.sig"});
+  EXPECT_TRUE(cut.Errors.ends_with("chanplan: 5 rows were lost: a table holds 200\n")) << cut.Errors;
+  EXPECT_EQ(cut.ExitStatus, 3);
+  EXPECT_EQ(unit.Held(), SigText(NumberedRows(200, 10)));
+}
+
+// The unit has all of the file that can be read, but not all of the file.
+TEST(Upload, AppendedFromAFileWithMoreThan200RowsIsRefusedWhateverTheUnitHolds) {
+  const Chanplan chanplan;
+  const UnitWithTable unit(NumberedRows(2));
+  WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(201)));
+  const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
+  EXPECT_NE(refused.Errors.find("chanplan: 1 records find no room in the unit; nothing was sent"), std::string::npos)
+      << refused.Errors;
+  EXPECT_EQ(refused.ExitStatus, 2);
+  EXPECT_FALSE(unit.WasUploadedTo());
+}
+
 struct Misfit {
   std::string Row;
   std::string Text;
@@ -637,6 +705,18 @@ TEST(UploadVerified, FailsWithEveryDifference) {
   EXPECT_EQ(run.ExitStatus, 2);
 }
 
+TEST(UploadVerified, DoesNotBlameTheUploadWhenTheTableIsNotReadBackWhole) {
+  const Chanplan chanplan;
+  const UnitThatSends unit(TableHeader(100, 1) + RecordBytes(2, 0, "a") + "?");
+  WriteFile(chanplan.Folder / "table.sig", SigText({"2|0|a|1|2|1|2|0.1|0.1|1"}));
+  const ProgramRun run = chanplan.Run({"upload", unit.Port(), "table.sig", "--verify"});
+  EXPECT_EQ(
+      run.Errors,
+      "chanplan: the unit confirmed the upload, but its table could not be read back to compare it: The unit sent "
+      "more than it announced, so its table is not whole: start again\n");
+  EXPECT_EQ(run.ExitStatus, 2);
+}
+
 // units
 
 TEST(Units, AreListedALineEach) {
@@ -772,6 +852,11 @@ TEST(Trace, EndsWithTheReasonOfAFailure) {
   ASSERT_FALSE(lines.empty());
   EXPECT_EQ(lines.back(), "chanplan: there is no port /dev/no-such-port: check the cable and the name");
   EXPECT_EQ(run.ExitStatus, 2);
+}
+
+TEST(Trace, MovesNoCursorWhateverThePortIsCalled) {
+  const ProgramRun run = Chanplan().Run({"identify", "/dev/\x1B[31m", "--trace"});
+  EXPECT_EQ(run.Errors.find('\x1B'), std::string::npos) << run.Errors;
 }
 
 // The progress bar

@@ -1,6 +1,7 @@
 // Units, cables and lines that fail: one clear line, no half-written file, a port that is free again.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <future>
 #include <regex>
 #include <string>
@@ -26,7 +27,8 @@ struct FaultCase {
 };
 
 constexpr const char* NoAnswer =
-    "chanplan: PORT: no unit answered within 10 s: check that it is switched on and that the cable sits\n";
+    "chanplan: PORT: no unit answered within 10 s: check that it is switched on and that the cable sits; after an "
+    "upload that was broken off, switch it off and on\n";
 constexpr const char* SilentLater = "chanplan: Error establishing communication with Handheld Product!\n";
 constexpr const char* NotWhole =
     "chanplan: the unit's table did not arrive whole within 30 s: check the cable and start again\n";
@@ -34,6 +36,7 @@ constexpr const char* NotConfirmed =
     "chanplan: the unit did not confirm the end of the upload, its table may be incomplete: check the cable and upload "
     "again\n";
 constexpr const char* HungUp = "chanplan: PORT stopped working: was the cable pulled\\? Plug it in and start again\n";
+constexpr const char* NoPort = "chanplan: there is no port PORT: check the cable and the name\n";
 
 std::string WithPort(std::string text, const std::string& port) {
   if (const std::size_t place = text.find("PORT"); place != std::string::npos) text.replace(place, 4, port);
@@ -46,8 +49,9 @@ class FaultyUnit {
     WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(2)));
     WriteFile(chanplan.Folder / "out.sig", "former");
     WriteFile(folder / "unit.sig", SigText(NumberedRows(2, 3)));
-    Arguments options = {"--baud",           "0", "--fault", fault.Fault, "--table", folder / "unit.sig", "--save",
-                         folder / "held.sig"};
+    Arguments options = {"--fault", fault.Fault, "--table", folder / "unit.sig", "--save", folder / "held.sig"};
+    if (std::ranges::find(fault.Options, "--baud") == fault.Options.end())
+      options.insert(options.end(), {"--baud", "0"});
     options.insert(options.end(), fault.Options.begin(), fault.Options.end());
     simulator.emplace(options, link);
   }
@@ -214,10 +218,30 @@ TEST(UnitFault, ThatSwitchesTheUnitOffInAnUploadFailsIt) {
   unit.ExpectCleanFailure(unit.Run());
 }
 
-TEST(UnitFault, ThatSendsEveryByteBackIsNoUnitToTalkTo) {
-  FaultyUnit unit(
-      {"echo", {}, {"download", "PORT", "out.sig"}, "chanplan: the unit [^\n]+ is not compatible: [^\n]+\n"});
-  unit.ExpectCleanFailure(unit.Run());
+TEST(UnitFault, ThatSendsEveryByteBackIsNamed) {
+  const std::string named =
+      "chanplan: PORT: the line sends back what is sent to it: switch the echo of the adapter off, or take out a plug "
+      "that joins its pins\n";
+  for (const Arguments& words :
+       {Arguments{"identify", "PORT"}, {"download", "PORT", "out.sig"}, {"upload", "PORT", "table.sig", "--append"}})
+    for (const char* const baud : {"0", "9600"}) {
+      FaultyUnit unit({"echo", {"--baud", baud}, words, named});
+      unit.ExpectCleanFailure(unit.Run());
+    }
+}
+
+// The upload itself was confirmed: nobody is to upload the table again.
+TEST(UnitFault, BehindAnUploadIsNoFaultOfTheUpload) {
+  // E and its sync byte, E, the table and its two: then E and its sync byte again, E, and the table is asked for.
+  const FaultCase fault{"hang-up@8", {}, {"upload", "PORT", "table.sig", "--verify"}, ""};
+  const FaultyUnit unit(fault);
+  const ProgramRun run = unit.Run();
+  EXPECT_TRUE(
+      run.Errors.starts_with("chanplan: the unit confirmed the upload, but its table could not be read back "
+                             "to compare it: "))
+      << run.Errors;
+  EXPECT_EQ(run.ExitStatus, 2);
+  EXPECT_EQ(ReadFile(unit.UnitFolder() / "held.sig"), SigText(NumberedRows(2)));
 }
 
 TEST(UnitFault, ThatCutsTheIdentityIsSaidWithWhatCame) {
@@ -226,6 +250,41 @@ TEST(UnitFault, ThatCutsTheIdentityIsSaidWithWhatCame) {
                    {"identify", "PORT"},
                    "chanplan: PORT: incomplete answer, 12 of 13 bytes: check that the cable sits\n"});
   unit.ExpectCleanFailure(unit.Run());
+}
+
+// The unit's end of the line goes while the program waits for the identity, or for the echo of a sync byte.
+TEST(UnitFault, ThatHangsUpWhileAnAnswerIsAwaitedEndsTheWaitAtOnce) {
+  struct Case {
+    const char* Fault;
+    const char* Moment;  // of the unit's trace
+    Arguments Words;
+    std::string Error = HungUp;
+  };
+  std::vector<std::future<void>> running;
+  for (const Case& hangUp :
+       {Case{"silent", "keeps silent", {"identify"}}, Case{"silent", "keeps silent", {"download", "out.sig"}},
+        Case{"silent@2", "keeps silent", {"identify"}, ""},
+        Case{"silent@2", "keeps silent", {"download", "out.sig"}, NoPort},
+        Case{"silent@3", "keeps silent", {"download", "out.sig"}},
+        Case{"silent@5", "keeps silent", {"download", "out.sig"}, ""},
+        Case{"silent@5", "keeps silent", {"upload", "table.sig"}}})
+    running.push_back(std::async(std::launch::async, [hangUp] {
+      SCOPED_TRACE(std::string(hangUp.Fault) + " " + hangUp.Words.front());
+      const Chanplan chanplan;
+      WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(2)));
+      RunningSimulator unit({"--trace", "--fault", hangUp.Fault, "--table", chanplan.Folder / "table.sig"});
+      Arguments arguments = hangUp.Words;
+      arguments.insert(arguments.begin() + 1, unit.Link());
+      const ProgramRun run = chanplan.Run(arguments, {.Meanwhile = [&](pid_t) {
+                                            EXPECT_TRUE(unit.WaitForOutput(hangUp.Moment)) << unit.Output();
+                                            unit.Stop();
+                                          }});
+      EXPECT_EQ(run.ExitStatus, hangUp.Error.empty() ? 0 : 2);
+      EXPECT_LT(run.Elapsed, 8s) << "no time-out is waited for";
+      EXPECT_TRUE(std::regex_match(run.Errors, std::regex(WithPort(hangUp.Error, unit.Link())))) << run.Errors;
+      EXPECT_EQ(fs::exists(chanplan.Folder / "out.sig"), hangUp.Error.empty() && hangUp.Words.front() == "download");
+    }));
+  for (std::future<void>& each : running) each.get();
 }
 
 TEST(UnitFault, ThatFollowsTheIdentificationLetsTheUnitBeIdentified) {

@@ -39,6 +39,16 @@ Names MergedNames(const MergeOutcome& outcome) {
   return names;
 }
 
+TEST(MergeTables, CountsTheRowsWithoutANameThatItLeavesOut) {
+  for (const bool replace : {false, true}) {
+    const MergeOutcome merged = MergeTables(TableOfNames({"A", "", "B"}), TableOfNames({"", "", "B", "C"}), replace);
+    EXPECT_EQ(merged.Nameless, 3);
+    EXPECT_EQ(merged.Dropped, 0);
+    EXPECT_EQ(RowNames(merged.Table), (Names{"A", "B", "C"}));
+  }
+  EXPECT_EQ(MergeTables(TableOfNames({"A"}), TableOfNames({"A", "B"}), false).Nameless, 0);
+}
+
 TEST(BaseName, EndsBeforeTheFirstBracket) {
   struct Case {
     const char* Name;

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -166,6 +167,43 @@ TEST(PseudoTerminal, LineStaysUpBetweenPrograms) {
   EXPECT_EQ(ReadFrom(terminal, 3), "two");
   EXPECT_EQ(terminal.Write("reply"), 5u);
   EXPECT_EQ(second.Read(5), "reply");
+}
+
+TEST(PseudoTerminal, KnowsWhetherAProgramHasItOpen) {
+  PseudoTerminal terminal("");
+  EXPECT_TRUE(terminal.IsUnused());
+  {
+    Program program(terminal.Path());
+    EXPECT_FALSE(terminal.IsUnused());
+    program.Write("last words");
+  }
+  EXPECT_FALSE(terminal.IsUnused()) << "they are to be heard first";
+  EXPECT_EQ(ReadFrom(terminal, 10), "last words");
+  EXPECT_TRUE(terminal.IsUnused());
+  EXPECT_EQ(terminal.Write("reply"), 5u);
+  EXPECT_TRUE(terminal.IsUnused()) << "what was sent before it is opened waits for the next";
+  Program next(terminal.Path());
+  EXPECT_FALSE(terminal.IsUnused());
+  EXPECT_EQ(next.Read(5), "reply");
+}
+
+TEST(PseudoTerminal, IsFreeAgainWhenTheProgramThatKeptItIsGone) {
+  PseudoTerminal terminal("");
+  const auto isKept = [&] {
+    const int line = open(terminal.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);  // as root, who is let in
+    int kept = 0;
+    if (line >= 0) ioctl(line, TIOCGEXCL, &kept);
+    close(line);
+    return line < 0 || kept != 0;
+  };
+  const int program = open(terminal.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(ioctl(program, TIOCEXCL), 0);
+  EXPECT_FALSE(terminal.IsUnused());
+  EXPECT_TRUE(isKept());
+  close(program);
+  EXPECT_TRUE(isKept()) << "the system keeps the mark as long as the unit's end is open";
+  EXPECT_TRUE(terminal.IsUnused());
+  EXPECT_FALSE(isKept());
 }
 
 TEST(PseudoTerminal, ReadGivesUpAfterItsTime) {

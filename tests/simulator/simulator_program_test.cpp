@@ -46,20 +46,27 @@ TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
       WrongOptions{{"--fault", "@2"}, "--fault: "},
       WrongOptions{{"--model", "LONGMODEL"}, "--model: \"LONGMODEL\" is longer than 7 characters"},
       WrongOptions{{"--firmware", "12.34"}, "--firmware: "},
-      WrongOptions{{"--tag", "65536"}, "Could not convert: --tag"},
+      WrongOptions{{"--fault", "none@2"}, "--fault: \"none\" is no misbehaviour that could begin with a command\n"},
+      WrongOptions{{"--fault", "\x1B[31m"}, "--fault: there is no \"?[31m\", see --help\n"},
+      WrongOptions{{"--tag", "65536"}, "--tag: 65536 is out of its range, 0 to 65535\n"},
+      WrongOptions{{"--tag", "-1"}, "--tag: -1 is out of its range, 0 to 65535\n"},
       WrongOptions{{"--nth", "2"}, "--nth: is for the fault drop-every-nth-byte"},
       WrongOptions{{"--nth", "2", "--fault", "slow"}, "--nth: "},
       WrongOptions{{"--nth", "0"}, "--nth: "},
-      WrongOptions{{"--nth", "often"}, "--nth: "},
-      WrongOptions{{"--baud", "-1"}, "--baud: "},
+      WrongOptions{{"--nth", "often"}, "Could not convert: --nth"},
+      WrongOptions{{"--baud", "-1"}, "--baud: -1 is out of its range, 0 to 1000000\n"},
+      WrongOptions{{"--baud", "1000001"}, "--baud: 1000001 is out of its range, 0 to 1000000\n"},
       WrongOptions{{"--loud"}, "The following argument was not expected: --loud"},
+      WrongOptions{{"--\x1B[31mloud"}, "The following argument was not expected: --?[31mloud\n"},
       WrongOptions{{"--table", "missing.sig"}, "handheld-simulator: missing.sig: No such file or directory\n"},
       WrongOptions{{"--table", "short.sig"},
                    "handheld-simulator: short.sig: line 2 has 2 fields where 10 are needed\n"},
       WrongOptions{{"--table", "misfit.sig"},
                    "handheld-simulator: row 1 (\u00DC): State 300 does not fit, it must be 0 to 255\n"},
       WrongOptions{{"--link", "short.sig"}, "handheld-simulator: short.sig: File exists\n"},
-      WrongOptions{{"--link", "missing/unit"}, "handheld-simulator: "},
+      WrongOptions{{"--link", "missing/unit"}, "handheld-simulator: missing/unit: No such file or directory\n"},
+      WrongOptions{{"--save", "missing/held.sig"},
+                   "handheld-simulator: missing/held.sig cannot be written: No such file or directory\n"},
   };
   const TempFolder folder;
   WriteFile(folder / "short.sig", "header\n2\t0\n");
@@ -155,7 +162,9 @@ TEST(SimulatorProgram, SavesItsTableOnlyAfterAnUpload) {
 TEST(SimulatorProgram, SaysWhenItsTableCannotBeSavedAndGoesOn) {
   const Chanplan chanplan;
   WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(1)));
+  fs::create_directory(chanplan.Folder / "missing");
   const RunningSimulator simulator({"--baud", "0", "--save", chanplan.Folder / "missing" / "held.sig"});
+  fs::remove(chanplan.Folder / "missing");
   ASSERT_EQ(chanplan.Run({"upload", simulator.Link(), "table.sig"}).ExitStatus, 0);
   EXPECT_TRUE(simulator.WaitForOutput("/missing/held.sig: No such file or directory\n")) << simulator.Output();
   EXPECT_EQ(chanplan.Run({"identify", simulator.Link()}).ExitStatus, 0);

@@ -22,6 +22,9 @@ class FakeUnit {
   std::string TableBytes = TableHeader(7, 0);  ///< header and records
   int TablesReceived = 0;
 
+  /// The rest of an upload does not come any more.
+  void ForgetUpload() { receiving = false; }
+
   /// For the port that this unit is connected to.
   PortScript Script() {
     return [this](std::string_view sent) { return Hear(sent.back()); };

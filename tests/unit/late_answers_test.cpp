@@ -105,6 +105,83 @@ TEST(LateEcho, OfAProgramThatWasKilledIsSkippedInFrontOfTheIdentity) {
   }
 }
 
+// One byte of the identity is lost, and an echo makes up for it.
+TEST(LateEcho, DoesNotMakeAnIdentityWhole) {
+  const std::string identity = Bytes({1, 2}) + "XY1234D3.00";
+  for (const std::size_t lost : {0u, 5u, 12u})
+    for (const std::size_t place : {0u, 6u, 12u}) {
+      SCOPED_TRACE(std::to_string(lost) + " " + std::to_string(place));
+      HandDrivenLink rig;
+      rig.Open();
+      std::string spoilt = identity;
+      spoilt.erase(lost, 1).insert(place, "\xFF");
+      rig.Port.Script = [&](std::string_view sent) {
+        return std::vector<DelayedBytes>{{sent == "E" ? spoilt : identity, 5}};
+      };
+      std::string reply;
+      EXPECT_EQ(rig.Link.ReadUnitIdentity(10000, reply), LinkTrue);
+      EXPECT_EQ(reply, identity);
+      EXPECT_EQ(rig.Link.UnitModel, "XY1234D");
+      EXPECT_EQ(rig.Port.SentBytes(), "EE");
+    }
+}
+
+TEST(LateEcho, AmongTheBytesOfAnIdentityIsTold) {
+  const std::string identity = Bytes({1, 2}) + "XY1234D3.00";
+  for (std::size_t place = 0; place <= 13; ++place) {
+    HandDrivenLink rig;
+    rig.Open();
+    std::string longer = identity;
+    longer.insert(place, "\xFF");
+    rig.Port.Script = [&](std::string_view sent) {
+      return std::vector<DelayedBytes>{{sent == "E" ? longer.substr(0, 13) : identity, 5},
+                                       {sent == "E" ? longer.substr(13) : "", 7}};
+    };
+    std::string reply;
+    EXPECT_EQ(rig.Link.ReadUnitIdentity(10000, reply), LinkTrue);
+    EXPECT_EQ(rig.Link.UnitModel, "XY1234D") << place;
+    EXPECT_EQ(rig.Link.UnitFirmwareVersion, 3.0) << place;
+  }
+}
+
+// Other answers overtake it. In the header it makes the count 0 or larger than any; behind it, one byte too many.
+TEST(LateEcho, OfAProgramThatWasKilledCostsNoTable) {
+  for (const int tag : {0x0064, 0x0100, 0x0000, 0xFFFF})
+    for (const std::size_t place : {0u, 1u, 2u, 3u, 4u, 30u, 100u}) {
+      SCOPED_TRACE(std::to_string(tag) + " " + std::to_string(place));
+      HandDrivenLink rig;
+      rig.Open();
+      const std::string table = TableHeader(tag, 2) + RecordBytes(2, 0, "one") + RecordBytes(1, 0, "two");
+      rig.Port.Script = [&](std::string_view sent) {
+        std::string reply = table;
+        if (sent == "O") reply.insert(place, "\xFF");
+        return std::vector<DelayedBytes>{{reply.substr(0, 60), 5}, {reply.substr(60), 60}};
+      };
+      TransferProgress progress;
+      UnitTable held;
+      EXPECT_EQ(Query_Chanplans(rig.Link, held, progress), LinkTrue);
+      EXPECT_EQ(RowNames(held.Table), (std::vector<std::string>{"one", "two"}));
+      EXPECT_EQ(held.UnitTableTag, tag);
+      EXPECT_EQ(rig.Port.SentBytes(), "OO");
+    }
+}
+
+TEST(LateEcho, OfAProgramThatWasKilledConfirmsNoUpload) {
+  for (const bool off : {false, true}) {
+    LateUnit rig;
+    rig.Port.Script = [&, script = rig.Port.Script](std::string_view sent) {
+      const bool uploading = sent.size() > 1 && sent.find('N') != std::string_view::npos;
+      return off && uploading ? std::vector<DelayedBytes>() : script(sent);
+    };
+    rig.Port.Arrive("\xFF", 400ms);  // while the echo of the last sync byte is waited for
+    TransferProgress progress;
+    const TransferOutcome outcome =
+        RunUpload(rig.Link, EncodeTable(TableOf({NamedRow("new")}), 1), progress, [] { return false; });
+    ASSERT_TRUE(outcome.Done());
+    EXPECT_EQ(FinishTransfer(rig.Link, outcome), off ? LinkTimeout : LinkAck);
+  }
+}
+
 TEST(Line, IsListenedToUntilAnOlderAnswerIsOver) {
   LateUnit rig;
   rig.Link.OpenCommPort(1);

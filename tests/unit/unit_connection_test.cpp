@@ -109,6 +109,24 @@ TEST(ConnectToUnit, TakesAnIncompleteAnswerForNone) {
   EXPECT_FALSE(rig.Port.IsOpen());
 }
 
+TEST(ConnectToUnit, NamesALineThatSendsBackWhatIsSent) {
+  const std::string identity = IdentityReply("XY1234D", "3.00");
+  for (const std::string& reply : {"E" + identity, std::string("E")}) {
+    HandDrivenLink rig;
+    rig.Port.Script =
+        AnswerTo('E', {{reply.substr(0, 13), 5}, {reply.substr(std::min<std::size_t>(13, reply.size())), 7}});
+    const ConnectOutcome outcome = ConnectToUnit(rig.Link);
+    EXPECT_EQ(outcome.Refusal, ConnectRefusal::NoProperResponse);
+    EXPECT_EQ(outcome.Reason, SentBackText);
+  }
+}
+
+TEST(ConnectToUnit, TakesAnIdentityThatBeginsWithTheQuestionForWhatItIs) {
+  HandDrivenLink rig;
+  rig.Port.Script = AnswerTo('E', {{"E1XY1234D3.00", 5}});
+  EXPECT_TRUE(ConnectToUnit(rig.Link).Accepted());
+}
+
 TEST(ConnectToUnit, DoesNotWaitForAPortThatBroke) {
   HandDrivenLink rig;
   rig.Port.BreaksAfterBytes = 1;

@@ -411,6 +411,14 @@ TEST(WireLosses, NameRowAndFieldOfWhatTheUnitGetsInAnotherForm) {
   }
 }
 
+TEST(WireLosses, NameTheRowsBehindTheEndOfTheList) {
+  SignalStandardTable table;
+  for (const char* const state : {"1", "255", "1", "255"}) table.Append({state, 0, "X", 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(WireLosses(table), (Lines{"row 2 (X): State 255 ends the list when the unit's table is read",
+                                      "row 3 (X): is not read, as it stands behind the end of the list",
+                                      "row 4 (X): is not read, as it stands behind the end of the list"}));
+}
+
 TEST(WireLosses, TellANameInUtf8) {
   SignalStandardTable table;
   table.Append({"255", 0, "\xDC\x80", 0, 0, 0, 0, 0, 0, 0});
@@ -419,8 +427,8 @@ TEST(WireLosses, TellANameInUtf8) {
 
 TEST(WireLosses, ListEveryLossOfEveryRow) {
   SignalStandardTable table;
-  table.Append({"255", 0, "", 5000, 5000, 0, 0, 5000, 5000, 0});
   table.Append({"0", 0, std::string(30, 'x'), 0, 0, 0, 0, 0, 0, 0});
+  table.Append({"255", 0, "", 5000, 5000, 0, 0, 5000, 5000, 0});
   table.Records[2].State = "255";  // not in use
   EXPECT_EQ(WireLosses(table).size(), 6u);
 }
