@@ -189,6 +189,8 @@ void FlushFile(const fs::path& file) {
 
 void HealInterruptedSaves() { HealInPlaceSaves(); }
 
+std::shared_ptr<void> HoldStill(const fs::path& file) { return WaitForInPlaceSaves(file); }
+
 std::optional<FileFacts> ReadFileFacts(const fs::path& file) {
   struct statx facts {};
   if (statx(AT_FDCWD, file.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &facts) != 0) return std::nullopt;

@@ -11,7 +11,6 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
-#include "core/file_system.h"
 #include "core/state_folder.h"
 
 namespace chanplan {
@@ -192,7 +191,7 @@ std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes)
   return error;
 }
 
-std::shared_ptr<void> HoldStill(const fs::path& file) {
+std::shared_ptr<void> WaitForInPlaceSaves(const fs::path& file) {
   struct stat facts {};
   if (stat(file.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) return nullptr;  // opening a pipe takes from it
   auto opened = std::make_shared<FileDescriptor>(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
 
@@ -11,6 +12,10 @@ namespace chanplan {
 /// former content lies in the user's state folder meanwhile. When writing fails, the former content is
 /// put back and the error returned.
 std::error_code OverwriteInPlace(const std::filesystem::path& target, std::string_view bytes);
+
+/// Keeps the regular file `file` from being changed so as long as the result lives; null when there is nothing to
+/// wait for, or for too long.
+std::shared_ptr<void> WaitForInPlaceSaves(const std::filesystem::path& file);
 
 /// Puts the former content back wherever that was cut short.
 void HealInPlaceSaves();
