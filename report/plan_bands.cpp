@@ -83,4 +83,12 @@ std::vector<Lane> PlanLanes(const SignalStandardTable& table) {
   return lanes;
 }
 
+std::vector<FrequencyRange> SharedRanges(const Lane& one, const Lane& other) {
+  std::vector<FrequencyRange> shared;
+  for (const Band& band : one.Bands)
+    for (const Band& otherBand : other.Bands)
+      if (const auto common = Intersection(band.Range, otherBand.Range)) shared.push_back(*common);
+  return Merged(std::move(shared));
+}
+
 }  // namespace chanplan
