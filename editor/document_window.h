@@ -81,6 +81,9 @@ class DocumentWindow : public QMdiSubWindow {
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
 
+  /// Shows the chart of the table beside the grids, or hides it again.
+  virtual void ToggleChart() = 0;
+
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.

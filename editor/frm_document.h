@@ -7,6 +7,7 @@
 #include "core/cell_edits.h"
 #include "core/signal_standard_table.h"
 #include "editor/cell_editor.h"
+#include "editor/chart_panel.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
 #include "editor/grid.h"
@@ -50,6 +51,7 @@ class frmDocument : public DocumentWindow {
   void Paste() override;
   void InsertBlank() override;
   void FindSSEntry(const QString& name) override;
+  void ToggleChart() override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
   void GetTable() const override;
@@ -69,6 +71,9 @@ class frmDocument : public DocumentWindow {
   void BuildUpDown();
   void ConnectGrids();
   void ConnectEditor();
+  void ShowChart(bool shown);
+  bool ChartIsShown() const { return chart != nullptr && !chart->isHidden(); }
+  QSize RoomBesideChart(int listWidth);
   void LayOut();
 
   // The view
@@ -90,7 +95,7 @@ class frmDocument : public DocumentWindow {
   void BeginCellEdit(qint16 keyCode);
   void BeginListEdit(int row);
   void PositionEditBox(std::optional<QChar> typed);
-  void MoveByTab(const Grid& from, bool forwards);
+  void MoveByTab(const QWidget& from, bool forwards);
   enum class Commit { Nothing, Stored, Refused };
   Commit StoreGridsToTable();
   bool StoreCell(const CellEdit& edit);
@@ -126,6 +131,7 @@ class frmDocument : public DocumentWindow {
   Grid* GridBands;
   QSpinBox* UpDown;  ///< shows the count of sub-bands to whoever looks for it; hidden, as the count is typed
   CellEditor editor;
+  ChartPanel* chart = nullptr;  ///< made once it is asked for
 
   Grid* ActiveGrid;
   int shownIndex = -1;  ///< table index of the standard in GridDetails and GridBands, -1 = none

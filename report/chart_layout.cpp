@@ -27,7 +27,7 @@ constexpr double OutlineDistance = 1.25;  // around bands
 constexpr double NarrowestBand = 2;
 
 constexpr double RoomForATick = 51.2;
-constexpr long FewestTicks = 8;
+constexpr long FewestTicks = 20;  // with coarser ones, the stretches between breaks grow wide
 constexpr double TickLabelWidth = 34;
 constexpr double BreakWidth = 44;      // room for the ticks' labels on either side
 constexpr double MostForBreaks = 0.4;  // of the plot

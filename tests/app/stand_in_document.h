@@ -50,6 +50,7 @@ class StandInDocument : public DocumentWindow {
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  void ToggleChart() override { Calls += "ToggleChart"; }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";
