@@ -131,9 +131,9 @@ int ChartPanel::Pixels(double length) const { return qRound(length * Scale()); }
 
 double ChartPanel::HeadHeight() const { return chart.Blocks.empty() ? HeadWithoutLanes : chart.Blocks.front().Top; }
 
-// A third of the panel at most, and none where that leaves little of the lanes.
+// A quarter of the panel at most, and none where that leaves little of the lanes.
 int ChartPanel::SharingLines() const {
-  const int lines = static_cast<int>((Height() / 3 - LineHeight / 2) / LineHeight);
+  const int lines = static_cast<int>((Height() / 4 - LineHeight / 2) / LineHeight);
   return lines < 1 ? 0 : qMin(lines, MostSharingLines);
 }
 
@@ -228,7 +228,7 @@ QSize ChartPanel::TakePlace(const QSize& area, const QSize& least, const QSize& 
     setGeometry(area.width() - beside, Margin, beside - Margin, area.height() - 2 * Margin);
     return {area.width() - beside, area.height()};
   }
-  const int below = qMax(area.height() - natural.height(), area.height() * 2 / 5);
+  const int below = qMax(area.height() - natural.height(), area.height() / 2);
   setGeometry(Margin, area.height() - below, area.width() - 2 * Margin, below - Margin);
   return {area.width(), area.height() - below};
 }

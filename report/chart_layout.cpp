@@ -15,8 +15,8 @@ constexpr double Edge = 16;
 constexpr double RightEdge = 32;  // half of the last tick's label stands behind the plot
 constexpr double LabelGap = 8;
 constexpr double CaptionBaseline = 34;
-constexpr double CaptionHeight = 44;
-constexpr double LegendTop = 10;  // below the caption
+constexpr double CaptionHeight = 46;
+constexpr double LegendTop = 8;  // below the caption
 constexpr double LegendHeight = 22;
 constexpr double AxisHeight = 22;
 constexpr double MarkTop = 1;  // marks and bands: of uplinks from the lane's top, of downlinks from its bottom
@@ -31,6 +31,7 @@ constexpr long FewestTicks = 20;  // with coarser ones, the stretches between br
 constexpr double TickLabelWidth = 34;
 constexpr double BreakWidth = 44;      // room for the ticks' labels on either side
 constexpr double MostForBreaks = 0.4;  // of the plot
+constexpr double NarrowestBreak = 10;  // a gap in the spectrum is left out from this part of the whole on
 constexpr std::size_t MostNamesTold = 5;
 
 constexpr double PairLineHeight = 18;
@@ -87,8 +88,17 @@ double TotalOf(std::span<const FrequencyRange> ranges) {
   return total;
 }
 
-// Plans reach over thousands of megahertz with bands of ten: what lies between them is left out, as far
-// as there is room for breaks.
+// Plans reach over thousands of megahertz with bands of ten: the widest gaps are left out, as many as there is
+// room for breaks. Returns the widest one that is not, of `ranges` that are ascending and apart.
+double GapLeftIn(const std::vector<FrequencyRange>& ranges, double plot) {
+  std::vector<double> gaps = {(ranges.back().High - ranges.front().Low) / NarrowestBreak};
+  for (std::size_t next = 1; next < ranges.size(); ++next) gaps.push_back(ranges[next].Low - ranges[next - 1].High);
+  const double narrowest = gaps.front();
+  std::ranges::sort(gaps, std::greater());
+  const auto breaks = static_cast<std::size_t>(std::max(plot * MostForBreaks / BreakWidth, 0.0));
+  return std::max(narrowest, gaps[std::min(breaks, gaps.size() - 1)]);
+}
+
 Axis AxisOver(const std::vector<Lane>& lanes, const ChartShape& shape) {
   Axis axis;
   axis.Left = Edge + shape.RoomForALabel + LabelGap;
@@ -100,8 +110,7 @@ Axis AxisOver(const std::vector<Lane>& lanes, const ChartShape& shape) {
   if (ranges.empty()) return axis;
   ranges = Merged(std::move(ranges));
   const double plot = axis.Right - axis.Left;
-  const double mostBreaks = std::floor(plot * MostForBreaks / BreakWidth);
-  const double gap = (ranges.back().High - ranges.front().Low) / (mostBreaks + 1);
+  const double gap = GapLeftIn(ranges, plot);
   axis.Stretches = Merged(std::move(ranges), gap);
   const auto mostTicks = static_cast<double>(std::max(std::lround(plot / RoomForATick), FewestTicks));
   // Ticks are a megahertz apart or more.
@@ -182,10 +191,13 @@ ChartLane LayOutLane(const SignalStandardTable& table, const Lane& lane, const C
   return drawn;
 }
 
-std::vector<ChartItem> TickLabels(const Axis& axis, double top) {
+std::vector<ChartItem> TickLabels(const Axis& axis, const ChartShape& shape, double top) {
   if (axis.Stretches.empty()) return {};
+  const bool hasBreaks = axis.Stretches.size() > 1;
+  const bool isRoomToSaySo =
+      shape.WidthOf(U"MHz (wide gaps left out)", ChartSmallFontSize) <= shape.RoomForALabel - LabelGap;
   std::vector<ChartItem> labels = {
-      TextAt(ChartKind::Note, Edge, top, axis.Stretches.size() > 1 ? "MHz (wide gaps left out)" : "MHz")};
+      TextAt(ChartKind::Note, Edge, top, hasBreaks && isRoomToSaySo ? "MHz (wide gaps left out)" : "MHz")};
   double next = 0;  // where there is room for another label
   for (const double tick : Ticks(axis)) {
     const double x = axis.X(tick);
@@ -200,7 +212,7 @@ std::vector<ChartItem> TickLabels(const Axis& axis, double top) {
 ChartBlock LayOutBlock(const SignalStandardTable& table, std::span<const Lane> lanes, const ChartShape& shape,
                        const Axis& axis, double top) {
   ChartBlock block;
-  block.Axis = TickLabels(axis, top);
+  block.Axis = TickLabels(axis, shape, top);
   block.Top = top + AxisHeight;
   const double height = static_cast<double>(lanes.size()) * ChartLaneHeight;
   block.Bottom = block.Top + height;
@@ -303,7 +315,7 @@ PlanChart LayOutChart(const SignalStandardTable& table, const std::vector<Lane>&
     chart.Blocks.push_back(LayOutBlock(table, std::span(lanes).subspan(first, end - first), shape, axis, top));
     top = chart.Blocks.back().Bottom;
   }
-  chart.Foot = TickLabels(axis, top);
+  chart.Foot = TickLabels(axis, shape, top);
   chart.Height = top + AxisHeight + Edge;
   return chart;
 }

@@ -56,11 +56,13 @@ TEST_F(ChartKey, ChoiceIsRememberedAcrossStarts) {
   Key(Qt::Key_F8);
   Choose("mnuFileNew");
   EXPECT_TRUE(HasChart()) << "documents that open later have it, too";
+  Frame().resize(790, 560);
   Exit();
   EXPECT_EQ(Stored("Settings/ShowChart"), "1");
   Start();
   EXPECT_TRUE(HasChart());
   const DocumentWindow& document = *Frame().ActiveDocument();
+  EXPECT_GT(document.width(), 700);
   EXPECT_LE(document.geometry().right(), document.mdiArea()->viewport()->width()) << "there is room for all of it";
   Key(Qt::Key_F8);
   EXPECT_FALSE(HasChart());

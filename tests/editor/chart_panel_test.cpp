@@ -149,7 +149,7 @@ TEST_F(ChartBeside, StandsClearOfTheGrids) {
     document.Window->resize(size);
     QCoreApplication::processEvents();
     EXPECT_TRUE(document.Area().rect().contains(panel.geometry())) << size.width() << 'x' << size.height();
-    EXPECT_GE(panel.height(), document.Area().height() * 2 / 5 - 4);
+    EXPECT_GE(panel.height(), document.Area().height() / 2 - 4);
     EXPECT_FALSE(panel.geometry().intersects(document.List->geometry())) << size.width() << 'x' << size.height();
     EXPECT_FALSE(panel.geometry().intersects(document.Details->geometry())) << size.width() << 'x' << size.height();
     if (size.height() >= 900 || size.width() >= 1000) {

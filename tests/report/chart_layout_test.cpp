@@ -41,14 +41,32 @@ TEST(ChartLayout, KeepsBandsInThePlotHoweverNarrowItIs) {
       EXPECT_GT(uplink.Width, 0);
       before = uplink.X;
     }
-    double next = 0;
+    const ChartItem& unit = chart.Blocks[0].Axis.at(0);
+    double next = unit.X + TextWidth(Utf32FromUtf8(unit.Text), ChartSmallFontSize) + 4;
     for (const ChartItem& label : chart.Blocks[0].Axis) {
       if (label.Kind != ChartKind::Tick) continue;
-      EXPECT_GE(label.X, next) << "labels would touch";
+      EXPECT_GE(label.X, next) << width << ": labels would touch";
       next = label.X + 34;
     }
     EXPECT_GT(next, 0);
   }
+}
+
+TEST(ChartLayout, LeavesTheWidestGapsOutWhereThereIsRoomForFewBreaks) {
+  const std::vector<SignalStandardRecord> rows = {{"2", 0, "A", 450, 0, 0, 50, 0.2, 0.2, 1},
+                                                  {"2", 0, "B", 900, 0, 0, 50, 0.2, 0.2, 1},
+                                                  {"2", 0, "C", 2600, 0, 0, 50, 0.2, 0.2, 1}};
+  // How many pixels of a chart of `width` lie between the uplinks of two standards that follow each other.
+  const auto between = [&](double width, std::size_t first) {
+    const PlanChart chart = Chart(rows, {.Width = width, .RoomForALabel = 80, .HasCaption = false});
+    const ChartItem& lower = chart.Blocks.at(0).Lanes.at(first).Items.at(1);
+    const ChartItem& upper = chart.Blocks.at(0).Lanes.at(first + 1).Items.at(1);
+    return upper.X - (lower.X + lower.Width);
+  };
+  EXPECT_LT(between(1280, 0), 150);
+  EXPECT_LT(between(1280, 1), 150);
+  EXPECT_GT(between(300, 0), 80) << "one break is all that there is room for, and it is the other one";
+  EXPECT_LT(between(300, 1), 60);
 }
 
 TEST(ChartLayout, MeasuresLettersAsItIsTold) {
