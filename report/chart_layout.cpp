@@ -43,10 +43,15 @@ std::string Utf8FromUtf32(std::u32string_view text) {
   return utf8;
 }
 
-// A name, as there is room for it.
-std::string Label(const SignalStandardTable& table, int row, const ChartShape& shape) {
+// The names of standards, as there is room for them, by table index. Measuring takes long, so it is done once.
+std::vector<std::string> LabelsOf(const SignalStandardTable& table, const std::vector<Lane>& lanes,
+                                  const ChartShape& shape) {
   const auto fits = [&](std::u32string_view text) { return shape.WidthOf(text, ChartFontSize) <= shape.RoomForALabel; };
-  return Utf8FromUtf32(StartThatFits(Utf32FromUtf8(NameText(table, row)), fits));
+  std::vector<std::string> labels(static_cast<std::size_t>(table.Count));
+  for (const Lane& lane : lanes)
+    labels[static_cast<std::size_t>(lane.Standard)] =
+        Utf8FromUtf32(StartThatFits(Utf32FromUtf8(NameText(table, lane.Standard)), fits));
+  return labels;
 }
 
 std::string CaptionText(std::string_view caption, const ChartShape& shape) {
@@ -141,13 +146,13 @@ ChartItem TextAt(ChartKind kind, double x, double top, std::string text) {
 
 std::string DirectionText(const Band& band) { return band.Direction == LinkDirection::Uplink ? "uplink" : "downlink"; }
 
-std::string LaneText(const SignalStandardTable& table, const Lane& lane, const ChartShape& shape) {
+std::string LaneText(const SignalStandardTable& table, const Lane& lane, const std::vector<std::string>& labels) {
   std::string text = NameText(table, lane.Standard);
   for (const Band& band : lane.OwnBands) text += "; own " + DirectionText(band) + " " + RangeText(band.Range);
   for (const Band& band : lane.Bands) text += "; " + DirectionText(band) + " " + RangeText(band.Range);
   const std::size_t told = std::min(lane.SharesWith.size(), MostNamesTold);
   for (std::size_t index = 0; index < told; ++index)
-    text += (index == 0 ? "; shares carriers with " : ", ") + Label(table, lane.SharesWith[index], shape);
+    text += (index == 0 ? "; shares carriers with " : ", ") + labels[static_cast<std::size_t>(lane.SharesWith[index])];
   if (lane.SharesWith.size() > told) text += " and " + std::to_string(lane.SharesWith.size() - told) + " more";
   return text;
 }
@@ -166,11 +171,11 @@ struct HalfLane {
   }
 };
 
-ChartLane LayOutLane(const SignalStandardTable& table, const Lane& lane, const ChartShape& shape, const Axis& axis,
-                     double top) {
-  ChartLane drawn{top, LaneText(table, lane, shape), {}};
+ChartLane LayOutLane(const SignalStandardTable& table, const Lane& lane, const std::vector<std::string>& labels,
+                     const Axis& axis, double top) {
+  ChartLane drawn{top, LaneText(table, lane, labels), {}};
   const std::string standard = NameText(table, lane.Standard);
-  drawn.Items.push_back(TextAt(ChartKind::Label, Edge, top, Label(table, lane.Standard, shape)));
+  drawn.Items.push_back(TextAt(ChartKind::Label, Edge, top, labels[static_cast<std::size_t>(lane.Standard)]));
   if (lane.OwnBands.empty() && lane.Bands.empty())
     drawn.Items.push_back(TextAt(ChartKind::Note, axis.Left, top,
                                  "no frequencies from " + RangeText({LowestMegahertz, HighestMegahertz})));
@@ -209,8 +214,8 @@ std::vector<ChartItem> TickLabels(const Axis& axis, const ChartShape& shape, dou
 }
 
 // Lanes with an axis above them, which stands at `top`.
-ChartBlock LayOutBlock(const SignalStandardTable& table, std::span<const Lane> lanes, const ChartShape& shape,
-                       const Axis& axis, double top) {
+ChartBlock LayOutBlock(const SignalStandardTable& table, std::span<const Lane> lanes,
+                       const std::vector<std::string>& labels, const ChartShape& shape, const Axis& axis, double top) {
   ChartBlock block;
   block.Axis = TickLabels(axis, shape, top);
   block.Top = top + AxisHeight;
@@ -224,7 +229,7 @@ ChartBlock LayOutBlock(const SignalStandardTable& table, std::span<const Lane> l
   for (const double tick : Ticks(axis))
     block.Ground.push_back({ChartKind::Grid, axis.X(tick), block.Top, 0, height, {}});
   for (double laneTop = block.Top; const Lane& lane : lanes) {
-    block.Lanes.push_back(LayOutLane(table, lane, shape, axis, laneTop));
+    block.Lanes.push_back(LayOutLane(table, lane, labels, axis, laneTop));
     laneTop += ChartLaneHeight;
   }
   return block;
@@ -299,6 +304,7 @@ PlanChart LayOutChart(const SignalStandardTable& table, const std::vector<Lane>&
   chart.Width = shape.Width;
   chart.Summary = Summary(lanes);
   const Axis axis = AxisOver(lanes, shape);
+  const std::vector<std::string> labels = LabelsOf(table, lanes, shape);
   double top = LegendTop;
   if (shape.HasCaption) {
     chart.Head.push_back({ChartKind::Caption, Edge, CaptionBaseline, 0, 0, CaptionText(caption, shape)});
@@ -312,7 +318,7 @@ PlanChart LayOutChart(const SignalStandardTable& table, const std::vector<Lane>&
   for (std::size_t block = 0; block < blocks; ++block) {
     const std::size_t first = lanes.size() * block / blocks;
     const std::size_t end = lanes.size() * (block + 1) / blocks;
-    chart.Blocks.push_back(LayOutBlock(table, std::span(lanes).subspan(first, end - first), shape, axis, top));
+    chart.Blocks.push_back(LayOutBlock(table, std::span(lanes).subspan(first, end - first), labels, shape, axis, top));
     top = chart.Blocks.back().Bottom;
   }
   chart.Foot = TickLabels(axis, shape, top);
@@ -328,6 +334,7 @@ void AddSharedPairs(PlanChart& chart, const SignalStandardTable& table, const st
       if (one.Standard < other.Standard && std::ranges::binary_search(one.SharesWith, other.Standard))
         pairs.emplace_back(&one, &other);
   if (pairs.empty()) return;
+  const std::vector<std::string> labels = LabelsOf(table, lanes, shape);
   const double column = shape.RoomForALabel + LabelGap;
   const double room = shape.Width - 2 * Edge - 2 * column;
   double top = chart.Height - Edge;
@@ -340,8 +347,8 @@ void AddSharedPairs(PlanChart& chart, const SignalStandardTable& table, const st
   std::size_t told = 0;
   for (; told < pairs.size() && lines < MostPairLines; ++told) {
     const auto [one, other] = pairs[told];
-    add(Edge, Label(table, one->Standard, shape));
-    add(Edge + column, Label(table, other->Standard, shape));
+    add(Edge, labels[static_cast<std::size_t>(one->Standard)]);
+    add(Edge + column, labels[static_cast<std::size_t>(other->Standard)]);
     for (const std::string& line : Lines(SharedRanges(*one, *other), room, shape)) {
       add(Edge + 2 * column, line);
       top += PairLineHeight;

@@ -51,7 +51,8 @@ void ShareWith(Lane& lane, const Lane& other) {
     for (const Band& otherBand : other.Bands) {
       const auto common = Intersection(band.Range, otherBand.Range);
       if (!common) continue;
-      band.Shared.push_back(*common);
+      // Many standards may share the same: once is enough.
+      if (band.Shared.empty() || band.Shared.back() != *common) band.Shared.push_back(*common);
       shares = true;
     }
   }
