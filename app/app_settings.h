@@ -27,9 +27,12 @@ inline constexpr NumberSetting MainTopSetting = {"MainTop", -1e6, 1e6, false};
 inline constexpr NumberSetting MainWidthSetting = {"MainWidth", 0, 1e6, false};
 inline constexpr NumberSetting MainHeightSetting = {"MainHeight", 0, 1e6, false};
 inline constexpr NumberSetting MainStateSetting = {"MainState", 0, 2, true};
+/// Whether documents open with their chart.
+inline constexpr NumberSetting ShowChartSetting = {"ShowChart", 0, 1, true};
 /// In the order in which they are kept and complained about.
-inline constexpr std::array<const NumberSetting*, 6> NumberSettings = {
-    &CommPortSetting, &MainLeftSetting, &MainTopSetting, &MainWidthSetting, &MainHeightSetting, &MainStateSetting};
+inline constexpr std::array<const NumberSetting*, 7> NumberSettings = {
+    &CommPortSetting,   &MainLeftSetting,  &MainTopSetting,  &MainWidthSetting,
+    &MainHeightSetting, &MainStateSetting, &ShowChartSetting};
 inline constexpr char BaudRateKey[] = "BaudRate";
 
 class AppSettings {

@@ -126,6 +126,10 @@ void frmMain::BuildClientArea() {
       lstWarnings->setFocus();
   });
 
+  connect(new QShortcut(Qt::Key_F8, this), &QShortcut::activated, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->ToggleChart();
+  });
+
   auto* column = new QVBoxLayout(client);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);

@@ -92,6 +92,9 @@ class DocumentWindow : public QMdiSubWindow {
   /// names `name`. The focus stays where it is.
   virtual void ShowWarning(int line, const QString& name) = 0;
 
+  /// Shows the chart of the table beside the grids, or hides it again.
+  virtual void ToggleChart() = 0;
+
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;
   /// Takes a table that came from a unit. It is in no file yet, so unless it is empty it counts as changed.

@@ -19,6 +19,10 @@ class FrameOperations {
   /// The status bar's first panel.
   virtual void ShowStatus(const QString& text) = 0;
 
+  /// Whether documents that open show their chart: the user's last choice, which is remembered.
+  virtual bool ShowsCharts() = 0;
+  virtual void RememberCharts(bool shown) = 0;
+
   /// Asks for a file to save to; empty when the user cancels. `fileType` is ".sig" or ".htm".
   virtual QString PromptSaveFileName(const QString& proposedName, const QString& fileType) = 0;
 

@@ -83,12 +83,14 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
+  if (frame.ShowsCharts()) ShowChart(true);
 }
 
 // The controls still send events while they go; nothing may be stored then.
 frmDocument::~frmDocument() {
   editor.disconnect(this);
   for (Grid* grid : {GridList, GridDetails, GridBands}) grid->disconnect(this);
+  if (chart != nullptr) chart->disconnect(this);
   delete area;
 }
 
@@ -142,6 +144,8 @@ void frmDocument::ColourTitles() {
 }
 
 bool frmDocument::event(QEvent* event) {
+  // Before that there is no telling what room its area has.
+  if (event->type() == QEvent::Show && ChartIsShown()) chart->WidenWindow(*this);
   if (event->type() != QEvent::ToolTip) return DocumentWindow::event(event);
   const auto& help = *static_cast<QHelpEvent*>(event);
   const QString text = OnTitleBar(*this, help.pos()) ? Qt::convertFromPlainText(windowTitle()) : QString();
@@ -218,26 +222,72 @@ bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
   return DocumentWindow::eventFilter(watched, event);
 }
 
+void frmDocument::ToggleChart() {
+  ShowChart(!ChartIsShown());
+  frame.RememberCharts(ChartIsShown());
+}
+
+void frmDocument::ShowChart(bool shown) {
+  if (chart == nullptr) {
+    chart = new ChartPanel(table, area);
+    connect(this, &DocumentWindow::TableChanged, chart, &ChartPanel::ShowTable);
+    connect(chart, &ChartPanel::Tabbed, this, [this](bool forwards) { MoveByTab(*chart, forwards); });
+    connect(chart, &ChartPanel::FocusGained, this, [this] {
+      CommitEdit();
+      ActiveGrid = GridList;  // whose standards it shows
+    });
+    connect(chart, &ChartPanel::StandardChosen, this, [this](int row) {
+      CommitEdit();
+      GridList->SetCurrent(qMin(row, GridList->rowCount() - 1), 1);
+      GridList->scrollToItem(GridList->currentItem());
+    });
+    chart->ShowCurrent(GridList->currentRow());
+  }
+  if (!shown && chart->hasFocus()) GridList->setFocus();
+  chart->setVisible(shown);
+  if (shown)
+    chart->WidenWindow(*this);
+  else
+    chart->NarrowWindow(*this);
+  LayOut();
+}
+
+// What the grids get of the area, at least and best, follows from what they show.
+QSize frmDocument::RoomBesideChart(int listWidth) {
+  if (!ChartIsShown()) return area->size();
+  const int titles = GridDetails->columnWidth(0) + 2 * GridDetails->frameWidth();
+  const int values = titles + TextWidth(*this, QString(MostValueLetters, 'H'));
+  const int bands = GridBands->horizontalHeader()->length() + 2 * GridBands->frameWidth();
+  const int rows = static_cast<int>(DetailRows.size()) * GridDetails->rowHeight(0);
+  const QSize least(listWidth + titles + TextWidth(*this, QString(LeastValueLetters, 'H')) + 3 * Margin, 0);
+  const QSize natural(listWidth + qMax(values, bands) + 3 * Margin,
+                      rows + GridBands->horizontalHeader()->height() + 4 * GridDetails->rowHeight(0));
+  return chart->TakePlace(area->size(), least, natural);
+}
+
 void frmDocument::LayOut() {
   if (isMinimized()) return;
   const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, GridList);
   const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
-  GridList->setGeometry(Margin, Margin, listWidth, area->height() - 2 * Margin);
+  const QSize room = RoomBesideChart(listWidth);
+  GridList->setGeometry(Margin, Margin, listWidth, room.height() - 2 * Margin);
 
   const int left = Margin + listWidth + Margin;
-  const int width = area->width() - left - Margin;
+  const int width = room.width() - left - Margin;
   // A value column as wide as its sample would, in a small window, scroll the titles out of sight.
-  const int room = width - 2 * GridDetails->frameWidth() - GridDetails->columnWidth(0);
-  GridDetails->setColumnWidth(1, qBound(TextWidth(*this, QString(LeastValueLetters, 'H')), room,
+  const int forValues = width - 2 * GridDetails->frameWidth() - GridDetails->columnWidth(0);
+  GridDetails->setColumnWidth(1, qBound(TextWidth(*this, QString(LeastValueLetters, 'H')), forValues,
                                         TextWidth(*this, QString(MostValueLetters, 'H'))));
   // The bar that a narrow document needs stands below the rows, not on the last one.
   const int rows = GridDetails->rowCount() * GridDetails->rowHeight(0) + 2 * GridDetails->frameWidth();
   const bool scrolls = GridDetails->horizontalHeader()->length() > width - 2 * GridDetails->frameWidth();
-  GridDetails->setGeometry(left, Margin, width, rows + (scrolls ? scrollBar : 0));
+  const int detailsHeight = rows + (scrolls ? scrollBar : 0);
+  GridDetails->setGeometry(left, Margin, width,
+                           ChartIsShown() ? qMin(detailsHeight, room.height() - 2 * Margin) : detailsHeight);
   GridDetails->horizontalScrollBar()->setValue(GridDetails->horizontalScrollBar()->maximum());  // values before titles
 
   const int top = Margin + GridDetails->height() + Margin;
-  const int height = area->height() - top - Margin;
+  const int height = room.height() - top - Margin;
   const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
   GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
   // Where there is no room for both, the first row counts more than the bar that would cover it.
@@ -289,6 +339,7 @@ void frmDocument::ShowSelectedStandard() {
   }
   MarkDoubtfulCells();
   GridBands->setUpdatesEnabled(true);
+  if (chart != nullptr) chart->ShowCurrent(GridList->currentRow());
 }
 
 void frmDocument::ShowStandard() {

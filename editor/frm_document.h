@@ -9,6 +9,7 @@
 #include "core/table_history.h"
 #include "core/validation.h"
 #include "editor/cell_editor.h"
+#include "editor/chart_panel.h"
 #include "editor/document_window.h"
 #include "editor/frame_operations.h"
 #include "editor/grid.h"
@@ -59,6 +60,7 @@ class frmDocument : public DocumentWindow {
   QString RedoName() const override;
   void FindSSEntry(const QString& name) override;
   void ShowWarning(int line, const QString& name) override;
+  void ToggleChart() override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
   void MarkUnsaved() override;
@@ -79,6 +81,9 @@ class frmDocument : public DocumentWindow {
   void BuildUpDown();
   void ConnectGrids();
   void ConnectEditor();
+  void ShowChart(bool shown);
+  bool ChartIsShown() const { return chart != nullptr && !chart->isHidden(); }
+  QSize RoomBesideChart(int listWidth);
   void LayOut();
 
   // The view
@@ -102,7 +107,7 @@ class frmDocument : public DocumentWindow {
   void BeginCellEdit(qint16 keyCode);
   void BeginListEdit(int row);
   void PositionEditBox(std::optional<QChar> typed);
-  void MoveByTab(const Grid& from, bool forwards);
+  void MoveByTab(const QWidget& from, bool forwards);
   enum class Commit { Nothing, Stored, Refused };
   Commit StoreGridsToTable();
   bool StoreCell(const CellEdit& edit);
@@ -128,6 +133,7 @@ class frmDocument : public DocumentWindow {
   bool CanInsert() const;
   bool CanAddSubband() const;
   bool HasSubbands() const;
+  bool IsAlwaysPossible() const;
   void EditCurrentCell();
   void CutByFrame();
   void CopyByFrame();
@@ -173,6 +179,7 @@ class frmDocument : public DocumentWindow {
   Grid* GridBands;
   QSpinBox* UpDown;  ///< shows the count of sub-bands to whoever looks for it; hidden, as the count is typed
   CellEditor editor;
+  ChartPanel* chart = nullptr;  ///< made once it is asked for
 
   Grid* ActiveGrid;
   int shownIndex = -1;  ///< table index of the standard in GridDetails and GridBands, -1 = none

@@ -59,18 +59,21 @@ void frmDocument::BeginListEdit(int row) {
 
 void frmDocument::PositionEditBox(std::optional<QChar> typed) { editor.OpenBox(*ActiveGrid, typed); }
 
-// As one reads: the list, the values of the standard, its sub-bands, and round again.
-void frmDocument::MoveByTab(const Grid& from, bool forwards) {
+// As one reads: the list, the values of the standard, its sub-bands, the chart, and round again.
+void frmDocument::MoveByTab(const QWidget& from, bool forwards) {
   const int details = shownIndex < 0 ? 0 : GridDetails->rowCount();
   const int bandValues = GridBands->columnCount() - 1;
-  const int stops = 1 + details + GridBands->rowCount() * bandValues;
+  const int beforeChart = 1 + details + GridBands->rowCount() * bandValues;
+  const int stops = beforeChart + (ChartIsShown() ? 1 : 0);
   int stop = 0;
   if (&from == GridDetails) stop = 1 + qMax(GridDetails->currentRow(), 0);
   if (&from == GridBands)
     stop = 1 + details + qMax(GridBands->currentRow(), 0) * bandValues + qMax(GridBands->currentColumn(), 1) - 1;
+  if (&from == chart) stop = beforeChart;
   stop = (stop + (forwards ? 1 : -1) + stops) % stops;
   const auto reason = forwards ? Qt::TabFocusReason : Qt::BacktabFocusReason;
   if (stop == 0) return GridList->setFocus(reason);
+  if (stop == beforeChart) return chart->setFocus(reason);
   const int band = stop - 1 - details;
   (band < 0 ? GridDetails : GridBands)->setFocus(reason);
   if (band < 0)

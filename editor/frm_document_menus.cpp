@@ -45,6 +45,8 @@ void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at) {
        &frmDocument::CanAddSubband},
       {Cells, "mnuContextRemoveSubband", "Re&move Last Sub-band", noKey, &frmDocument::RemoveLastSubband,
        &frmDocument::HasSubbands},
+      {All, "mnuContextBar4", nullptr, noKey, nullptr, nullptr},
+      {All, "mnuContextChart", "C&hart", Qt::Key_F8, &frmDocument::ToggleChart, &frmDocument::IsAlwaysPossible},
   };
   CommitEdit();  // what can be done depends on what is stored
   ActiveGrid = &grid;
@@ -78,6 +80,7 @@ bool frmDocument::CanCut() const {
 bool frmDocument::CanPaste() const { return ActiveGrid == GridList && shared.StandardClipboardFull; }
 bool frmDocument::CanInsert() const { return table.Count < MaxRecords; }
 bool frmDocument::CanAddSubband() const { return shownIndex >= 0 && table.Count < MaxRecords - 1; }
+bool frmDocument::IsAlwaysPossible() const { return true; }
 bool frmDocument::HasSubbands() const { return shownIndex >= 0 && SubbandRows() > 0; }
 
 void frmDocument::EditCurrentCell() { BeginCellEdit(0); }

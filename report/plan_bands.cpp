@@ -51,7 +51,8 @@ void ShareWith(Lane& lane, const Lane& other) {
     for (const Band& otherBand : other.Bands) {
       const auto common = Intersection(band.Range, otherBand.Range);
       if (!common) continue;
-      band.Shared.push_back(*common);
+      // Many standards may share the same: once is enough.
+      if (band.Shared.empty() || band.Shared.back() != *common) band.Shared.push_back(*common);
       shares = true;
     }
   }
@@ -81,6 +82,14 @@ std::vector<Lane> PlanLanes(const SignalStandardTable& table) {
     for (Band& band : lane.Bands) band.Shared = Merged(std::move(band.Shared));
   }
   return lanes;
+}
+
+std::vector<FrequencyRange> SharedRanges(const Lane& one, const Lane& other) {
+  std::vector<FrequencyRange> shared;
+  for (const Band& band : one.Bands)
+    for (const Band& otherBand : other.Bands)
+      if (const auto common = Intersection(band.Range, otherBand.Range)) shared.push_back(*common);
+  return Merged(std::move(shared));
 }
 
 }  // namespace chanplan

@@ -43,4 +43,7 @@ struct Lane {
 /// they use: the own row of a standard with sub-bands also counts the channels that its numbers jump over.
 std::vector<Lane> PlanLanes(const SignalStandardTable& table);
 
+/// What two lanes share; ascending, apart.
+std::vector<FrequencyRange> SharedRanges(const Lane& one, const Lane& other);
+
 }  // namespace chanplan

@@ -57,6 +57,7 @@ class StandInDocument : public DocumentWindow {
   QString RedoName() const override { return {}; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
   void ShowWarning(int line, const QString&) override { ShownWarnings.push_back(line); }
+  void ToggleChart() override { Calls += "ToggleChart"; }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";

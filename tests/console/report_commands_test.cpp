@@ -1,6 +1,7 @@
 // The commands that put a table on paper or on the screen: report, print and chart.
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <string>
 
 #include "tests/console/program.h"
@@ -123,6 +124,22 @@ TEST(Chart, ShowsTheStandards) {
   for (const char* part : {"<title id=\"title\">Channel plan: plan.sig</title>", ">Z\u00FCrich</text>",
                            "<title>Z\u00FCrich(A): uplink 1850.2 to 2109.8 MHz</title>"})
     EXPECT_NE(chart.find(part), std::string::npos) << part << " in " << chart;
+}
+
+TEST(Chart, ListsThePairsThatShareForThePaper) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "plan.sig", std::string("header\r\n") +
+                                              "2\t0\tOne\t900\t945\t0\t100\t0.2\t0.2\t1\r\n"
+                                              "2\t0\tTwo\t910\t1800\t0\t100\t0.2\t0.2\t1\r\n"
+                                              "2\t0\tThree\t2000\t2100\t0\t100\t0.2\t0.2\t1\r\n");
+  EXPECT_EQ(chanplan.Run({"chart", "plan.sig", "out.svg"}).ExitStatus, 0);
+  const std::string chart = ReadFile(chanplan.Folder / "out.svg");
+  const std::regex text("<text class=\"pair\"[^>]*>([^<]*)</text>");
+  std::vector<std::string> texts;
+  for (std::sregex_iterator found(chart.begin(), chart.end(), text), end; found != end; ++found)
+    texts.push_back((*found)[1]);
+  EXPECT_EQ(texts,
+            (std::vector<std::string>{"Standards that share carriers, and where", "One", "Two", "910 to 920 MHz"}));
 }
 
 TEST(Print, KnowsTwoPapers) {

@@ -67,6 +67,7 @@ class FrameStandIn : public FrameOperations {
   std::vector<QString> Statuses;
   std::vector<SavePrompt> Prompts;
   const QMdiArea* Area = nullptr;  ///< where documents are
+  bool Charts = false;             ///< whether documents open with their chart
   QString SaveAnswer;              ///< what the user chooses in the save dialog; empty = Cancel
 
   QString Status() const { return Statuses.empty() ? QString() : Statuses.back(); }
@@ -76,6 +77,8 @@ class FrameStandIn : public FrameOperations {
   void mnuEditPaste_Click() override { DocumentWindow::ActiveIn(*Area)->Paste(); }
   void Warnings(const QString& WarningText, qint16) override { Warned.push_back(WarningText); }
   void ShowStatus(const QString& text) override { Statuses.push_back(text); }
+  bool ShowsCharts() override { return Charts; }
+  void RememberCharts(bool shown) override { Charts = shown; }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override {
     Prompts.push_back({proposedName, fileType});
     return SaveAnswer;

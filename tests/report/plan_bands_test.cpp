@@ -176,6 +176,16 @@ TEST(PlanLanes, ShareWhatTheirSubbandsShare) {
     for (const Band& band : lane.OwnBands) EXPECT_EQ(band.Shared, Ranges());
 }
 
+TEST(SharedRanges, AreThoseOfTwoLanesOnceEach) {
+  const auto lanes = PlanLanes(TableOf({Standard(900, 915, 100), Standard(910, 0, 20), Standard(800, 801, 5),
+                                        Standard(0, 0, 0, 2), Standard(801, 0, 1), Standard(919, 0, 5)}));
+  EXPECT_EQ(SharedRanges(lanes[0], lanes[1]), (Ranges{{910, 914}})) << "the downlink begins a megahertz above";
+  EXPECT_EQ(SharedRanges(lanes[0], lanes[2]), Ranges());
+  EXPECT_EQ(SharedRanges(lanes[0], lanes[3]), (Ranges{{919, 920}})) << "by uplink and downlink";
+  EXPECT_EQ(SharedRanges(lanes[3], lanes[0]), (Ranges{{919, 920}}));
+  EXPECT_EQ(SharedRanges(lanes[2], lanes[3]), (Ranges{{801, 801.2}}));
+}
+
 TEST(PlanLanes, TellASharedPartOnce) {
   const auto lanes = PlanLanes(TableOf({Standard(900, 0, 100), Standard(901, 0, 10), Standard(902, 0, 10),
                                         Standard(910, 0, 5), Standard(800, 0, 10), Standard(903, 0, 2)}));

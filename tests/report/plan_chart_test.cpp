@@ -299,6 +299,62 @@ TEST(Chart, RepeatsTheAxisOverMany) {
   }
 }
 
+// The lines under the drawing, "A | B | 900 to 902 MHz", without their head.
+std::vector<std::string> PairLines(const SvgFile& file) {
+  std::map<double, std::string> lines;
+  for (const SvgElement& text : file.Of("text", "pair"))
+    lines[text.Y] += (lines[text.Y].empty() ? "" : " | ") + text.Text;
+  std::vector<std::string> texts;
+  for (const auto& [y, line] : lines) texts.push_back(line);
+  if (!texts.empty()) texts.erase(texts.begin());
+  return texts;
+}
+
+TEST(Chart, ListsThePairsThatShareUnderTheDrawing) {
+  const SvgFile file = Chart({Standard("A<", 900, 945, 100), Standard("B", 910, 960, 200), Standard("C", 1800, 1900, 9),
+                              Standard("D", 905, 0, 5, 1), Standard("D(A)", 915, 0, 10)});
+  EXPECT_EQ(PairLines(file), (std::vector<std::string>{"A< | B | 910 to 920 MHz, 945 to 950 MHz, 960 to 965 MHz",
+                                                       "A< | D | 915 to 917 MHz", "B | D | 915 to 917 MHz"}));
+  const auto texts = file.Of("text", "pair");
+  EXPECT_EQ(texts.front().Text, "Standards that share carriers, and where");
+  for (const SvgElement& band : Drawn(file, "downlink")) EXPECT_LT(band.Y + band.Height, texts.front().Y - 12);
+  for (const SvgElement& tick : file.Of("text", "tick")) EXPECT_LT(tick.Y, texts.front().Y - 12);
+  EXPECT_LT(texts.back().Y, file.Height);
+}
+
+TEST(Chart, ListsNothingWhereNothingIsShared) {
+  EXPECT_TRUE(Chart({Standard("A", 900, 945, 10), Standard("B", 1900, 1945, 10)}).Of("text", "pair").empty());
+  EXPECT_TRUE(Chart({}).Of("text", "pair").empty());
+}
+
+TEST(Chart, ListsSharedRangesInAsManyLinesAsTheyNeed) {
+  std::vector<SignalStandardRecord> rows = {Standard("A", 100, 0, 10000), Standard("B", 0, 0, 0, 30)};
+  std::vector<std::string> expected;
+  for (int band = 0; band < 30; ++band) {
+    rows.push_back(Standard("", 200 + 10 * band, 0, 10));
+    expected.push_back(std::to_string(200 + 10 * band) + " to " + std::to_string(202 + 10 * band) + " MHz");
+  }
+  const SvgFile file = Chart(rows);
+  const std::vector<std::string> lines = PairLines(file);
+  ASSERT_GT(lines.size(), 2u);
+  std::vector<std::string> told;
+  for (const SvgElement& text : file.Of("text", "pair")) {
+    EXPECT_LE(text.X + TextWidth(Utf32FromUtf8(text.Text), 12), 1280 - 16) << text.Text;
+    std::istringstream parts(text.Text);
+    if (text.Text.ends_with(" MHz"))
+      for (std::string part; std::getline(parts >> std::ws, part, ',');) told.push_back(part);
+  }
+  EXPECT_EQ(told, expected);
+}
+
+TEST(Chart, ListsNoMorePairsThanViewersCanDraw) {
+  const SvgFile file = Chart(std::vector(200, Standard("A", 900, 945, 10)));
+  const std::vector<std::string> lines = PairLines(file);
+  EXPECT_EQ(lines.size(), 1001u);
+  EXPECT_EQ(lines.back(), "and 18900 more pairs");
+  EXPECT_LT(file.Height, 32768);
+}
+
 TEST(Chart, KeepsToItself) {
   const std::string svg = ChartSvg(TableOfNames({"A"}), "x");
   for (const char* foreign : {"<script", "href", "@import", "onload", "http"}) {
