@@ -2,13 +2,17 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 #include "app/command_frame.h"
 #include "app/recent_files.h"
 
 namespace chanplan {
 
-/// Asks for a table file, opens it and makes it a recent file.
+/// The absolute path of a file of this machine; "" for every other address.
+QString LocalPathOf(QUrl address);
+
+/// Asks for table files, one or several, opens them and makes them recent files.
 void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent);
 
 /// Asks for a file to save to, `proposedName` at first: its full path, or "" when the user cancels.
@@ -19,5 +23,8 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
 /// Opens the table at `path` in a document of its own, or in the untouched first document. When it
 /// cannot be read the user is told, and no empty document stays behind.
 void OpenTableFile(CommandFrame& frame, const QString& path);
+
+/// Opens the tables at `paths`, one after the other, and makes them recent files.
+void OpenTableFiles(CommandFrame& frame, RecentFileList& recent, const QStringList& paths);
 
 }  // namespace chanplan

@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "app/file_io.h"
 #include "app/icons.h"
@@ -35,6 +36,7 @@ void MaximiseWhereLittleIsInSight(QMdiSubWindow& document) {
 
 frmMain::frmMain(AppState& application)
     : app(application),
+      drops(*this, app.Recent),
       documents(new QMdiArea),
       ToolBar(new QToolBar("Toolbar")),
       sbStatusBar(statusBar()),
@@ -163,8 +165,24 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   KeepCornerInSight(*documents->addSubWindow(document.release()));
 }
 
+// The library would take "[*]" in the file's name for the place of its sign.
+void frmMain::ShowTitle() {
+  const DocumentWindow* active = ActiveDocument();
+  if (windowHandle() == nullptr || active == nullptr) return;
+  QString title = windowTitle();
+  const bool named = active->isMaximized() && title.endsWith(active->windowTitle() + "]");
+  if (named && active->isWindowModified()) title.insert(title.size() - 1, '*');
+  windowHandle()->setTitle(title);
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowTitleChange || event->type() == QEvent::ModifiedChange) ShowTitle();
+}
+
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
+  ShowTitle();
   if (event->spontaneous()) return;  // the user is back from another desktop or from an icon
   for (QMdiSubWindow* document : documents->subWindowList()) {
     KeepCornerInSight(*document);
@@ -209,6 +227,7 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
+  if (event->type() == QEvent::ModifiedChange) ShowTitle();
   if (event->type() == QEvent::Close && transfer && transfer->Holds(watched)) {
     transfer->Abort();
     event->ignore();

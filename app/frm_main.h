@@ -14,6 +14,7 @@
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
+#include "app/file_drops.h"
 #include "app/help_viewer.h"
 #include "app/splitter_bar.h"
 #include "app/transfer_command.h"
@@ -65,6 +66,7 @@ class frmMain : public CommandFrame {
  protected:
   void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -86,6 +88,8 @@ class frmMain : public CommandFrame {
   void ShowDropLine(const QPoint& globalPosition);
   void DropSplitter(const QPoint& globalPosition);
 
+  /// Shows the title with the sign of a maximised document that has unsaved changes.
+  void ShowTitle();
   void AddDocument(std::unique_ptr<DocumentWindow> document);
   void DocumentsChanged();
 
@@ -132,6 +136,7 @@ class frmMain : public CommandFrame {
   std::int16_t& ChosenPort() { return transfer ? transfer->PortForTheNext : app.Link.CommPort; }
 
   AppState& app;
+  FileDrops drops;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;

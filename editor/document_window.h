@@ -4,6 +4,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QString>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,10 +15,28 @@
 
 namespace chanplan {
 
+/// A truth that is shown somewhere: whoever shows it is told of every change.
+class ShownFlag {
+ public:
+  ShownFlag(bool first = false) : value(first) {}
+  ShownFlag& operator=(bool now) {
+    if (value == now) return *this;
+    value = now;
+    if (Show) Show(now);
+    return *this;
+  }
+  operator bool() const { return value; }
+
+  std::function<void(bool)> Show;
+
+ private:
+  bool value;
+};
+
 /// A document's entry in `DocumentStates`.
 struct DocumentState {
-  bool Released = false;  ///< the window has been unloaded and the number may be given away again
-  bool Changed = false;   ///< the table differs from what was last loaded or saved
+  bool Released = false;      ///< the window has been unloaded and the number may be given away again
+  ShownFlag Changed = false;  ///< the table differs from what was last loaded or saved
 };
 
 /// One open table in its own child window. The window's title is the document's caption: the path

@@ -79,10 +79,12 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
+  state.Changed.Show = [this](bool changed) { setWindowModified(changed); };
 }
 
 // The controls still send events while they go; nothing may be stored then.
 frmDocument::~frmDocument() {
+  state.Changed.Show = nullptr;
   editor.disconnect(this);
   for (Grid* grid : {GridList, GridDetails, GridBands}) grid->disconnect(this);
   delete area;
@@ -148,6 +150,10 @@ bool frmDocument::event(QEvent* event) {
 void frmDocument::changeEvent(QEvent* event) {
   DocumentWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) ColourTitles();
+  if (event->type() == QEvent::ModifiedChange) {
+    setAccessibleDescription(isWindowModified() ? "Has unsaved changes" : "");
+    update();  // of the title bar
+  }
 }
 
 void frmDocument::BuildUpDown() {
