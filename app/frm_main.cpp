@@ -118,6 +118,10 @@ void frmMain::BuildClientArea() {
       lstWarnings->setFocus();
   });
 
+  connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F), this), &QShortcut::activated, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->Find();
+  });
+
   auto* column = new QVBoxLayout(client);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/file_system.h"
+#include "core/record_fields.h"
 #include "core/sig_file.h"
 #include "core/signal_standard_table.h"
 
@@ -99,6 +100,11 @@ class DocumentWindow : public QMdiSubWindow {
   virtual void InsertBlank() = 0;
   /// Selects the standard of this name in the list view, if there is one.
   virtual void FindSSEntry(const QString& name) = 0;
+  /// Puts the cursor on a field of the row at table index `row`, whose standard is selected in the list.
+  /// Does not take the keyboard. A field that is not shown of a sub-band is its first one that is.
+  virtual void ShowField(int row, Field field) = 0;
+  /// Shows the bar that looks for names, frequencies and channels.
+  virtual void Find() = 0;
 
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;

@@ -14,6 +14,7 @@
 #include "core/lenient_number.h"
 #include "core/number_picture.h"
 #include "editor/caption_style.h"
+#include "editor/find_bar.h"
 #include "editor/grid_columns.h"
 #include "editor/text_edge.h"
 #include "editor/twips.h"
@@ -223,7 +224,10 @@ void frmDocument::LayOut() {
   if (isMinimized()) return;
   const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, GridList);
   const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
-  GridList->setGeometry(Margin, Margin, listWidth, area->height() - 2 * Margin);
+  const bool finds = findBar != nullptr && !findBar->isHidden();
+  const int areaHeight = area->height() - (finds ? findBar->sizeHint().height() : 0);
+  if (finds) findBar->setGeometry(0, areaHeight, area->width(), findBar->sizeHint().height());
+  GridList->setGeometry(Margin, Margin, listWidth, areaHeight - 2 * Margin);
 
   const int left = Margin + listWidth + Margin;
   const int width = area->width() - left - Margin;
@@ -238,7 +242,7 @@ void frmDocument::LayOut() {
   GridDetails->horizontalScrollBar()->setValue(GridDetails->horizontalScrollBar()->maximum());  // values before titles
 
   const int top = Margin + GridDetails->height() + Margin;
-  const int height = area->height() - top - Margin;
+  const int height = areaHeight - top - Margin;
   const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
   GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
   // Where there is no room for both, the first row counts more than the bar that would cover it.

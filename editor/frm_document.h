@@ -11,8 +11,11 @@
 #include "editor/frame_operations.h"
 #include "editor/grid.h"
 #include "editor/shared_tables.h"
+#include "report/plan_search.h"
 
 namespace chanplan {
+
+class FindBar;
 
 /// The table, not the grids, is the authoritative copy: the grids are filled from it after every
 /// change, and cells that the user edited are written back when they are left.
@@ -50,6 +53,8 @@ class frmDocument : public DocumentWindow {
   void Paste() override;
   void InsertBlank() override;
   void FindSSEntry(const QString& name) override;
+  void ShowField(int row, Field field) override;
+  void Find() override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
   void GetTable() const override;
@@ -105,6 +110,19 @@ class frmDocument : public DocumentWindow {
   void DeleteStandards();
   void UpDown_Change(int value);
 
+  // Looking for names, frequencies and channels
+  struct Found {
+    frmDocument* In;
+    PlanPlace Place;
+  };
+  FindBar& OpenFindBar();
+  void CloseFindBar();
+  std::vector<Found> FindAll() const;
+  void FindNext(bool forwards);
+  void HandOverFind(frmDocument& other);
+  void ShowFoundPlace(const PlanPlace& place);
+  void ShowFound();
+
   enum class SaveResult { Failed, Saved, Reloaded };
   SaveResult Save(const QString& path);
   SaveResult Write(const QString& path);
@@ -126,6 +144,8 @@ class frmDocument : public DocumentWindow {
   Grid* GridBands;
   QSpinBox* UpDown;  ///< shows the count of sub-bands to whoever looks for it; hidden, as the count is typed
   CellEditor editor;
+  FindBar* findBar = nullptr;      ///< made when it is first asked for
+  std::optional<PlanPlace> found;  ///< the place that was found last
 
   Grid* ActiveGrid;
   int shownIndex = -1;  ///< table index of the standard in GridDetails and GridBands, -1 = none

@@ -50,6 +50,8 @@ class StandInDocument : public DocumentWindow {
   void Paste() override { Calls += "Paste"; }
   void InsertBlank() override { Calls += "InsertBlank"; }
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
+  void ShowField(int row, Field) override { Calls += "ShowField " + QString::number(row); }
+  void Find() override { Calls += "Find"; }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";
