@@ -100,6 +100,13 @@ void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent) {
   OpenTableFiles(frame, recent, ChosenFiles(dialog));
 }
 
+QString PromptTableFile(CommandFrame& frame, const RecentFileList& recent) {
+  OpenDialog dialog(&frame);
+  SetUp(dialog, frame, recent, QFileDialog::AcceptOpen, TableFiles);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  return ChosenFiles(dialog).value(0);
+}
+
 QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, const QString& proposedName,
                            const QString& fileType) {
   QFileDialog dialog(&frame);
@@ -110,10 +117,11 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
   return WithType(frame, ChosenFiles(dialog).value(0), type);
 }
 
+// Opening what is no file, as a pipe, could wait for ever.
+bool CanOpenFile(const QString& path) { return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly); }
+
 void OpenTableFile(CommandFrame& frame, const QString& path) {
-  // Opening what is no file, as a pipe, could wait for ever.
-  const bool isFile = !QFileInfo::exists(path) || QFileInfo(path).isFile();
-  if (!isFile || !QFile(path).open(QIODevice::ReadOnly)) return ShowMessage(frame, "Can't open file: " + path);
+  if (!CanOpenFile(path)) return ShowMessage(frame, "Can't open file: " + path);
   const BusyPointer busy(frame);
   DocumentWindow& document = frame.CreateDocument(false);
   const bool read = document.LoadSigStandards(path);

@@ -42,6 +42,7 @@ frmMain::frmMain(AppState& application)
       sbStatusBar(statusBar()),
       sbStatusBarPanel1(new QLabel),
       sbStatusBarPanel2(new QLabel),
+      bttnCompare(new QToolButton),
       WarningHolder(new QWidget),
       lblSplitter(new SplitterBar(WarningHolder)),
       lstWarnings(new WarningsPane(WarningHolder)),
@@ -68,7 +69,17 @@ void frmMain::BuildStatusBar() {
   sbStatusBarPanel2->setObjectName("sbStatusBarPanel2");
   for (QLabel* panel : {sbStatusBarPanel1, sbStatusBarPanel2}) panel->setTextFormat(Qt::PlainText);
   sbStatusBar->addWidget(sbStatusBarPanel1, 1);
+  bttnCompare->setObjectName("bttnCompare");
+  bttnCompare->setText("Compare With");
+  bttnCompare->setToolTip("Compare the unit's table with another one");
+  bttnCompare->setAutoRaise(true);
+  bttnCompare->setPopupMode(QToolButton::InstantPopup);
+  bttnCompare->setMenu(new CompareMenu(
+      *this, app.Recent, [this] { return ActiveDocument(); }, bttnCompare));
+  bttnCompare->setFixedHeight(sbStatusBarPanel1->sizeHint().height());  // the bar stays as high as it is
+  sbStatusBar->addPermanentWidget(bttnCompare);
   sbStatusBar->addPermanentWidget(sbStatusBarPanel2);
+  bttnCompare->hide();
 }
 
 void frmMain::BuildClientArea() {
@@ -118,6 +129,10 @@ void frmMain::BuildClientArea() {
       lstWarnings->setFocus();
   });
 
+  // The menu of the document's title bar, as other programs have it.
+  connect(new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Minus), this), &QShortcut::activated, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->showSystemMenu();
+  });
   connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F), this), &QShortcut::activated, this, [this] {
     if (DocumentWindow* document = ActiveDocument()) document->Find();
   });
@@ -163,7 +178,10 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   // Its menu's key for closing is the frame's key for a new standard.
   for (QAction* action : document->systemMenu()->actions())
     if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) action->setShortcut(Qt::CTRL | Qt::Key_F4);
+  AddCompareMenu(*this, app.Recent, *document);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
+  connect(document.get(), &DocumentWindow::TableChanged, this, &frmMain::OfferComparison);
+  connect(document.get(), &QWidget::windowTitleChanged, this, &frmMain::OfferComparison);
   document->setWindowIcon(DrawnIcon("New"));
   document->installEventFilter(this);
   KeepCornerInSight(*documents->addSubWindow(document.release()));
@@ -209,11 +227,18 @@ void frmMain::ShowDocument(DocumentWindow& document) {
 // user comes back from another program, leaves the pane alone.
 void frmMain::DocumentsChanged() {
   EnableDocumentItems();
+  OfferComparison();
   DocumentWindow* active = ActiveDocument();
   const QString text = active != nullptr ? active->WarningsText() : QString();
   if (active == warningsShownOf && text == lstWarnings->Text()) return;
   warningsShownOf = active;
   Warnings(text, -1);
+}
+
+void frmMain::OfferComparison() {
+  const DocumentWindow* active = ActiveDocument();
+  bttnCompare->setVisible(active != nullptr && active->windowTitle().startsWith("Untitled(Query)") &&
+                          active->Table().Count > 0);
 }
 
 void frmMain::LayOutPane() {

@@ -8,12 +8,14 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <memory>
 #include <optional>
 
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
+#include "app/compare_menu.h"
 #include "app/file_drops.h"
 #include "app/help_viewer.h"
 #include "app/splitter_bar.h"
@@ -92,6 +94,8 @@ class frmMain : public CommandFrame {
   void ShowTitle();
   void AddDocument(std::unique_ptr<DocumentWindow> document);
   void DocumentsChanged();
+  /// Offers to compare a table that came from a unit and is in no file yet.
+  void OfferComparison();
 
   // What menus show
   void ShowRecentFiles(const QStringList& files);
@@ -142,6 +146,7 @@ class frmMain : public CommandFrame {
   QStatusBar* sbStatusBar;
   QLabel* sbStatusBarPanel1;
   QLabel* sbStatusBarPanel2;
+  QToolButton* bttnCompare;
   QWidget* WarningHolder;
   SplitterBar* lblSplitter;
   QRubberBand* dropLine = nullptr;  // shows where the splitter would drop
