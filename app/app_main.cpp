@@ -23,10 +23,7 @@ void AppMain::Main(const QStringList& paths) {
   if (const QStringList complaints = Settings.Complaints(); !complaints.isEmpty())
     ShowMessage(*Frame, complaints.join("\n\n"), ApplicationName, QMessageBox::Warning);
   OfferLeftTables();
-  for (const QString& path : paths) {
-    OpenTableFile(*Frame, path);
-    Recent.UpdateRecentFiles(path);
-  }
+  OpenTableFiles(*Frame, Recent, paths);
 }
 
 void AppMain::KeepCopies() {

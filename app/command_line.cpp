@@ -1,7 +1,8 @@
 #include "app/command_line.h"
 
 #include <QFileInfo>
-#include <QUrl>
+
+#include "app/file_io.h"
 
 #include "core/text_encoding.h"
 
@@ -16,10 +17,8 @@ constexpr char Help[] =
     "  --version  print the version\n";
 
 QString PathOf(const QString& file) {
-  if (!file.startsWith("file:")) return QFileInfo(file).absoluteFilePath();
-  QUrl address(file);
-  if (address.host() == "localhost") address.setHost("");
-  return QFileInfo(address.toLocalFile()).absoluteFilePath();
+  const QString path = file.startsWith("file:") ? LocalPathOf(QUrl(file)) : QString();
+  return path.isEmpty() ? QFileInfo(file).absoluteFilePath() : path;
 }
 
 // A terminal obeys control characters.

@@ -18,9 +18,25 @@ constexpr char AllFiles[] = "All Files (*.*)(*)";
 constexpr char TableFiles[] = "Signal Standard Files(*.sig)(*.sig)";
 constexpr char ReportFiles[] = "Report Files(*.htm)(*.htm)";
 
-QString ChosenFile(QFileDialog& dialog) {
-  return dialog.exec() == QDialog::Accepted ? QDir::toNativeSeparators(dialog.selectedFiles().value(0)) : QString();
+QStringList ChosenFiles(QFileDialog& dialog) {
+  if (dialog.exec() != QDialog::Accepted) return {};
+  QStringList files = dialog.selectedFiles();
+  for (QString& file : files) file = QDir::toNativeSeparators(file);
+  return files;
 }
+
+// A file that is not there is told as every other one that cannot be opened, not by the dialog in words
+// of its own.
+class OpenDialog : public QFileDialog {
+ public:
+  using QFileDialog::QFileDialog;
+
+  void accept() override {
+    const QStringList files = selectedFiles();
+    const bool missing = std::ranges::any_of(files, [](const QString& file) { return !QFileInfo::exists(file); });
+    missing ? QDialog::accept() : QFileDialog::accept();
+  }
+};
 
 // Where the active document is, else the newest recent file, else the user's documents: the current folder is
 // the program's.
@@ -61,7 +77,7 @@ void SetUp(QFileDialog& dialog, const CommandFrame& frame, const RecentFileList&
   dialog.setObjectName("CMDialog1");
   dialog.setDirectory(FirstFolder(frame, recent));
   dialog.setAcceptMode(mode);
-  dialog.setFileMode(QFileDialog::AnyFile);
+  dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFiles : QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setNameFilters({AllFiles, filesShown});
   dialog.selectNameFilter(filesShown);
@@ -69,13 +85,26 @@ void SetUp(QFileDialog& dialog, const CommandFrame& frame, const RecentFileList&
 
 }  // namespace
 
+// Some file managers name the machine in its files' addresses.
+QString LocalPathOf(QUrl address) {
+  for (const QString& host : {QString("localhost"), QSysInfo::machineHostName()})
+    if (address.host().compare(host, Qt::CaseInsensitive) == 0) address.setHost("");
+  const QFileInfo file(address.toLocalFile());
+  const bool local = address.isLocalFile() && (address.host().isEmpty() || file.exists());  // on a share
+  return local ? file.absoluteFilePath() : QString();
+}
+
 void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent) {
-  QFileDialog dialog(&frame);
+  OpenDialog dialog(&frame);
   SetUp(dialog, frame, recent, QFileDialog::AcceptOpen, TableFiles);
-  const QString path = ChosenFile(dialog);
-  if (path.isEmpty()) return;
-  OpenTableFile(frame, path);
-  recent.UpdateRecentFiles(path);
+  OpenTableFiles(frame, recent, ChosenFiles(dialog));
+}
+
+QString PromptTableFile(CommandFrame& frame, const RecentFileList& recent) {
+  OpenDialog dialog(&frame);
+  SetUp(dialog, frame, recent, QFileDialog::AcceptOpen, TableFiles);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  return ChosenFiles(dialog).value(0);
 }
 
 QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, const QString& proposedName,
@@ -85,13 +114,14 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
   const QString type = proposedName.endsWith(".htm") ? ".htm" : fileType;  // reports are asked for as tables are
   dialog.setDefaultSuffix(type);
   dialog.selectFile(proposedName);
-  return WithType(frame, ChosenFile(dialog), type);
+  return WithType(frame, ChosenFiles(dialog).value(0), type);
 }
 
+// Opening what is no file, as a pipe, could wait for ever.
+bool CanOpenFile(const QString& path) { return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly); }
+
 void OpenTableFile(CommandFrame& frame, const QString& path) {
-  // Opening what is no file, as a pipe, could wait for ever.
-  const bool isFile = !QFileInfo::exists(path) || QFileInfo(path).isFile();
-  if (!isFile || !QFile(path).open(QIODevice::ReadOnly)) return ShowMessage(frame, "Can't open file: " + path);
+  if (!CanOpenFile(path)) return ShowMessage(frame, "Can't open file: " + path);
   const BusyPointer busy(frame);
   DocumentWindow& document = frame.CreateDocument(false);
   const bool read = document.LoadSigStandards(path);
@@ -109,6 +139,13 @@ void OpenTableFile(CommandFrame& frame, const QString& path) {
                    .arg(count)
                    .arg(QString::fromStdString(document.ReadNotes.front()));
   if (!remarks.isEmpty()) frame.ShowStatus(remarks.join(' '));
+}
+
+void OpenTableFiles(CommandFrame& frame, RecentFileList& recent, const QStringList& paths) {
+  for (const QString& path : paths) {
+    OpenTableFile(frame, path);
+    recent.UpdateRecentFiles(path);
+  }
 }
 
 }  // namespace chanplan

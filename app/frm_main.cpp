@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "app/file_io.h"
 #include "app/icons.h"
@@ -36,11 +37,13 @@ void MaximiseWhereLittleIsInSight(QMdiSubWindow& document) {
 
 frmMain::frmMain(AppState& application)
     : app(application),
+      drops(*this, app.Recent),
       documents(new QMdiArea),
       ToolBar(new QToolBar("Toolbar")),
       sbStatusBar(statusBar()),
       sbStatusBarPanel1(new QLabel),
       sbStatusBarPanel2(new QLabel),
+      bttnCompare(new QToolButton),
       WarningHolder(new QWidget),
       lblSplitter(new SplitterBar(WarningHolder)),
       lstWarnings(new WarningsPane(WarningHolder)),
@@ -67,7 +70,17 @@ void frmMain::BuildStatusBar() {
   sbStatusBarPanel2->setObjectName("sbStatusBarPanel2");
   for (QLabel* panel : {sbStatusBarPanel1, sbStatusBarPanel2}) panel->setTextFormat(Qt::PlainText);
   sbStatusBar->addWidget(sbStatusBarPanel1, 1);
+  bttnCompare->setObjectName("bttnCompare");
+  bttnCompare->setText("Compare With");
+  bttnCompare->setToolTip("Compare the unit's table with another one");
+  bttnCompare->setAutoRaise(true);
+  bttnCompare->setPopupMode(QToolButton::InstantPopup);
+  bttnCompare->setMenu(new CompareMenu(
+      *this, app.Recent, [this] { return ActiveDocument(); }, bttnCompare));
+  bttnCompare->setFixedHeight(sbStatusBarPanel1->sizeHint().height());  // the bar stays as high as it is
+  sbStatusBar->addPermanentWidget(bttnCompare);
   sbStatusBar->addPermanentWidget(sbStatusBarPanel2);
+  bttnCompare->hide();
 }
 
 void frmMain::BuildClientArea() {
@@ -129,6 +142,13 @@ void frmMain::BuildClientArea() {
   connect(new QShortcut(Qt::Key_F8, this), &QShortcut::activated, this, [this] {
     if (DocumentWindow* document = ActiveDocument()) document->ToggleChart();
   });
+  // The menu of the document's title bar, as other programs have it.
+  connect(new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Minus), this), &QShortcut::activated, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->showSystemMenu();
+  });
+  connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F), this), &QShortcut::activated, this, [this] {
+    if (DocumentWindow* document = ActiveDocument()) document->Find();
+  });
 
   auto* column = new QVBoxLayout(client);
   column->setContentsMargins(0, 0, 0, 0);
@@ -171,14 +191,33 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   // Its menu's key for closing is the frame's key for a new standard.
   for (QAction* action : document->systemMenu()->actions())
     if (action->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) action->setShortcut(Qt::CTRL | Qt::Key_F4);
+  AddCompareMenu(*this, app.Recent, *document);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
+  connect(document.get(), &DocumentWindow::TableChanged, this, &frmMain::OfferComparison);
+  connect(document.get(), &QWidget::windowTitleChanged, this, &frmMain::OfferComparison);
   document->setWindowIcon(DrawnIcon("New"));
   document->installEventFilter(this);
   KeepCornerInSight(*documents->addSubWindow(document.release()));
 }
 
+// The library would take "[*]" in the file's name for the place of its sign.
+void frmMain::ShowTitle() {
+  const DocumentWindow* active = ActiveDocument();
+  if (windowHandle() == nullptr || active == nullptr) return;
+  QString title = windowTitle();
+  const bool named = active->isMaximized() && title.endsWith(active->windowTitle() + "]");
+  if (named && active->isWindowModified()) title.insert(title.size() - 1, '*');
+  windowHandle()->setTitle(title);
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowTitleChange || event->type() == QEvent::ModifiedChange) ShowTitle();
+}
+
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
+  ShowTitle();
   if (event->spontaneous()) return;  // the user is back from another desktop or from an icon
   for (QMdiSubWindow* document : documents->subWindowList()) {
     KeepCornerInSight(*document);
@@ -201,11 +240,18 @@ void frmMain::ShowDocument(DocumentWindow& document) {
 // user comes back from another program, leaves the pane alone.
 void frmMain::DocumentsChanged() {
   EnableDocumentItems();
+  OfferComparison();
   DocumentWindow* active = ActiveDocument();
   const QString text = active != nullptr ? active->WarningsText() : QString();
   if (active == warningsShownOf && text == lstWarnings->Text()) return;
   warningsShownOf = active;
   Warnings(text, -1);
+}
+
+void frmMain::OfferComparison() {
+  const DocumentWindow* active = ActiveDocument();
+  bttnCompare->setVisible(active != nullptr && active->windowTitle().startsWith("Untitled(Query)") &&
+                          active->Table().Count > 0);
 }
 
 void frmMain::LayOutPane() {
@@ -223,6 +269,7 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
+  if (event->type() == QEvent::ModifiedChange) ShowTitle();
   if (event->type() == QEvent::Close && transfer && transfer->Holds(watched)) {
     transfer->Abort();
     event->ignore();

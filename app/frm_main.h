@@ -8,12 +8,15 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <memory>
 #include <optional>
 
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
+#include "app/compare_menu.h"
+#include "app/file_drops.h"
 #include "app/help_viewer.h"
 #include "app/splitter_bar.h"
 #include "app/transfer_command.h"
@@ -67,6 +70,7 @@ class frmMain : public CommandFrame {
  protected:
   void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -88,8 +92,12 @@ class frmMain : public CommandFrame {
   void ShowDropLine(const QPoint& globalPosition);
   void DropSplitter(const QPoint& globalPosition);
 
+  /// Shows the title with the sign of a maximised document that has unsaved changes.
+  void ShowTitle();
   void AddDocument(std::unique_ptr<DocumentWindow> document);
   void DocumentsChanged();
+  /// Offers to compare a table that came from a unit and is in no file yet.
+  void OfferComparison();
 
   // What menus show
   void ShowRecentFiles(const QStringList& files);
@@ -134,11 +142,13 @@ class frmMain : public CommandFrame {
   std::int16_t& ChosenPort() { return transfer ? transfer->PortForTheNext : app.Link.CommPort; }
 
   AppState& app;
+  FileDrops drops;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;
   QLabel* sbStatusBarPanel1;
   QLabel* sbStatusBarPanel2;
+  QToolButton* bttnCompare;
   QWidget* WarningHolder;
   SplitterBar* lblSplitter;
   QRubberBand* dropLine = nullptr;  // shows where the splitter would drop

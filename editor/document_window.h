@@ -4,20 +4,40 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QString>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/file_system.h"
+#include "core/record_fields.h"
 #include "core/sig_file.h"
 #include "core/signal_standard_table.h"
 
 namespace chanplan {
 
+/// A truth that is shown somewhere: whoever shows it is told of every change.
+class ShownFlag {
+ public:
+  ShownFlag(bool first = false) : value(first) {}
+  ShownFlag& operator=(bool now) {
+    if (value == now) return *this;
+    value = now;
+    if (Show) Show(now);
+    return *this;
+  }
+  operator bool() const { return value; }
+
+  std::function<void(bool)> Show;
+
+ private:
+  bool value;
+};
+
 /// A document's entry in `DocumentStates`.
 struct DocumentState {
-  bool Released = false;  ///< the window has been unloaded and the number may be given away again
-  bool Changed = false;   ///< the table differs from what was last loaded or saved
+  bool Released = false;      ///< the window has been unloaded and the number may be given away again
+  ShownFlag Changed = false;  ///< the table differs from what was last loaded or saved
 };
 
 /// One open table in its own child window. The window's title is the document's caption: the path
@@ -94,6 +114,11 @@ class DocumentWindow : public QMdiSubWindow {
 
   /// Shows the chart of the table beside the grids, or hides it again.
   virtual void ToggleChart() = 0;
+  /// Puts the cursor on a field of the row at table index `row`, whose standard is selected in the list.
+  /// Does not take the keyboard. What a sub-band has from its standard is shown with that.
+  virtual void ShowField(int row, Field field) = 0;
+  /// Shows the bar that looks for names, frequencies and channels.
+  virtual void Find() = 0;
 
   /// The table, without an edit that is open.
   virtual const SignalStandardTable& Table() const = 0;

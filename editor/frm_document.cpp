@@ -15,6 +15,7 @@
 #include "core/lenient_number.h"
 #include "core/number_picture.h"
 #include "editor/caption_style.h"
+#include "editor/find_bar.h"
 #include "editor/grid_columns.h"
 #include "editor/history_commands.h"
 #include "editor/text_edge.h"
@@ -83,11 +84,13 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
+  state.Changed.Show = [this](bool changed) { setWindowModified(changed); };
   if (frame.ShowsCharts()) ShowChart(true);
 }
 
 // The controls still send events while they go; nothing may be stored then.
 frmDocument::~frmDocument() {
+  state.Changed.Show = nullptr;
   editor.disconnect(this);
   for (Grid* grid : {GridList, GridDetails, GridBands}) grid->disconnect(this);
   if (chart != nullptr) chart->disconnect(this);
@@ -156,6 +159,10 @@ bool frmDocument::event(QEvent* event) {
 void frmDocument::changeEvent(QEvent* event) {
   DocumentWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) ColourTitles();
+  if (event->type() == QEvent::ModifiedChange) {
+    setAccessibleDescription(isWindowModified() ? "Has unsaved changes" : "");
+    update();  // of the title bar
+  }
 }
 
 void frmDocument::BuildUpDown() {
@@ -253,8 +260,8 @@ void frmDocument::ShowChart(bool shown) {
 }
 
 // What the grids get of the area, at least and best, follows from what they show.
-QSize frmDocument::RoomBesideChart(int listWidth) {
-  if (!ChartIsShown()) return area->size();
+QSize frmDocument::RoomBesideChart(const QSize& both, int listWidth) {
+  if (!ChartIsShown()) return both;
   const int titles = GridDetails->columnWidth(0) + 2 * GridDetails->frameWidth();
   const int values = titles + TextWidth(*this, QString(MostValueLetters, 'H'));
   const int bands = GridBands->horizontalHeader()->length() + 2 * GridBands->frameWidth();
@@ -262,14 +269,17 @@ QSize frmDocument::RoomBesideChart(int listWidth) {
   const QSize least(listWidth + titles + TextWidth(*this, QString(LeastValueLetters, 'H')) + 3 * Margin, 0);
   const QSize natural(listWidth + qMax(values, bands) + 3 * Margin,
                       rows + GridBands->horizontalHeader()->height() + 4 * GridDetails->rowHeight(0));
-  return chart->TakePlace(area->size(), least, natural);
+  return chart->TakePlace(both, least, natural);
 }
 
 void frmDocument::LayOut() {
   if (isMinimized()) return;
   const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, GridList);
   const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
-  const QSize room = RoomBesideChart(listWidth);
+  const bool finds = findBar != nullptr && !findBar->isHidden();
+  const int barHeight = finds ? findBar->sizeHint().height() : 0;
+  if (finds) findBar->setGeometry(0, area->height() - barHeight, area->width(), barHeight);
+  const QSize room = RoomBesideChart({area->width(), area->height() - barHeight}, listWidth);
   GridList->setGeometry(Margin, Margin, listWidth, room.height() - 2 * Margin);
 
   const int left = Margin + listWidth + Margin;

@@ -14,8 +14,11 @@
 #include "editor/frame_operations.h"
 #include "editor/grid.h"
 #include "editor/shared_tables.h"
+#include "report/plan_search.h"
 
 namespace chanplan {
+
+class FindBar;
 
 /// The table, not the grids, is the authoritative copy: the grids are filled from it after every
 /// change, and cells that the user edited are written back when they are left.
@@ -61,6 +64,8 @@ class frmDocument : public DocumentWindow {
   void FindSSEntry(const QString& name) override;
   void ShowWarning(int line, const QString& name) override;
   void ToggleChart() override;
+  void ShowField(int index, Field field) override;
+  void Find() override;
   const SignalStandardTable& Table() const override { return table; }
   void ShowUnitTable(const SignalStandardTable& received) override;
   void MarkUnsaved() override;
@@ -83,7 +88,7 @@ class frmDocument : public DocumentWindow {
   void ConnectEditor();
   void ShowChart(bool shown);
   bool ChartIsShown() const { return chart != nullptr && !chart->isHidden(); }
-  QSize RoomBesideChart(int listWidth);
+  QSize RoomBesideChart(const QSize& both, int listWidth);
   void LayOut();
 
   // The view
@@ -156,6 +161,19 @@ class frmDocument : public DocumentWindow {
   void GoTo(const Place& place);
 
   bool ReadTable(const QString& path);
+  // Looking for names, frequencies and channels
+  struct Found {
+    frmDocument* In;
+    PlanPlace Place;
+  };
+  FindBar& OpenFindBar();
+  void CloseFindBar();
+  std::vector<Found> FindAll() const;
+  void FindNext(bool forwards);
+  void HandOverFind(frmDocument& other);
+  void ShowFoundPlace(const PlanPlace& place);
+  void ShowFound();
+
   enum class SaveResult { Failed, Saved, Reloaded };
   SaveResult Save(const QString& path);
   SaveResult Write(const QString& path);
@@ -179,7 +197,9 @@ class frmDocument : public DocumentWindow {
   Grid* GridBands;
   QSpinBox* UpDown;  ///< shows the count of sub-bands to whoever looks for it; hidden, as the count is typed
   CellEditor editor;
-  ChartPanel* chart = nullptr;  ///< made once it is asked for
+  ChartPanel* chart = nullptr;     ///< made once it is asked for
+  FindBar* findBar = nullptr;      ///< made when it is first asked for
+  std::optional<PlanPlace> found;  ///< the place that was found last
 
   Grid* ActiveGrid;
   int shownIndex = -1;  ///< table index of the standard in GridDetails and GridBands, -1 = none

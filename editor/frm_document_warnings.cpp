@@ -64,11 +64,16 @@ void frmDocument::FindSSEntry(const QString& name) {
 void frmDocument::ShowWarning(int line, const QString& name) {
   if (line >= static_cast<int>(warnings.size())) return;
   const Warning warning = warnings[static_cast<std::size_t>(line)];
-  const int row = ListRowOf(warning.Row);
-  if (TextOf(warning.Name) != name || row < 0) return;
+  if (TextOf(warning.Name) == name) ShowField(warning.Row, DoubtfulField(warning));
+}
+
+void frmDocument::ShowField(int index, Field field) {
+  CommitEdit();
+  const int row = ListRowOf(index);
+  if (row < 0) return;
   if (row != GridList->currentRow()) GridList->SetCurrent(row, 1);
   GridList->scrollToItem(GridList->currentItem());
-  const auto place = PlaceOf(warning.Row, DoubtfulField(warning));
+  const auto place = PlaceOf(index, field);
   if (!place) return;
   GoTo(*place);
   ActiveGrid = place->ShownIn;

@@ -52,6 +52,25 @@ TEST_F(Files, OpenUsesTheUntouchedFirstDocument) {
   EXPECT_FALSE(app->Registry.DocumentStates[1].Changed);
 }
 
+TEST_F(Files, SeveralAreOpenedAtOnce) {
+  const QString a = Table("a.sig");
+  const QString b = Table("b.sig");
+  SetStored("Recent Files/RecentFile1", InFolder("c.sig"));  // so the dialog starts in this folder
+  Start();
+  Answer([](QWidget& window) {
+    auto* list = window.findChild<QListView*>("listView");
+    const auto row = [list](int number) { return list->model()->index(number, 0, list->rootIndex()); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return row(1).data() == "b.sig"; }));
+    for (int number : {0, 1})
+      QTest::mouseClick(list->viewport(), Qt::LeftButton, number == 0 ? Qt::NoModifier : Qt::ControlModifier,
+                        list->visualRect(row(number)).center());
+    QTest::keyClick(&window, Qt::Key_Return);
+  });
+  Choose("mnuFileOpen");
+  EXPECT_EQ(Captions(), QStringList({a, b}));
+  EXPECT_EQ(RecentMenu(), QStringList({b, a, InFolder("c.sig")}));
+}
+
 TEST_F(Files, OpenDialogOffersTablesFirst) {
   Start();
   LookAtFileDialog([](QFileDialog& dialog) {

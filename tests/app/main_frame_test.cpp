@@ -20,6 +20,7 @@ namespace {
 using Menus = AppTest;
 using Commands = AppTest;
 using Help = AppTest;
+using Title = AppTest;
 
 class Splitter : public AppTest {
  protected:
@@ -573,4 +574,26 @@ TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
   }
   EXPECT_EQ(pictures.size(), static_cast<std::size_t>(keys.size()));
   EXPECT_TRUE(DrawnIcon("Calculator").isNull());
+}
+
+// The title bar of a maximised document is the frame's own.
+TEST_F(Title, OfTheFrameHasTheSignOfAMaximisedDocument) {
+  const QString path = Table("a[*].sig");
+  Start({path});
+  const QString maximised = "Handheld Chanplan Editor - [" + path + "]";
+  const auto shown = [this] { return Frame().windowHandle()->title(); };
+  EXPECT_EQ(shown(), "Handheld Chanplan Editor");
+  Frame().ActiveDocument()->showMaximized();
+  EXPECT_EQ(shown(), maximised) << "with every letter of the name";
+  Choose("menuEditNewChanplan");
+  EXPECT_EQ(shown(), "Handheld Chanplan Editor - [" + path + "*]");
+  EXPECT_EQ(Frame().windowTitle(), maximised);
+  Choose("mnuFileSave");
+  EXPECT_EQ(shown(), maximised);
+  Choose("menuEditNewChanplan");
+  Frame().ActiveDocument()->showNormal();
+  EXPECT_EQ(shown(), "Handheld Chanplan Editor");
+  EXPECT_EQ(Frame().windowTitle(), "Handheld Chanplan Editor");
+  EXPECT_EQ(Frame().ActiveDocument()->windowTitle(), path);
+  app->Registry.DocumentStates[0].Changed = false;
 }

@@ -58,6 +58,8 @@ class StandInDocument : public DocumentWindow {
   void FindSSEntry(const QString& name) override { Calls += "FindSSEntry " + name; }
   void ShowWarning(int line, const QString&) override { ShownWarnings.push_back(line); }
   void ToggleChart() override { Calls += "ToggleChart"; }
+  void ShowField(int row, Field) override { Calls += "ShowField " + QString::number(row); }
+  void Find() override { Calls += "Find"; }
   const SignalStandardTable& Table() const override { return Rows; }
   void ShowUnitTable(const SignalStandardTable& received) override {
     Calls += "ShowUnitTable";

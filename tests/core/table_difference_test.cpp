@@ -107,6 +107,43 @@ TEST(TableDifferences, LookAtWhatAFileWouldKeepOfANumber) {
   EXPECT_EQ(TableDifferences(left, right), Lines());
 }
 
+using Kind = DifferenceKind;
+
+TEST(FindDifferences, TellWhereTheyAre) {
+  const SignalStandardTable left = TableOf({NamedRow("A"), NamedRow("S", 2), NamedRow("S(A)"), NamedRow("S(B)")});
+  SignalStandardTable right = TableOf({NamedRow("S", 1), NamedRow("S(A)"), NamedRow("Z", 1), NamedRow("Z(A)")});
+  right.Row(1).StopChannel = 811;
+  EXPECT_EQ(FindDifferences(left, right), (std::vector<TableDifference>{{Kind::OnlyLeft, 0},
+                                                                        {Kind::Field, 1, 0, 0, Field::Subbands},
+                                                                        {Kind::Field, 2, 1, 1, Field::StopChannel},
+                                                                        {Kind::OnlyLeft, 3, -1, 2},
+                                                                        {Kind::OnlyRight, -1, 2}}));
+  EXPECT_EQ(FindDifferences(TableOfNames({"A", "B"}), TableOfNames({"B", "A"})),
+            std::vector<TableDifference>{{Kind::Order}});
+}
+
+TEST(FindDifferences, TellARenamedStandardAsRenamed) {
+  const SignalStandardTable left = TableOf({NamedRow("A"), NamedRow("S", 1), NamedRow("S(A)")});
+  const SignalStandardTable right = TableOf({NamedRow("T", 1), NamedRow("T(A)"), NamedRow("A")});
+  EXPECT_EQ(FindDifferences(left, right), (std::vector<TableDifference>{{Kind::Renamed, 1, 0}, {Kind::Order}}));
+  EXPECT_EQ(TableDifferences(left, right), (Lines{"- S", "+ T"}));
+}
+
+TEST(FindDifferences, TakeNothingForRenamedThatIsOtherwiseDifferent) {
+  const SignalStandardTable left = TableOf({NamedRow("S", 1), NamedRow("S(A)")});
+  const std::vector<TableDifference> apart = {{Kind::OnlyLeft, 0}, {Kind::OnlyRight, -1, 0}};
+  SignalStandardTable other = TableOf({NamedRow("T", 1), NamedRow("T(A)")});
+  EXPECT_EQ(FindDifferences(left, other).size(), 1U);
+  other.Row(1).StartChannel = 7;
+  EXPECT_EQ(FindDifferences(left, other), apart);
+  EXPECT_EQ(FindDifferences(left, TableOfNames({"T"})), apart);
+}
+
+TEST(FindDifferences, PairRenamedStandardsInTurn) {
+  EXPECT_EQ(FindDifferences(TableOfNames({"A", "B", "C"}), TableOfNames({"X", "Y"})),
+            (std::vector<TableDifference>{{Kind::Renamed, 0, 0}, {Kind::Renamed, 1, 1}, {Kind::OnlyLeft, 2}}));
+}
+
 TEST(RowDifferences, TellFieldsRowByRow) {
   const SignalStandardTable left = TableOfNames({"A", "B"});
   SignalStandardTable right = TableOfNames({"A", "C"});

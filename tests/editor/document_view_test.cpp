@@ -549,6 +549,29 @@ TEST_F(DocumentLayout, TitleBarKeepsTheEndOfALongCaptionAndTellsAllOfIt) {
   QToolTip::hideText();
 }
 
+// Whatever the file's name is, the caption stays it.
+TEST_F(DocumentLayout, TitleBarHasTheSignOfUnsavedChangesBehindTheCaption) {
+  for (const char* name : {"/a/plan.sig", "/a/plan[*].sig", "/a/[*][*]"}) {
+    const Document document = OpenEmpty(name);
+    const auto titleBar = [&] {
+      document.Window->resize(600, 400);
+      return document.Window->grab(QRect(0, 0, 600, document.Window->widget()->y())).toImage();
+    };
+    const QImage saved = titleBar();
+    document.Window->InsertBlank();
+    const QImage changed = titleBar();
+    EXPECT_NE(changed, saved);
+    EXPECT_EQ(document.Window->windowTitle(), name);
+    EXPECT_EQ(document.Window->accessibleDescription(), "Has unsaved changes");
+    document.State->Changed = false;
+    EXPECT_EQ(titleBar(), saved);
+    document.Window->setWindowTitle(QString(name) + "*");
+    EXPECT_EQ(titleBar(), changed) << "the sign is the platform's asterisk";
+    document.Window->setWindowTitle(name);
+    EXPECT_EQ(document.Window->accessibleDescription(), "");
+  }
+}
+
 // Also where the document is larger than what is seen of it.
 TEST_F(DocumentView, CurrentCellsAndNewRowsAreInSight) {
   window.resize(500, 250);
