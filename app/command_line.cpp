@@ -3,7 +3,6 @@
 #include <QFileInfo>
 
 #include "app/file_io.h"
-
 #include "core/text_encoding.h"
 
 namespace chanplan {
