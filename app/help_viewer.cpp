@@ -1,5 +1,6 @@
 #include "app/help_viewer.h"
 
+#include <QCryptographicHash>
 #include <QFile>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -12,6 +13,8 @@
 #include <QTextTable>
 #include <QVBoxLayout>
 #include <algorithm>
+
+#include "app/help_digest.h"
 
 namespace chanplan {
 namespace {
@@ -53,7 +56,8 @@ HelpResource::HelpResource(const QString& path, QString& failure) {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly))
     failure = path + ": " + file.errorString();
-  else if (!QResource::registerResource(path, Root))
+  else if (QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex() != HelpDigest ||
+           !QResource::registerResource(path, Root))
     failure = path + " is no help file of this program";
   else
     opened = path;

@@ -113,8 +113,14 @@ bool TransferCommand::Append() {
 
 bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
   QString text;
-  if (merged.Dropped > 0) text += QString("%1 records find no room in the unit. ").arg(merged.Dropped);
-  if (merged.Nameless > 0) text += QString("%1 records have no name and are left out. ").arg(merged.Nameless);
+  if (merged.Dropped > 0)
+    text +=
+        QString(merged.Dropped == 1 ? "%1 record finds no room in the unit. " : "%1 records find no room in the unit. ")
+            .arg(merged.Dropped);
+  if (merged.Nameless > 0)
+    text += QString(merged.Nameless == 1 ? "%1 record has no name and is left out. "
+                                         : "%1 records have no name and are left out. ")
+                .arg(merged.Nameless);
   if (text.isEmpty()) return true;
   text += merged.Dropped > 0 ? QString("Upload the first %1 all the same?").arg(MaxRecords)
                              : QString("Upload the others all the same?");

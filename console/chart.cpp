@@ -3,17 +3,19 @@
 
 namespace chanplan {
 
-void AddChartCommand(CLI::App& app, int& /*exitCode*/) {
+void AddChartCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("chart", "Draw a table's bands along the spectrum, as SVG");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
   command->add_option("FILE", files->first, "the table")->required();
   command->add_option("OUT", files->second, "where to write the chart")->required();
   const auto open = AddOpenOption(*command);
-  command->callback([files, open] {
+  command->callback([files, open, &exitCode] {
     const auto& [file, out] = *files;
     RefuseOwnTable(file, out);
     if (*open) RefuseToShow(out);
-    SaveBytes(out, ChartSvg(OpenTable(file), CaptionOf(file)));
+    const OpenedTable opened = OpenWithNotes(file);
+    SaveBytes(out, ChartSvg(opened.Table, CaptionOf(file)));
+    exitCode = ExitCodeOf(opened);
     if (*open) ShowFile(out);
   });
 }

@@ -3,18 +3,32 @@
 #include <algorithm>
 #include <iostream>
 
+#include "console/terminal.h"
 #include "core/file_system.h"
 #include "core/sig_file.h"
 #include "core/text_encoding.h"
 #include "core/validation.h"
 
 namespace chanplan {
+namespace {
+
+// Bytes that are no UTF-8 could move the cursor as control characters do.
+bool IsForATerminal(std::string_view bytes) {
+  return std::ranges::none_of(Utf32FromUtf8(bytes), [](char32_t code) {
+    const bool isLineOrTab = code == '\n' || code == '\r' || code == '\t';
+    return (code < 32 && !isLineOrTab) || (code >= 127 && code < 160) || code == U'\uFFFD';
+  });
+}
+
+}  // namespace
 
 std::string PrintedName(const std::filesystem::path& file) {
   return file == StandardStream ? "(standard input)" : file.string();
 }
 
 OpenedTable OpenQuietly(const std::filesystem::path& file) {
+  // What is printed would get into the table that is read.
+  RefuseOwnTable(file, StandardStream);
   ReadOutcome outcome = file == StandardStream ? ReadSigTable(std::cin) : LoadSigFile(file);
   if (!outcome.Ok()) throw CommandFailure(LoadErrorText(PrintedName(file), 0) + ": " + outcome.Reason);
   if (outcome.Truncated) Note(PrintedName(file) + ": " + std::string(FileTruncatedText));
@@ -28,11 +42,23 @@ OpenedTable OpenWithNotes(const std::filesystem::path& file) {
   return opened;
 }
 
-SignalStandardTable OpenTable(const std::filesystem::path& file) { return OpenWithNotes(file).Table; }
+int ExitCodeOf(const OpenedTable& opened) { return opened.RowsLeftOut > 0 ? ExitRowsLost : ExitDone; }
+
+void RefuseStandardInputTwice(const std::filesystem::path& one, const std::filesystem::path& other) {
+  if (one == StandardStream && other == StandardStream)
+    throw CommandFailure("standard input can be one of the two tables, not both");
+}
 
 int ExitCodeAfterLoss(int count) {
   if (count == 0) return ExitDone;
   Note(std::to_string(count) + (count == 1 ? " row was lost" : " rows were lost") + ": a table holds 200");
+  return ExitRowsLost;
+}
+
+int ExitCodeAfterMerge(int withoutRoom, int nameless) {
+  const int exitCode = ExitCodeAfterLoss(withoutRoom);
+  if (nameless == 0) return exitCode;
+  Note(std::to_string(nameless) + (nameless == 1 ? " row" : " rows") + " without a name had to be left out");
   return ExitRowsLost;
 }
 
@@ -74,10 +100,10 @@ void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file) {
 }
 
 void SaveBytes(const std::filesystem::path& out, std::string_view bytes) {
-  if (out == StandardStream)
-    std::cout << bytes;  // `main` sees to it that all of it arrives
-  else
-    FailUnlessSaved(out, ReplaceFile(out, bytes));
+  if (out != StandardStream) return FailUnlessSaved(out, ReplaceFile(out, bytes));
+  if (StandardOutputIsTerminal() && !IsForATerminal(bytes))
+    throw CommandFailure("a terminal cannot show all of it: name a file, or use a pipe");
+  std::cout << bytes;  // `main` sees to it that all of it arrives
 }
 
 void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {

@@ -55,8 +55,11 @@ OpenedTable OpenQuietly(const std::filesystem::path& file);
 /// As OpenQuietly, with the notes on standard error.
 OpenedTable OpenWithNotes(const std::filesystem::path& file);
 
-/// The table of OpenWithNotes.
-SignalStandardTable OpenTable(const std::filesystem::path& file);
+/// What a command that did its work on `opened` comes to.
+int ExitCodeOf(const OpenedTable& opened);
+
+/// Throws CommandFailure when two tables are to be read from standard input.
+void RefuseStandardInputTwice(const std::filesystem::path& one, const std::filesystem::path& other);
 
 /// Brings the sub-bands of `table` into line and writes it to `file`; throws CommandFailure.
 void SaveTableAs(SignalStandardTable table, const std::filesystem::path& file);
@@ -82,6 +85,9 @@ std::string PrintedText(std::string_view bytes);
 
 /// Says on standard error that `count` rows were lost; the command's exit status, in either case.
 int ExitCodeAfterLoss(int count);
+
+/// The same of a merge that left out `nameless` rows besides.
+int ExitCodeAfterMerge(int withoutRoom, int nameless);
 
 /// What a file or standard input is called in messages.
 std::string PrintedName(const std::filesystem::path& file);

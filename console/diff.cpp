@@ -16,6 +16,7 @@ void AddDiffCommand(CLI::App& app, int& exitCode) {
       "Exit status: 0 the tables are alike, 1 they differ, 2 a file could not be read, 3 they are alike as far as "
       "they were read.");
   command->callback([files, json, &exitCode] {
+    RefuseStandardInputTwice(files->first, files->second);
     const OpenedTable left = OpenWithNotes(files->first);
     const OpenedTable right = OpenWithNotes(files->second);
     const auto differences = TableDifferences(left.Table, right.Table);

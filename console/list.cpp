@@ -88,7 +88,7 @@ void AddListCommand(CLI::App& app, int& exitCode) {
   command->callback([file, json, &exitCode] {
     const OpenedTable opened = OpenWithNotes(*file);
     std::cout << (*json ? JsonText(opened.Table) : TableText(opened.Table));
-    exitCode = opened.RowsLeftOut > 0 ? ExitRowsLost : ExitDone;
+    exitCode = ExitCodeOf(opened);
   });
 }
 

@@ -48,6 +48,7 @@ void PrintFates(const SignalStandardTable& base, const SignalStandardTable& sour
 }
 
 int Merge(const MergeArguments& arguments) {
+  RefuseStandardInputTwice(arguments.Base, arguments.Source);
   const OpenedTable base = OpenWithNotes(arguments.Base);
   const OpenedTable source = OpenWithNotes(arguments.Source);
   const MergeOutcome merged = MergeWholeGroups(base.Table, source.Table, arguments.ReplaceMatching);
@@ -56,11 +57,7 @@ int Merge(const MergeArguments& arguments) {
   const bool outputIsTaken = !arguments.DryRun && arguments.Out == StandardStream;
   PrintFates(base.Table, source.Table, merged.Table, arguments.ReplaceMatching, outputIsTaken ? std::cerr : std::cout);
   if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-  const int exitCode = ExitCodeAfterLoss(base.RowsLeftOut + source.RowsLeftOut + merged.Dropped);
-  if (merged.Nameless == 0) return exitCode;
-  Note(std::to_string(merged.Nameless) + (merged.Nameless == 1 ? " row" : " rows") +
-       " without a name had to be left out");
-  return ExitRowsLost;
+  return ExitCodeAfterMerge(base.RowsLeftOut + source.RowsLeftOut + merged.Dropped, merged.Nameless);
 }
 
 }  // namespace

@@ -11,16 +11,17 @@ struct PrintArguments {
   PaperSize Paper = PaperSize::Letter;
 };
 
-void Print(const PrintArguments& arguments) {
+int Print(const PrintArguments& arguments) {
   RefuseOwnTable(arguments.File, arguments.Out);
-  const SignalStandardTable table = OpenTable(arguments.File);
+  const OpenedTable opened = OpenWithNotes(arguments.File);
   const auto application = MakePrintApplication();
-  SaveBytes(arguments.Out, PdfListing(table, CaptionOf(arguments.File), arguments.Paper));
+  SaveBytes(arguments.Out, PdfListing(opened.Table, CaptionOf(arguments.File), arguments.Paper));
+  return ExitCodeOf(opened);
 }
 
 }  // namespace
 
-void AddPrintCommand(CLI::App& app, int& /*exitCode*/) {
+void AddPrintCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("print", "Write a table's printed listing as PDF");
   const auto arguments = std::make_shared<PrintArguments>();
   command->add_option("FILE", arguments->File, "the table")->required();
@@ -31,7 +32,7 @@ void AddPrintCommand(CLI::App& app, int& /*exitCode*/) {
           [arguments](const std::string& name) { arguments->Paper = name == "a4" ? PaperSize::A4 : PaperSize::Letter; },
           "letter (unless another is named) or a4")
       ->transform(CLI::IsMember({"letter", "a4"}, CLI::ignore_case));
-  command->callback([arguments] { Print(*arguments); });
+  command->callback([arguments, &exitCode] { exitCode = Print(*arguments); });
 }
 
 }  // namespace chanplan

@@ -6,12 +6,14 @@
 
 namespace chanplan {
 
-void AddPropertiesCommand(CLI::App& app, int& /*exitCode*/) {
+void AddPropertiesCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("properties", "Print a summary of a table and its file");
   const auto file = std::make_shared<std::filesystem::path>();
   command->add_option("FILE", *file, "the table")->required();
-  command->callback([file] {
-    std::cout << HarmlessText(WithLfLineEnds(TableProperties(OpenTable(*file), CaptionOf(*file)))) << '\n';
+  command->callback([file, &exitCode] {
+    const OpenedTable opened = OpenWithNotes(*file);
+    std::cout << HarmlessText(WithLfLineEnds(TableProperties(opened.Table, CaptionOf(*file)))) << '\n';
+    exitCode = ExitCodeOf(opened);
   });
 }
 

@@ -3,17 +3,19 @@
 
 namespace chanplan {
 
-void AddReportCommand(CLI::App& app, int& /*exitCode*/) {
+void AddReportCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("report", "Write a table as an HTML report");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
   command->add_option("FILE", files->first, "the table")->required();
   command->add_option("OUT", files->second, "where to write the report")->required();
   const auto open = AddOpenOption(*command);
-  command->callback([files, open] {
+  command->callback([files, open, &exitCode] {
     const auto& [file, out] = *files;
     RefuseOwnTable(file, out);
     if (*open) RefuseToShow(out);
-    SaveBytes(out, ReportText(OpenTable(file), CaptionOf(file)));
+    const OpenedTable opened = OpenWithNotes(file);
+    SaveBytes(out, ReportText(opened.Table, CaptionOf(file)));
+    exitCode = ExitCodeOf(opened);
     if (*open) ShowFile(out);
   });
 }

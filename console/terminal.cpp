@@ -7,13 +7,19 @@
 #endif
 
 namespace chanplan {
+namespace {
 
-bool StandardErrorIsTerminal() {
+bool IsTerminal(int stream) {
 #ifdef _WIN32
-  return _isatty(2) != 0;
+  return _isatty(stream) != 0;
 #else
-  return isatty(STDERR_FILENO) != 0;
+  return isatty(stream) != 0;
 #endif
 }
+
+}  // namespace
+
+bool StandardOutputIsTerminal() { return IsTerminal(1); }
+bool StandardErrorIsTerminal() { return IsTerminal(2); }
 
 }  // namespace chanplan

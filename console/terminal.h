@@ -3,5 +3,6 @@
 namespace chanplan {
 
 bool StandardErrorIsTerminal();
+bool StandardOutputIsTerminal();
 
 }  // namespace chanplan

@@ -108,7 +108,9 @@ UnitSession::Moved UnitSession::Move(const std::function<TransferOutcome(Transfe
   } catch (const Interrupted&) {
     link.CloseCommPort();
     progress.Finish();
-    Note("the transfer was broken off");
+    Note(
+        "the transfer was broken off: a unit that waits for the rest of an upload needs some seconds, or to be "
+        "switched off and on");
     throw;
   }
 }

@@ -40,16 +40,17 @@ void Verify(UnitSession& session, std::string_view message) {
 void RefuseLosses(const UploadArguments& arguments, int withoutRoom, int nameless) {
   if (arguments.Truncate) return;
   if (withoutRoom > 0)
-    throw CommandFailure(std::to_string(withoutRoom) +
-                         " records find no room in the unit; nothing was sent (--truncate sends the first 200)");
+    throw CommandFailure(std::to_string(withoutRoom) + (withoutRoom == 1 ? " record finds" : " records find") +
+                         " no room in the unit; nothing was sent (--truncate sends the first 200)");
   if (nameless > 0)
-    throw CommandFailure(std::to_string(nameless) +
-                         " records have no name and would be left out; nothing was sent (--truncate leaves them out)");
+    throw CommandFailure(std::to_string(nameless) + (nameless == 1 ? " record has" : " records have") +
+                         " no name and would be left out; nothing was sent (--truncate allows it)");
 }
 
 int Upload(const UploadArguments& arguments) {
   const OpenedTable opened = OpenWithNotes(arguments.File);
   SignalStandardTable table = opened.Table;
+  int withoutRoom = opened.RowsLeftOut, nameless = 0;
   UnitSession session(arguments.Port);
   // A table that does not fit is refused before anything is said to the unit.
   std::string message = EncodeTable(table, UploadTag(0));
@@ -57,15 +58,17 @@ int Upload(const UploadArguments& arguments) {
   if (arguments.Append) {
     const UnitTable held = session.Download();
     const MergeOutcome merged = MergeWholeGroups(held.Table, table, arguments.ReplaceMatching);
+    withoutRoom += merged.Dropped;
+    nameless = merged.Nameless;
+    RefuseLosses(arguments, withoutRoom, nameless);
     if (merged.Truncated) Note(WithLfLineEnds(std::string(MergeTruncatedText)));
-    RefuseLosses(arguments, merged.Dropped + opened.RowsLeftOut, merged.Nameless);
     table = merged.Table;
     message = EncodeTable(table, UploadTag(held.UnitTableTag));
   }
   for (const std::string& loss : WireLosses(table)) Note(loss);
   session.Upload(message);
   if (arguments.Verify) Verify(session, message);
-  return arguments.Append ? ExitDone : ExitCodeAfterLoss(opened.RowsLeftOut);
+  return ExitCodeAfterMerge(withoutRoom, nameless);
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ class LineReader {
       ended = byte == '\n';
       if (!ended) line += Traits::to_char_type(byte);
     }
-    if (ended && line.ends_with('\r')) line.pop_back();
+    while (ended && line.ends_with('\r')) line.pop_back();  // more than one where line ends were converted twice
     if (line.size() > MaxLineLength) Fail(ReadFailure::LineTooLong, " is longer than 64 KiB");
     if (!ended && line.empty()) return std::nullopt;
     return line;
@@ -88,15 +88,17 @@ void NoteUnlessWhole(std::string_view text, double value, const LineReader& read
                   ShortestDecimal(value));
 }
 
-// Whether a lone CR in `line` stands where a row begins. A name may have one; nothing else of a row has.
+// Whether a lone CR in `line` stands where a row begins. A name may have one; nothing behind it has.
 bool HidesARow(std::string_view line, const LineReader& reader) {
   constexpr std::ptrdiff_t tabs = FieldCount - 1;
   std::size_t start = 0;
   for (std::size_t cr; (cr = line.find('\r', start)) != std::string_view::npos; start = cr + 1) {
     const std::string_view before = line.substr(start, cr - start), after = line.substr(cr + 1);
     const std::string_view next = after.substr(0, after.find('\r'));
-    const bool isWhole = reader.Number() == 1 || std::ranges::count(before, '\t') >= tabs;
-    if (isWhole && std::ranges::count(next, '\t') >= tabs) return true;
+    const bool isHeader = reader.Number() == 1;  // which may be anything
+    if (isHeader ? std::ranges::count(next, '\t') >= tabs
+                 : std::ranges::count(before, '\t') >= tabs && next.find('\t') != std::string_view::npos)
+      return true;
   }
   return false;
 }

@@ -26,6 +26,16 @@ bool IsNoFile(const QString& path) {
   return info.exists() && !info.isFile() && !info.isDir();
 }
 
+// "plan (2).sig" beside "plan.sig", or the next number that is free.
+QString FreeNameBeside(const QString& path) {
+  const QFileInfo info(path);
+  const QString type = info.suffix().isEmpty() ? "" : "." + info.suffix();
+  for (int number = 2;; ++number)
+    if (const QString name = QString("%1/%2 (%3)%4").arg(info.path(), info.completeBaseName()).arg(number).arg(type);
+        !QFileInfo::exists(name))
+      return name;
+}
+
 // What a reload changed, in lines that a message box has room for.
 QString DifferenceText(const SignalStandardTable& former, const SignalStandardTable& reloaded) {
   constexpr std::size_t shown = 20;
@@ -92,7 +102,7 @@ frmDocument::SaveResult frmDocument::Save(const QString& path) {
   if (answer == QMessageBox::Reset) return Reload(path);
   if (answer == QMessageBox::Save) return Write(path);
   if (answer != QMessageBox::SaveAll) return SaveResult::Failed;
-  const QString other = frame.PromptSaveFileName(path, ".sig");
+  const QString other = frame.PromptSaveFileName(FreeNameBeside(path), ".sig");
   return other.isEmpty() ? SaveResult::Failed : Write(other);
 }
 

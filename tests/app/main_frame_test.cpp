@@ -504,6 +504,19 @@ TEST_F(Help, FileThatIsNoneIsSaidToBeSo) {
             (Message{"Chanplans", InFolder("Chanplan.hlp") + " is no help file of this program", QMessageBox::NoIcon}));
 }
 
+TEST_F(Help, FileThatIsDamagedAnywhereIsRefused) {
+  const std::string whole = ReadFile(QCoreApplication::applicationDirPath().toStdString() + "/Chanplan.hlp");
+  Start();
+  for (const std::size_t place : {std::size_t{8}, std::size_t{40}, whole.size() / 2, whole.size() - 60}) {
+    std::string damaged = whole;
+    damaged[place] = static_cast<char>(~damaged[place]);
+    WriteFile(folder / "Chanplan.hlp", damaged);
+    AnswerMessage();
+    Choose("mnuHelpContents");
+    EXPECT_TRUE(messages.back().Text.endsWith("Chanplan.hlp is no help file of this program")) << place;
+  }
+}
+
 // The help that the programs come with.
 struct Guide : Help {
   void SetUp() override {
@@ -524,6 +537,16 @@ TEST_F(Guide, IsShownFromItsStart) {
   EXPECT_EQ(guide.verticalScrollBar()->value(), 0);
   EXPECT_FALSE(
       guide.document()->resource(QTextDocument::ImageResource, QUrl("images/upload.png")).value<QImage>().isNull());
+  // All pictures are in the file, so that none is looked for elsewhere.
+  int pictures = 0;
+  for (QTextBlock block = guide.document()->begin(); block.isValid(); block = block.next())
+    for (auto part = block.begin(); !part.atEnd(); ++part)
+      if (const QTextImageFormat format = part.fragment().charFormat().toImageFormat(); format.isValid()) {
+        ++pictures;
+        const QVariant image = guide.document()->resource(QTextDocument::ImageResource, QUrl(format.name()));
+        EXPECT_FALSE(image.value<QImage>().isNull()) << format.name().toStdString();
+      }
+  EXPECT_GT(pictures, 3);
   QListWidget& chapters = Get<QListWidget>("lstHelpChapters");
   ASSERT_GT(chapters.count(), 4);
   chapters.setCurrentRow(2);

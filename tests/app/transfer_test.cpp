@@ -275,7 +275,7 @@ TEST_F(Appending, ThatWouldDropRowsSendsNothingUnlessTheUserSaysSo) {
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuToolsUpload");
   ASSERT_EQ(messages.size(), 1u) << "nothing is said of a merge that was not wanted";
-  EXPECT_EQ(messages.back().Text, "1 records find no room in the unit. Upload the first 200 all the same?");
+  EXPECT_EQ(messages.back().Text, "1 record finds no room in the unit. Upload the first 200 all the same?");
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_EQ(ActiveNames().size(), 150) << "the unit's";
   EXPECT_FALSE(UnitGotATable());
@@ -292,7 +292,7 @@ TEST_F(Appending, AsksBeforeRowsWithoutANameAreLeftOut) {
       AnswerOptions(Choice::Append);
       AnswerMessage(answer);
       Choose("mnuToolsUpload");
-      EXPECT_EQ(messages.back().Text, "1 records have no name and are left out. Upload the others all the same?");
+      EXPECT_EQ(messages.back().Text, "1 record has no name and is left out. Upload the others all the same?");
       EXPECT_EQ(UnitGotATable(), answer == QMessageBox::Ok);
       EXPECT_EQ(Status(), answer == QMessageBox::Ok ? CompletedText(2) : CanceledText);
       for (auto& state : app->Registry.DocumentStates) state.Changed = false;

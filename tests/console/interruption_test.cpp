@@ -80,7 +80,10 @@ TEST(Interrupted, UploadIsBrokenOffWhenAskedTwice) {
   Interruption interruption;
   const ProgramRun run = interruption.Run({"upload", "table.sig"}, "is to receive a table", {SIGINT, SIGINT});
   EXPECT_EQ(run.ExitStatus, 130);
-  EXPECT_EQ(run.Errors, "chanplan: the transfer was broken off\nchanplan: interrupted\n");
+  EXPECT_EQ(
+      run.Errors,
+      "chanplan: the transfer was broken off: a unit that waits for the rest of an upload needs some seconds, or to be "
+      "switched off and on\nchanplan: interrupted\n");
   EXPECT_TRUE(interruption.Unit->WaitForOutput("upload ended early"));
   EXPECT_FALSE(fs::exists(interruption.Folder / "held.sig")) << "the unit keeps its table";
   interruption.ExpectServesTheNextProgram();

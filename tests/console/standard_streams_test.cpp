@@ -114,10 +114,44 @@ TEST(Output, IsNotTheTableBehindAStandardStreamEither) {
       EXPECT_EQ(run.ExitStatus, 2);
       EXPECT_EQ(ReadFile(chanplan.Folder / "plan.sig"), Plan);
     }
+  // Nor does anything that is printed get into the table that it is about.
+  for (const std::string& command : std::vector<std::string>{"list plan.sig", "check plan.sig", "save-as plan.sig -",
+                                                             "merge plan.sig plan.sig -", "properties plan.sig"}) {
+    SCOPED_TRACE(command);
+    const Chanplan chanplan;
+    WriteFile(chanplan.Folder / "plan.sig", Plan);
+    EXPECT_EQ(shell(chanplan, "\"$0\" " + command + " >> plan.sig").ExitStatus, 2);
+    EXPECT_EQ(ReadFile(chanplan.Folder / "plan.sig"), Plan);
+  }
   // A device may be both.
   const Chanplan chanplan;
   WriteFile(chanplan.Folder / "plan.sig", Plan);
   EXPECT_EQ(shell(chanplan, "cat plan.sig | \"$0\" chart - - | grep -c '</svg>'").Output, "1\n");
+}
+
+TEST(Output, GetsNoControlCharactersWhereItIsATerminal) {
+  for (const std::string name : {"A\x1B[31m",
+                                 "A\x9B"
+                                 "31m",
+                                 "A\x7F"}) {
+    const Chanplan chanplan;
+    WriteFile(chanplan.Folder / "plan.sig", SigText({"2|0|" + name + "|1|2|3|4|5|6|7"}));
+    RunOptions terminal;
+    terminal.Terminal = TerminalAt::Output;
+    for (const std::string& command : std::vector<std::string>{"save-as", "report", "print"}) {
+      const ProgramRun run = chanplan.Run({command, "plan.sig", "-"}, terminal);
+      EXPECT_EQ(run.Output, "") << command;
+      EXPECT_EQ(run.ExitStatus, 2) << command;
+    }
+    EXPECT_EQ(chanplan.Run({"save-as", "plan.sig", "-"}).ExitStatus, 0) << "a pipe may have anything";
+  }
+}
+
+TEST(Dash, IsOneOfTwoTablesAtMost) {
+  const Chanplan chanplan;
+  EXPECT_EQ(chanplan.Run({"diff", "-", "-"}).Errors,
+            "chanplan: standard input can be one of the two tables, not both\n");
+  EXPECT_EQ(chanplan.Run({"merge", "-", "-", "out.sig"}).ExitStatus, 2);
 }
 
 }  // namespace

@@ -506,14 +506,13 @@ TEST(Upload, ThatWouldDropRowsIsRefusedUnlessItIsWanted) {
   UnitWithTable unit(NumberedRows(199));
   WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(3, 200)));
   const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
-  EXPECT_EQ(refused.Errors, std::string(Truncated) +
-                                "chanplan: 2 records find no room in the unit; nothing was sent (--truncate sends the "
-                                "first 200)\n");
+  EXPECT_EQ(refused.Errors,
+            "chanplan: 2 records find no room in the unit; nothing was sent (--truncate sends the first 200)\n");
   EXPECT_EQ(refused.ExitStatus, 2);
   EXPECT_FALSE(unit.WasUploadedTo());
   const ProgramRun run = chanplan.Run({"upload", unit.Link(), "table.sig", "--append", "--truncate"});
-  EXPECT_EQ(run.Errors, Truncated);
-  EXPECT_EQ(run.ExitStatus, 0);
+  EXPECT_EQ(run.Errors, std::string(Truncated) + "chanplan: 2 rows were lost: a table holds 200\n");
+  EXPECT_EQ(run.ExitStatus, 3);
   EXPECT_EQ(unit.Held(), SigText(NumberedRows(200)));
   EXPECT_GE(run.Elapsed, 9605ms) << "every byte has a pause of a millisecond behind it";
 }
@@ -528,12 +527,13 @@ TEST(Upload, ThatWouldLeaveOutRowsWithoutANameIsRefusedUnlessItIsWanted) {
     WriteFile(chanplan.Folder / "table.sig", SigText(file));
     const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
     const auto count = std::ranges::count(held, nameless) + std::ranges::count(file, nameless);
-    EXPECT_EQ(refused.Errors, "chanplan: " + std::to_string(count) +
-                                  " records have no name and would be left out; nothing was sent (--truncate leaves "
-                                  "them out)\n");
+    EXPECT_EQ(refused.Errors, "chanplan: " + std::to_string(count) + (count == 1 ? " record has" : " records have") +
+                                  " no name and would be left out; nothing was sent (--truncate allows it)\n");
     EXPECT_EQ(refused.ExitStatus, 2);
     EXPECT_FALSE(unit.WasUploadedTo());
-    EXPECT_EQ(chanplan.Run({"upload", unit.Link(), "table.sig", "--append", "--truncate"}).ExitStatus, 0);
+    const ProgramRun allowed = chanplan.Run({"upload", unit.Link(), "table.sig", "--append", "--truncate"});
+    EXPECT_EQ(allowed.ExitStatus, 3);
+    EXPECT_NE(allowed.Errors.find(" without a name had to be left out\n"), std::string::npos) << allowed.Errors;
     EXPECT_TRUE(unit.WasUploadedTo());
     EXPECT_EQ(unit.Held().find("\t\t"), std::string::npos);
   }
@@ -560,7 +560,7 @@ TEST(Upload, AppendedFromAFileWithMoreThan200RowsIsRefusedWhateverTheUnitHolds) 
   const UnitWithTable unit(NumberedRows(2));
   WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(201)));
   const ProgramRun refused = chanplan.Run({"upload", unit.Link(), "table.sig", "--append"});
-  EXPECT_NE(refused.Errors.find("chanplan: 1 records find no room in the unit; nothing was sent"), std::string::npos)
+  EXPECT_NE(refused.Errors.find("chanplan: 1 record finds no room in the unit; nothing was sent"), std::string::npos)
       << refused.Errors;
   EXPECT_EQ(refused.ExitStatus, 2);
   EXPECT_FALSE(unit.WasUploadedTo());

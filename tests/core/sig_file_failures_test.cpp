@@ -129,6 +129,9 @@ TEST(ReadSigTable, FailsAsAWholeAndTellsTheLine) {
       {"one row of several that ends in a lone CR",
        Header + Row + "2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r" + Row, ReadFailure::LoneCarriageReturns, 3,
        "line 3: lines end in a lone CR"},
+      {"a row cut short behind a lone CR",
+       Header + "2\t0\tGSM\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\tnote\r2\t0\tGS\r\n" + Row,
+       ReadFailure::LoneCarriageReturns, 2, "line 2: lines end in a lone CR"},
       {"blank line at the end", Header + Row + "\r\n", fewFields, 3, "line 3 has 1 field"},
       {"blank line in the middle", Header + Row + "\r\n" + Row, fewFields, 3, "line 3 has 1 field"},
       {"blank line after the header", Header + "\n", fewFields, 2, "line 2 has 1 field"},
@@ -183,6 +186,13 @@ TEST(ReadSigTable, TellsTheRowsBeyondTheTwoHundredth) {
   EXPECT_EQ(Read(Header + Rows(200) + "\r\n\n\r\n").RowsLeftOut, 0);
   EXPECT_EQ(Read(Header + Rows(100'200)).RowsLeftOut, 100'000);
   EXPECT_EQ(Read(Header + Rows(201)).Notes, std::vector<std::string>{"1 row beyond the 200th was left out"});
+}
+
+TEST(ReadSigTable, TakesLineEndsThatWereConvertedTwice) {
+  const ReadOutcome outcome = Read("header\r\r\n2\t0\tA\t890.2\t935.2\t1\t124\t0.2\t0.2\t1\r\r\n");
+  ASSERT_TRUE(outcome.Ok()) << outcome.Reason;
+  EXPECT_EQ(outcome.Table.Row(0).Step, 1);
+  EXPECT_EQ(outcome.Notes, std::vector<std::string>());
 }
 
 TEST(ReadSigTable, KeepsALoneCarriageReturnInAName) {

@@ -66,8 +66,9 @@ TEST_F(ContextMenu, OfTheListOffersWhatBecomesOfStandards) {
   QMenu& menu = RightClick(document.List, 1);
   EXPECT_EQ(menu.objectName(), "mnuContextGridList");
   EXPECT_EQ(Items(menu, false), QStringList({"Undo Ctrl+Z", "Redo Ctrl+Shift+Z", "Cut Ctrl+X", "Copy Ctrl+C",
-                                             "Paste Ctrl+V", "Delete Del", "New Signal Standard Ctrl+W"}));
-  EXPECT_EQ(Items(menu, true), QStringList({"Cut Ctrl+X", "Copy Ctrl+C", "Delete Del", "New Signal Standard Ctrl+W"}));
+                                             "Paste Ctrl+V", "Delete Del", "New Signal Standard Ctrl+W", "Chart F8"}));
+  EXPECT_EQ(Items(menu, true),
+            QStringList({"Cut Ctrl+X", "Copy Ctrl+C", "Delete Del", "New Signal Standard Ctrl+W", "Chart F8"}));
   EXPECT_EQ(document.List->currentRow(), 1) << "it is about the row that was clicked";
 }
 
@@ -80,9 +81,10 @@ TEST_F(ContextMenu, OfValuesAndSubbandsOffersWhatBecomesOfThem) {
                            "Copy Ctrl+C",
                            "Paste Ctrl+V",
                            "Add Sub-band at the End",
-                           "Remove Last Sub-band"};
-  const QStringList possible = {"Edit F2", "Cut Ctrl+X", "Copy Ctrl+C", "Add Sub-band at the End",
-                                "Remove Last Sub-band"};
+                           "Remove Last Sub-band",
+                           "Chart F8"};
+  const QStringList possible = {
+      "Edit F2", "Cut Ctrl+X", "Copy Ctrl+C", "Add Sub-band at the End", "Remove Last Sub-band", "Chart F8"};
   for (Grid* grid : {document.Details, document.Bands}) {
     QMenu& menu = RightClick(grid, grid == document.Details ? UplinkRow : 1);
     EXPECT_EQ(menu.objectName(), "mnuContext" + grid->objectName());
@@ -92,21 +94,30 @@ TEST_F(ContextMenu, OfValuesAndSubbandsOffersWhatBecomesOfThem) {
   }
   document.Click(document.List, 1);
   QMenu& menu = RightClick(document.Details, ModulationRow);
-  EXPECT_EQ(Items(menu, true), QStringList({"Edit F2", "Copy Ctrl+C", "Add Sub-band at the End"}))
+  EXPECT_EQ(Items(menu, true), QStringList({"Edit F2", "Copy Ctrl+C", "Add Sub-band at the End", "Chart F8"}))
       << "a choice cannot be cut, and there is no sub-band to remove";
   EXPECT_FALSE(document.Modulation->isVisible());
+}
+
+TEST_F(ContextMenu, ShowsTheChart) {
+  const Document document = OpenPlan();
+  Choose(RightClick(document.List, 1), "mnuContextChart");
+  ASSERT_NE(document.Window->findChild<QWidget*>("ChartPanel"), nullptr);
+  EXPECT_TRUE(document.Window->findChild<QWidget*>("ChartPanel")->isVisible());
+  Choose(RightClick(document.List, 1), "mnuContextChart");
+  EXPECT_FALSE(document.Window->findChild<QWidget*>("ChartPanel")->isVisible());
 }
 
 TEST_F(ContextMenu, OfAnEmptyTableOffersANewStandard) {
   const Document document = OpenEmpty();
   QMenu& menu = AskedFor(*document.List, QContextMenuEvent::Keyboard, {});
-  EXPECT_EQ(Items(menu, true), QStringList({"New Signal Standard Ctrl+W"}));
+  EXPECT_EQ(Items(menu, true), QStringList({"New Signal Standard Ctrl+W", "Chart F8"}));
   Choose(menu, "mnuContextNewChanplan");
   EXPECT_EQ(NamesIn(document), Names({"[New Standard]"}));
   for (Grid* grid : {document.Details, document.Bands}) {
     document.Window->Undo();
     EXPECT_EQ(Items(AskedFor(*grid, QContextMenuEvent::Keyboard, {}), true),
-              QStringList({"Redo new standard Ctrl+Shift+Z"}));
+              QStringList({"Redo new standard Ctrl+Shift+Z", "Chart F8"}));
     Shown().close();
   }
 }
