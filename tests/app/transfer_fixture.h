@@ -136,7 +136,7 @@ class TransferTest : public AppTest {
       click(choice == Choice::Overwrite ? "optnReplace" : "optnAppend");
       if (choice == Choice::AppendAndReplace) click("chkReplace");
       for (const char* box : {"chkKeepCopy", "chkReadBack"})
-        if (dialog.findChild<QCheckBox*>(box)->isChecked() != boxes.contains(box)) click(box);
+        if (dialog.findChild<QAbstractButton*>(box)->isChecked() != boxes.contains(box)) click(box);
       click(choice == Choice::Cancel ? "bttnCancel" : "bttnUpload");
     });
   }
