@@ -143,7 +143,7 @@ bool TransferCommand::ReadAndKeep() {
   }
   if (!outcome.Done()) {
     const QString reason = QString::fromStdString(outcome.Message);
-    Warn(reason.isEmpty() ? QString(NothingUploadedText) : reason + "\n\n" + NothingUploadedText);
+    Say(reason.isEmpty() ? QString(NothingUploadedText) : reason + "\n\n" + NothingUploadedText, QMessageBox::Warning);
     return false;
   }
   return Keep();
@@ -155,9 +155,9 @@ bool TransferCommand::Keep() {
   if (held.Table.Count == 0) {
     kept = "The unit's table was empty: there was nothing to keep.";
   } else if (file.Failure.isEmpty()) {
-    kept = "The unit's former table is in " + file.Path + ".";
+    kept = "The unit's table from before is in " + file.Path + ".";
   } else {
-    kept = "The unit's former table was not kept.";
+    kept = "The unit's table from before was not kept.";
     const QString text = "The unit's table cannot be kept in " + file.Path + ".\n" + Sentence(file.Failure) +
                          "\n\nUpload the table all the same?";
     if (Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
@@ -227,7 +227,7 @@ TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
   held = {document.Table(), document.UnitTableTag};
   const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
   document.UnitTableTag = held.UnitTableTag;
-  ShowEnd(outcome, held.Table.Count);
+  ShowEnd(EndText(outcome, held.Table.Count));
   const bool received = outcome.Moved() && (outcome.Result == LinkTrue || outcome.Result == LinkFalse);
   if (received) document.ShowUnitTable(held.Table);
   FinishTransfer(link, outcome);
@@ -239,29 +239,35 @@ TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view
   const int records = document.Table().Count;  // it may be edited meanwhile
   const TransferOutcome outcome = RunUpload(link, message, Begin(), [this] { return flags.AbortRequested; });
   if (outcome.Moved()) document.UnitTableTag = UploadTag(document.UnitTableTag);
-  ShowEnd(outcome, records);
+  const QString end = EndText(outcome, records);
+  ShowEnd(end);
   const LinkResult sync = FinishTransfer(link, outcome);
   Tell(outcome);
   if (outcome.Done() && sync != LinkAck)
     ShowMessage(frame, WithKept(NotConfirmedText, "\n\n"), frame.ApplicationTitle(), QMessageBox::Warning);
   else if (outcome.Done() && flags.UploadReadBack)
     ReadBack(message, records);
+  else if (outcome.Message.empty() && !kept.isEmpty())
+    Say(end, QMessageBox::Information);
   return outcome;
 }
 
 // Compares with what went over the wire: what that is not like was said before.
 void TransferCommand::ReadBack(std::string_view message, int records) {
   const TransferOutcome outcome = flags.AbortRequested ? TransferOutcome() : Fetch();
-  if (flags.AbortRequested) return frame.ShowStatus(WithKept(QString(CanceledText) + NotComparedText, " "));
+  if (flags.AbortRequested) return Say(QString(CanceledText) + NotComparedText, QMessageBox::Information);
   if (!outcome.Done()) {
-    const QString reason = outcome.Message.empty() ? QString() : ": " + QString::fromStdString(outcome.Message);
-    return Warn("The unit confirmed the upload, but its table could not be read back to compare it" + reason);
+    const std::string reason = outcome.Message.empty() ? "not all of it came in time" : outcome.Message;
+    return Say("The unit confirmed the upload, but its table could not be read back to compare it: " +
+                   QString::fromStdString(reason),
+               QMessageBox::Warning);
   }
   const SignalStandardTable sent = SentTable(message);
   const std::vector<std::string> differences = RowDifferences(sent, held.Table);
   if (differences.empty())
-    return frame.ShowStatus(WithKept(CompletedText(records) + " The unit's table was read back: it is the same.", " "));
-  Warn("The unit's table is not the one that was sent:\n\n" + ListText(differences) + "\n\nUpload the table again.");
+    return Say(CompletedText(records) + " The unit's table was read back: it is the same.", QMessageBox::Information);
+  Say("The unit's table is not the one that was sent:\n\n" + ListText(differences) + "\n\nUpload the table again.",
+      QMessageBox::Warning);
   ShowDifferences(sent);
 }
 
@@ -284,10 +290,13 @@ TransferProgress& TransferCommand::Begin() {
   return *progress;
 }
 
-void TransferCommand::ShowEnd(const TransferOutcome& outcome, int records) {
-  const QString text = !outcome.Message.empty() ? QString::fromStdString(outcome.Message)
-                       : flags.AbortRequested   ? QString(CanceledText)
-                                                : CompletedText(records);
+QString TransferCommand::EndText(const TransferOutcome& outcome, int records) const {
+  return !outcome.Message.empty() ? QString::fromStdString(outcome.Message)
+         : flags.AbortRequested   ? QString(CanceledText)
+                                  : CompletedText(records);
+}
+
+void TransferCommand::ShowEnd(const QString& text) {
   frame.ShowStatus(WithKept(text, " "));
   progress->Finish();
 }
@@ -298,9 +307,10 @@ void TransferCommand::Tell(const TransferOutcome& outcome) {
                 QMessageBox::Information);
 }
 
-void TransferCommand::Warn(const QString& text) {
+// The status bar may have no room for all of it.
+void TransferCommand::Say(const QString& text, QMessageBox::Icon icon) {
   frame.ShowStatus(WithKept(text, " "));
-  ShowMessage(frame, WithKept(text, "\n\n"), frame.ApplicationTitle(), QMessageBox::Warning);
+  ShowMessage(frame, WithKept(text, "\n\n"), frame.ApplicationTitle(), icon);
 }
 
 // With every outcome: the former table may be needed now.

@@ -1,6 +1,7 @@
 // The commands that move a table between a document and the unit.
 #pragma once
 
+#include <QMessageBox>
 #include <QObject>
 #include <QPointer>
 #include <cstdint>
@@ -65,9 +66,10 @@ class TransferCommand : public QObject {
   bool ConfirmLeftOut(const MergeOutcome& merged);
   bool ConfirmLosses(const SignalStandardTable& table);
   TransferProgress& Begin();
-  void ShowEnd(const TransferOutcome& outcome, int records);
+  QString EndText(const TransferOutcome& outcome, int records) const;
+  void ShowEnd(const QString& text);
   void Tell(const TransferOutcome& outcome);
-  void Warn(const QString& text);
+  void Say(const QString& text, QMessageBox::Icon icon);
   QString WithKept(const QString& text, const char* between) const;
 
   CommandFrame& frame;
