@@ -17,6 +17,8 @@ void AppMain::Main(const QStringList& paths) {
   Frame = std::make_unique<frmMain>(*this);
   Link.CommPort = static_cast<std::int16_t>(Settings.Number(CommPortSetting, 1));
   Link.BaudRate = Settings.BaudRate().toStdString();
+  Transfers.UploadKeepCopy = Settings.Number(UploadKeepCopySetting, 0) != 0;
+  Transfers.UploadReadBack = Settings.Number(UploadReadBackSetting, 0) != 0;
   Frame->NewDocument();
   Recent.LoadRecentFiles();
   Frame->show();

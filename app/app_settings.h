@@ -29,10 +29,13 @@ inline constexpr NumberSetting MainHeightSetting = {"MainHeight", 0, 1e6, false}
 inline constexpr NumberSetting MainStateSetting = {"MainState", 0, 2, true};
 /// Whether documents open with their chart.
 inline constexpr NumberSetting ShowChartSetting = {"ShowChart", 0, 1, true};
+/// The upload options' boxes.
+inline constexpr NumberSetting UploadKeepCopySetting = {"UploadKeepCopy", 0, 1, true};
+inline constexpr NumberSetting UploadReadBackSetting = {"UploadReadBack", 0, 1, true};
 /// In the order in which they are kept and complained about.
-inline constexpr std::array<const NumberSetting*, 7> NumberSettings = {
-    &CommPortSetting,   &MainLeftSetting,  &MainTopSetting,  &MainWidthSetting,
-    &MainHeightSetting, &MainStateSetting, &ShowChartSetting};
+inline constexpr std::array<const NumberSetting*, 9> NumberSettings = {
+    &CommPortSetting,  &MainLeftSetting,  &MainTopSetting,        &MainWidthSetting,     &MainHeightSetting,
+    &MainStateSetting, &ShowChartSetting, &UploadKeepCopySetting, &UploadReadBackSetting};
 inline constexpr char BaudRateKey[] = "BaudRate";
 
 class AppSettings {

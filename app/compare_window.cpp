@@ -48,6 +48,7 @@ Texts TextsOf(const TableDifference& difference, const SignalStandardTable& left
 }  // namespace
 
 QString ComparedTable::Name() const {
+  if (!Title.isEmpty()) return Title;
   const QString caption = Document != nullptr ? Document->windowTitle() : File;
   const QString name = QFileInfo(caption).isAbsolute() ? QFileInfo(caption).fileName() : caption;
   return Document != nullptr ? name : name + " on the disk";
@@ -126,7 +127,9 @@ void CompareWindow::changeEvent(QEvent* event) {
 }
 
 void CompareWindow::ShowNames() {
-  const QString rightName = right.Document != nullptr ? right.Document->windowTitle() : right.File + " (on the disk)";
+  const QString rightName = right.Document != nullptr ? right.Document->windowTitle()
+                            : right.File.isEmpty()    ? right.Title
+                                                      : right.File + " (on the disk)";
   lblCompare->setText(left.Document->windowTitle() + "\n" + rightName);
   lstDifferences->setHorizontalHeaderLabels({"Signal Standard", "Difference", left.Name(), right.Name()});
 }
@@ -177,7 +180,8 @@ void CompareWindow::GoTo(int row, int column) {
   const bool toRight = rightOpen && (column == RightColumn || difference.Left < 0);
   if (!toRight && difference.Left < 0) {
     if (difference.Right >= 0)
-      frame.ShowStatus(PlaceText(difference, left.Rows(), right.Rows()) + " is only in the file.");
+      frame.ShowStatus(PlaceText(difference, left.Rows(), right.Rows()) + " is only in " +
+                       (right.File.isEmpty() ? right.Title : "the file") + ".");
     return;
   }
   DocumentWindow& document = toRight ? *right.Document : *left.Document;

@@ -12,12 +12,13 @@
 
 namespace chanplan {
 
-/// One side of a comparison: a document that is open, or a file as it is on the disk.
+/// One side of a comparison: a document that is open, a file as it is on the disk, or a table that stays as it is.
 struct ComparedTable {
   QPointer<DocumentWindow> Document;
   QString File = {};               ///< where there is no document
-  SignalStandardTable Table = {};  ///< of the file, as it was read last
+  SignalStandardTable Table = {};  ///< of the file, as it was read last, or what stays
   std::optional<FileStamp> Read = {};
+  QString Title = {};  ///< of a table that is neither a document's nor a file's
 
   /// As validation leaves them: units and files may have other names for sub-bands, which are not shown.
   SignalStandardTable Rows() const;

@@ -329,6 +329,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
   SavePlacement(*this, app.Settings);
   app.Settings.SetNumber(CommPortSetting, app.Link.CommPort);
   app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));
+  app.Settings.SetNumber(UploadKeepCopySetting, app.Transfers.UploadKeepCopy ? 1 : 0);
+  app.Settings.SetNumber(UploadReadBackSetting, app.Transfers.UploadReadBack ? 1 : 0);
   if (!app.Settings.Write())
     ShowMessage(
         *this,

@@ -13,7 +13,9 @@ frmUploadOptns::frmUploadOptns(QWidget* parent, TransferFlags& transferFlags)
       flags(transferFlags),
       optnAppend(new QRadioButton("&Append to it")),
       optnReplace(new QRadioButton("&Overwrite it")),
-      chkReplace(new QCheckBox("Replace matching signal standards")) {
+      chkReplace(new QCheckBox("Replace matching signal standards")),
+      chkKeepCopy(new QCheckBox("Keep a copy of the unit's table")),
+      chkReadBack(new QCheckBox("Read back and compare")) {
   setObjectName("frmUploadOptns");
   setWindowTitle("Upload Signal Standards");
   auto* prompt = new QLabel("What do you want to do with the existing Signal Standard Table?");
@@ -21,6 +23,12 @@ frmUploadOptns::frmUploadOptns(QWidget* parent, TransferFlags& transferFlags)
   optnAppend->setObjectName("optnAppend");
   optnReplace->setObjectName("optnReplace");
   chkReplace->setObjectName("chkReplace");
+  chkKeepCopy->setObjectName("chkKeepCopy");
+  chkKeepCopy->setToolTip("Reads the unit's table first, into a dated file in your documents folder");
+  chkKeepCopy->setChecked(flags.UploadKeepCopy);
+  chkReadBack->setObjectName("chkReadBack");
+  chkReadBack->setToolTip("Reads the unit's table afterwards, and shows what is not as it was sent");
+  chkReadBack->setChecked(flags.UploadReadBack);
   auto* upload = new QPushButton("&Upload");
   upload->setObjectName("bttnUpload");
   upload->setDefault(true);
@@ -42,6 +50,9 @@ frmUploadOptns::frmUploadOptns(QWidget* parent, TransferFlags& transferFlags)
   column->addLayout(indented);
   column->addWidget(optnReplace);
   column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+  column->addWidget(chkKeepCopy);
+  column->addWidget(chkReadBack);
+  column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
   column->addLayout(buttons);
 
   connect(optnAppend, &QRadioButton::toggled, chkReplace, &QCheckBox::setEnabled);
@@ -55,6 +66,8 @@ void frmUploadOptns::accept() {
   flags.AbortRequested = false;
   flags.UploadAppend = optnAppend->isChecked();
   flags.UploadReplaceMatching = chkReplace->isChecked();
+  flags.UploadKeepCopy = chkKeepCopy->isChecked();
+  flags.UploadReadBack = chkReadBack->isChecked();
   QDialog::accept();
 }
 

@@ -24,6 +24,8 @@ class frmUploadOptns : public QDialog {
   QRadioButton* optnAppend;
   QRadioButton* optnReplace;
   QCheckBox* chkReplace;
+  QCheckBox* chkKeepCopy;
+  QCheckBox* chkReadBack;
 };
 
 }  // namespace chanplan

@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QKeyEvent>
 
+#include "app/compare_window.h"
 #include "app/frm_upload_optns.h"
+#include "app/kept_table.h"
 #include "editor/messages.h"
 #include "editor/text_edge.h"
 #include "unit/unit_connection.h"
@@ -19,6 +21,17 @@ constexpr char NothingUploadedText[] =
 constexpr char NotConfirmedText[] =
     "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
     "the cable sits, and upload the table again.";
+
+constexpr char NotComparedText[] = " The table was uploaded, but not read back to compare it.";
+
+// The first of `lines`, one below the other: a message box has no room for many.
+QString ListText(const std::vector<std::string>& lines) {
+  constexpr qsizetype longestList = 10;
+  QStringList texts;
+  for (const std::string& line : lines) texts += QString::fromStdString(line);
+  if (texts.size() > longestList) texts = texts.mid(0, longestList) << "...";
+  return texts.join('\n');
+}
 
 QString CompletedText(int records) {
   return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
@@ -63,7 +76,7 @@ void TransferCommand::Upload(DocumentWindow& document) {
   if (!Connect()) return;
   frmUploadOptns(&frame, flags).exec();
   if (flags.AbortRequested) return;
-  if (flags.UploadAppend && !Append()) return;
+  if (flags.UploadAppend ? !Append() : flags.UploadKeepCopy && !ReadAndKeep()) return;
   const std::optional<std::string> message = Encode(*moved);
   if (message && ConfirmLosses(moved->Table())) Send(*moved, *message);
 }
@@ -106,9 +119,55 @@ bool TransferCommand::Append() {
     if (outcome->UnitAnswered) ShowMessage(frame, NothingUploadedText, frame.ApplicationTitle(), QMessageBox::Warning);
     return false;
   }
+  if (flags.UploadKeepCopy && !Keep()) return false;
   const bool merged = MergeTables(*moved, *added);
   if (!merged) frame.ShowStatus(CanceledText);
   return merged;
+}
+
+// Where the unit's table comes into no document.
+TransferOutcome TransferCommand::Fetch() {
+  held = {};
+  const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
+  progress->Finish();
+  FinishTransfer(link, outcome);
+  return outcome;
+}
+
+// False when nothing is to be uploaded.
+bool TransferCommand::ReadAndKeep() {
+  const TransferOutcome outcome = Fetch();
+  if (flags.AbortRequested) {
+    frame.ShowStatus(CanceledText);
+    return false;
+  }
+  if (!outcome.Done()) {
+    const QString reason = QString::fromStdString(outcome.Message);
+    Say(reason.isEmpty() ? QString(NothingUploadedText) : reason + "\n\n" + NothingUploadedText, QMessageBox::Warning);
+    return false;
+  }
+  return Keep();
+}
+
+// Puts what was read into a file. False when nothing is to be uploaded.
+bool TransferCommand::Keep() {
+  const KeptTable file = held.Table.Count == 0 ? KeptTable() : KeepTable(held.Table, QDateTime::currentDateTime());
+  if (held.Table.Count == 0) {
+    kept = "The unit's table was empty: there was nothing to keep.";
+  } else if (file.Failure.isEmpty()) {
+    kept = "The unit's table from before is in " + file.Path + ".";
+  } else {
+    kept = "The unit's table from before was not kept.";
+    const QString text = "The unit's table cannot be kept in " + file.Path + ".\n" + Sentence(file.Failure) +
+                         "\n\nUpload the table all the same?";
+    if (Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
+            QMessageBox::Cancel) != QMessageBox::Ok) {
+      frame.ShowStatus(CanceledText);
+      return false;
+    }
+  }
+  frame.ShowStatus(kept);
+  return true;
 }
 
 bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
@@ -154,17 +213,12 @@ std::optional<std::string> TransferCommand::Encode(DocumentWindow& document) {
 }
 
 bool TransferCommand::ConfirmLosses(const SignalStandardTable& table) {
-  constexpr std::size_t longestList = 10;
-  std::vector<std::string> losses = WireLosses(table);
+  const std::vector<std::string> losses = WireLosses(table);
   if (losses.empty()) return true;
-  if (losses.size() > longestList) {
-    losses.resize(longestList);
-    losses.push_back("...");
-  }
-  QString text = "The unit cannot hold these values as they stand in the table:\n";
-  for (const std::string& loss : losses) text += "\n" + QString::fromStdString(loss);
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text + "\n\nUpload the table all the same?",
-             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+  const QString text = "The unit cannot hold these values as they stand in the table:\n\n" + ListText(losses) +
+                       "\n\nUpload the table all the same?";
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel) ==
+         QMessageBox::Ok;
 }
 
 bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
@@ -176,10 +230,10 @@ bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
 // The table is on the screen before the end of the exchange is waited for.
 TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
   document.CommitEdit();
-  UnitTable held{document.Table(), document.UnitTableTag};
+  held = {document.Table(), document.UnitTableTag};
   const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
   document.UnitTableTag = held.UnitTableTag;
-  ShowEnd(outcome, held.Table.Count);
+  ShowEnd(EndText(outcome, held.Table.Count));
   const bool received = outcome.Moved() && (outcome.Result == LinkTrue || outcome.Result == LinkFalse);
   if (received) document.ShowUnitTable(held.Table);
   FinishTransfer(link, outcome);
@@ -191,12 +245,47 @@ TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view
   const int records = document.Table().Count;  // it may be edited meanwhile
   const TransferOutcome outcome = RunUpload(link, message, Begin(), [this] { return flags.AbortRequested; });
   if (outcome.Moved()) document.UnitTableTag = UploadTag(document.UnitTableTag);
-  ShowEnd(outcome, records);
+  const QString end = EndText(outcome, records);
+  ShowEnd(end);
   const LinkResult sync = FinishTransfer(link, outcome);
   Tell(outcome);
   if (outcome.Done() && sync != LinkAck)
-    ShowMessage(frame, NotConfirmedText, frame.ApplicationTitle(), QMessageBox::Warning);
+    ShowMessage(frame, WithKept(NotConfirmedText, "\n\n"), frame.ApplicationTitle(), QMessageBox::Warning);
+  else if (outcome.Done() && flags.UploadReadBack)
+    ReadBack(message, records);
+  else if (outcome.Message.empty() && !kept.isEmpty())
+    Say(end, QMessageBox::Information);
   return outcome;
+}
+
+// Compares with what went over the wire: what that is not like was said before.
+void TransferCommand::ReadBack(std::string_view message, int records) {
+  const TransferOutcome outcome = flags.AbortRequested ? TransferOutcome() : Fetch();
+  if (flags.AbortRequested) return Say(QString(CanceledText) + NotComparedText, QMessageBox::Information);
+  if (!outcome.Done()) {
+    const std::string reason = outcome.Message.empty() ? "not all of it came in time" : outcome.Message;
+    return Say("The unit confirmed the upload, but its table could not be read back to compare it: " +
+                   QString::fromStdString(reason),
+               QMessageBox::Warning);
+  }
+  const SignalStandardTable sent = SentTable(message);
+  const std::vector<std::string> differences = RowDifferences(sent, held.Table);
+  if (differences.empty())
+    return Say(CompletedText(records) + " The unit's table was read back: it is the same.", QMessageBox::Information);
+  Say("The unit's table is not the one that was sent:\n\n" + ListText(differences) + "\n\nUpload the table again.",
+      QMessageBox::Warning);
+  ShowDifferences(sent);
+}
+
+// The unit's table comes into a document, as after a download. Values that are not a sub-band's own are its
+// standard's there: what differs in those alone, the message has said.
+void TransferCommand::ShowDifferences(const SignalStandardTable& sent) {
+  DocumentWindow& document = frame.CreateDocument(false, "Untitled(Query) ");
+  document.UnitTableTag = held.UnitTableTag;
+  document.ShowUnitTable(held.Table);
+  frame.ShowDocument(document);
+  const ComparedTable right{nullptr, {}, sent, {}, "the sent table"};
+  if (!FindDifferences(ComparedTable{&document}.Rows(), right.Rows()).empty()) Compare(frame, document, right);
 }
 
 TransferProgress& TransferCommand::Begin() {
@@ -207,16 +296,32 @@ TransferProgress& TransferCommand::Begin() {
   return *progress;
 }
 
-void TransferCommand::ShowEnd(const TransferOutcome& outcome, int records) {
-  frame.ShowStatus(!outcome.Message.empty() ? QString::fromStdString(outcome.Message)
-                   : flags.AbortRequested   ? QString(CanceledText)
-                                            : CompletedText(records));
+QString TransferCommand::EndText(const TransferOutcome& outcome, int records) const {
+  return !outcome.Message.empty() ? QString::fromStdString(outcome.Message)
+         : flags.AbortRequested   ? QString(CanceledText)
+                                  : CompletedText(records);
+}
+
+void TransferCommand::ShowEnd(const QString& text) {
+  frame.ShowStatus(WithKept(text, " "));
   progress->Finish();
 }
 
 void TransferCommand::Tell(const TransferOutcome& outcome) {
   if (!outcome.Message.empty())
-    ShowMessage(frame, QString::fromStdString(outcome.Message), frame.ApplicationTitle(), QMessageBox::Information);
+    ShowMessage(frame, WithKept(QString::fromStdString(outcome.Message), "\n\n"), frame.ApplicationTitle(),
+                QMessageBox::Information);
+}
+
+// The status bar may have no room for all of it.
+void TransferCommand::Say(const QString& text, QMessageBox::Icon icon) {
+  frame.ShowStatus(WithKept(text, " "));
+  ShowMessage(frame, WithKept(text, "\n\n"), frame.ApplicationTitle(), icon);
+}
+
+// With every outcome: the former table may be needed now.
+QString TransferCommand::WithKept(const QString& text, const char* between) const {
+  return kept.isEmpty() ? text : text + between + kept;
 }
 
 void TransferCommand::Abort() {

@@ -1,6 +1,7 @@
 // The commands that move a table between a document and the unit.
 #pragma once
 
+#include <QMessageBox>
 #include <QObject>
 #include <QPointer>
 #include <cstdint>
@@ -56,12 +57,20 @@ class TransferCommand : public QObject {
   bool Connect();
   std::optional<TransferOutcome> ReceiveInNewDocument(bool newSlotRequested);
   bool Append();
+  bool ReadAndKeep();
+  bool Keep();
+  void ReadBack(std::string_view message, int records);
+  void ShowDifferences(const SignalStandardTable& sent);
+  TransferOutcome Fetch();
   std::optional<std::string> Encode(DocumentWindow& document);
   bool ConfirmLeftOut(const MergeOutcome& merged);
   bool ConfirmLosses(const SignalStandardTable& table);
   TransferProgress& Begin();
-  void ShowEnd(const TransferOutcome& outcome, int records);
+  QString EndText(const TransferOutcome& outcome, int records) const;
+  void ShowEnd(const QString& text);
   void Tell(const TransferOutcome& outcome);
+  void Say(const QString& text, QMessageBox::Icon icon);
+  QString WithKept(const QString& text, const char* between) const;
 
   CommandFrame& frame;
   UnitLink& link;
@@ -71,6 +80,8 @@ class TransferCommand : public QObject {
   frmInProgress* progress;         // the frame's one; null until it is first needed
   QPointer<DocumentWindow> moved;  // whose table goes to the unit or comes from it
   QPointer<DocumentWindow> added;  // what an upload adds to the unit's table in `moved`
+  UnitTable held;                  // what was read last
+  QString kept;                    // what became of the unit's table, where a copy was wanted
 };
 
 }  // namespace chanplan

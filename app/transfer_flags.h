@@ -8,6 +8,8 @@ struct TransferFlags {
   bool AbortRequested = false;         ///< the user wants the operation stopped
   bool UploadAppend = false;           ///< the table is added to the unit's instead of replacing it
   bool UploadReplaceMatching = false;  ///< when adding: the table's standards replace those of the same name
+  bool UploadKeepCopy = false;         ///< the unit's table goes into a file first
+  bool UploadReadBack = false;         ///< the unit's table is read and compared afterwards
 };
 
 }  // namespace chanplan

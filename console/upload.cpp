@@ -28,9 +28,7 @@ SignalStandardTable ReadBack(UnitSession& session) {
 
 // Compares with what went over the wire: what that is not like was said before.
 void Verify(UnitSession& session, std::string_view message) {
-  UnitTable sent;
-  DecodeTable(message, sent);
-  const auto differences = RowDifferences(sent.Table, ReadBack(session));
+  const auto differences = RowDifferences(SentTable(message), ReadBack(session));
   if (differences.empty()) return;
   for (const std::string& line : differences) Note(line);
   throw CommandFailure("the unit's table is not the one that was sent: upload it again");

@@ -97,6 +97,12 @@ bool DecodeTable(std::string_view reply, UnitTable& held) {
   return true;
 }
 
+SignalStandardTable SentTable(std::string_view message) {
+  UnitTable sent;
+  DecodeTable(message, sent);
+  return sent.Table;
+}
+
 LinkResult Query_Chanplans(UnitLink& link, UnitTable& held, TransferProgress& progress) {
   std::string reply;
   LinkResult result = ReadTable(link, reply, progress, true);

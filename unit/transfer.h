@@ -32,6 +32,9 @@ struct UnitTable {
 /// False when there are more than 200 records; the first 200 are kept.
 bool DecodeTable(std::string_view message, UnitTable& held);
 
+/// The table that a unit has once it took `message`, as it is read back from it.
+SignalStandardTable SentTable(std::string_view message);
+
 /// Reads the unit's table into `held`. LinkTrue; LinkTimeout when the reply was not complete in
 /// 30000 ms and LinkUnrest when more came than it announces, also when asked again, which both leave `held` as it was;
 /// LinkFalse when the unit sent more than 200 records, of which the first 200 are kept.

@@ -150,7 +150,7 @@ class Tour {
   }
 
   void UploadItToTheUnit() {
-    Upload("optnReplace", "upload-options");
+    Upload("optnReplace", false, "upload-options");
     Must(Panel1() == "Process complete.  Transfered 5 signal standards (including sub-bands).", "all rows were sent");
     Done("Upload it to the unit");
   }
@@ -158,7 +158,12 @@ class Tour {
   void AppendAnotherTable() {
     frame.ShowDocument(*app.Registry.Document(1));
     Must(Document().windowTitle() == "Factory Default (Read-Only)", "the factory table is active");
-    Upload("optnAppend", "");
+    Upload("optnAppend", true, "safe-upload");
+    Must(Panel1().contains("it is the same. The unit's table from before is in " + folder + "/documents/Unit "),
+         "the unit's table was kept and read back");
+    const QStringList kept = QDir(folder + "/documents").entryList({"Unit *.sig"});
+    Must(kept.size() == 1, "there is one copy");
+    Must(LoadSigFile((folder + "/documents/" + kept[0]).toStdString()).Table.Count == 5, "it is what the unit had");
     Must(Document().windowTitle().startsWith("Untitled(Query) "), "the merged table has a document of its own");
     Must(List().CellText(0, 1) == "Tour" && List().rowCount() > 20, "it holds both tables");
     Done("Append another table to the unit's");
@@ -190,7 +195,7 @@ class Tour {
     std::puts("Close everything: done");
   }
 
-  void Upload(const char* option, const QString& picture) {
+  void Upload(const char* option, bool safely, const QString& picture) {
     bool progressSeen = false;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
@@ -200,13 +205,26 @@ class Tour {
       QTimer::singleShot(150, &frame, [this] { TakePicture("progress"); });
     });
     watch.start(20);
-    InDialog<frmUploadOptns>(
-        [&](frmUploadOptns& options) {
-          options.findChild<QRadioButton*>(option)->setChecked(true);
-          if (!picture.isEmpty()) Picture(picture);
-          QTest::mouseClick(options.findChild<QPushButton*>("bttnUpload"), Qt::LeftButton);
-        },
-        [this] { Menu("mnuTools", "mnuToolsUpload"); });
+    const auto upload = [&] {
+      InDialog<frmUploadOptns>(
+          [&](frmUploadOptns& options) {
+            options.findChild<QRadioButton*>(option)->setChecked(true);
+            for (const char* box : {"chkKeepCopy", "chkReadBack"})
+              options.findChild<QCheckBox*>(box)->setChecked(safely);
+            Picture(picture);
+            QTest::mouseClick(options.findChild<QPushButton*>("bttnUpload"), Qt::LeftButton);
+          },
+          [this] { Menu("mnuTools", "mnuToolsUpload"); });
+    };
+    if (safely)
+      InDialog<QMessageBox>(
+          [this](QMessageBox& box) {
+            Picture("outcome");
+            QTest::mouseClick(box.button(QMessageBox::Ok), Qt::LeftButton);
+          },
+          upload);
+    else
+      upload();
     Must(progressSeen, "the progress is shown");
   }
 
@@ -332,6 +350,12 @@ int main(int argc, char* argv[]) {
   // A profile of its own, in which the simulated unit is COM 1.
   const QString unitLink = folder + "/unit";
   qputenv("XDG_CONFIG_HOME", (folder + "/profile").toUtf8());
+  QDir(folder + "/documents").removeRecursively();
+  QDir().mkpath(folder + "/documents");
+  QDir().mkpath(folder + "/profile");
+  QFile folders(folder + "/profile/user-dirs.dirs");
+  if (folders.open(QIODevice::WriteOnly)) folders.write(("XDG_DOCUMENTS_DIR=\"" + folder + "/documents\"\n").toUtf8());
+  folders.close();
   QSettings(QString::fromStdString(SettingsFile()), QSettings::IniFormat).setValue("Settings/CommDevice1", unitLink);
   QProcess unit;
   unit.start(QCoreApplication::applicationDirPath() + "/handheld-simulator", {"--link", unitLink, "--baud", "9600"});

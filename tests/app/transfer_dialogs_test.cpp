@@ -271,11 +271,12 @@ TEST_F(OptionsDialog, KeyboardAloneDoesEverything) {
   Start({TableFile("mine.sig", NumberedRows(1))});
   Answer([this](QWidget& dialog) {
     QStringList order;
-    for (int step = 0; step < 4; ++step) {
+    for (int step = 0; step < 6; ++step) {
       order += QApplication::focusWidget()->objectName();
       Key(Qt::Key_Tab);
     }
-    EXPECT_EQ(order, QStringList({"optnAppend", "chkReplace", "bttnUpload", "bttnCancel"}));
+    EXPECT_EQ(order,
+              QStringList({"optnAppend", "chkReplace", "chkKeepCopy", "chkReadBack", "bttnUpload", "bttnCancel"}));
     QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
     EXPECT_TRUE(QTest::qWaitFor([&dialog] { return In<QRadioButton>(dialog, "optnReplace").isChecked(); }));
     QTest::keyClick(&dialog, Qt::Key_U, Qt::AltModifier);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -15,13 +16,18 @@
 
 namespace chanplan::testing {
 
-/// A serial port that knows when the last byte moved and which numbers it was opened by.
+/// A serial port that knows what was sent, when the last byte moved and which numbers it was opened by. Its line can
+/// be noisy.
 class WatchedPort : public QtSerialPort {
  public:
   using QtSerialPort::QtSerialPort;
 
   std::chrono::steady_clock::time_point LastByte = std::chrono::steady_clock::now();
   std::vector<int> Numbers;
+  std::string Sent;
+  int NoiseAt = -1;  ///< which byte behind a command arrives with its last bits turned over, counted from 0 ...
+  int NoiseEvery = std::numeric_limits<int>::max();  ///< ... and so many bytes on again
+  char NoiseBits = 1;
 
   void SetPortNumber(int number) override {
     Numbers.push_back(number);
@@ -30,13 +36,21 @@ class WatchedPort : public QtSerialPort {
 
   void TransmitCommChar(std::intptr_t handle, char byte) override {
     LastByte = std::chrono::steady_clock::now();
+    Sent += byte;
+    received = 0;
     QtSerialPort::TransmitCommChar(handle, byte);
   }
   std::string ReadInput() override {
     std::string input = QtSerialPort::ReadInput();
     if (!input.empty()) LastByte = std::chrono::steady_clock::now();
+    for (char& byte : input)
+      if (const int place = received++ - NoiseAt; NoiseAt >= 0 && place >= 0 && place % NoiseEvery == 0)
+        byte = static_cast<char>(byte ^ NoiseBits);
     return input;
   }
+
+ private:
+  int received = 0;  // since the last byte was sent
 };
 
 class TransferTest : public AppTest {
@@ -111,8 +125,9 @@ class TransferTest : public AppTest {
   }
 
   enum class Choice { Overwrite, Append, AppendAndReplace, Cancel };
-  void AnswerOptions(Choice choice) {
-    Answer([choice](QWidget& dialog) {
+  /// `boxes` are checked, those that are about no choice are not otherwise.
+  void AnswerOptions(Choice choice, const QStringList& boxes = {}) {
+    Answer([choice, boxes](QWidget& dialog) {
       EXPECT_EQ(dialog.objectName(), "frmUploadOptns");
       const auto click = [&dialog](const char* name) {
         auto* button = dialog.findChild<QAbstractButton*>(name);
@@ -120,6 +135,8 @@ class TransferTest : public AppTest {
       };
       click(choice == Choice::Overwrite ? "optnReplace" : "optnAppend");
       if (choice == Choice::AppendAndReplace) click("chkReplace");
+      for (const char* box : {"chkKeepCopy", "chkReadBack"})
+        if (dialog.findChild<QAbstractButton*>(box)->isChecked() != boxes.contains(box)) click(box);
       click(choice == Choice::Cancel ? "bttnCancel" : "bttnUpload");
     });
   }
