@@ -121,7 +121,7 @@ bool TransferCommand::Append() {
   }
   if (flags.UploadKeepCopy && !Keep()) return false;
   const bool merged = MergeTables(*moved, *added);
-  if (!merged) frame.ShowStatus(CanceledText);
+  if (!merged) frame.ShowStatus(WithKept(CanceledText, " "));
   return merged;
 }
 
@@ -205,9 +205,7 @@ std::optional<std::string> TransferCommand::Encode(DocumentWindow& document) {
   try {
     return EncodeTable(document.Table(), UploadTag(document.UnitTableTag));
   } catch (const WireMisfit& misfit) {
-    const QString problem = QString::fromUtf8(misfit.what());
-    frame.ShowStatus(problem);
-    ShowMessage(frame, problem, frame.ApplicationTitle(), QMessageBox::Information);
+    Say(QString::fromUtf8(misfit.what()), QMessageBox::Information);
     return {};
   }
 }

@@ -336,6 +336,23 @@ TEST_F(KeepingACopy, NamesTheFileWhenTheUploadGoesNoFurther) {
   ExpectNothingUploaded();
 }
 
+TEST_F(KeepingACopy, NamesTheFileWhenTheTableDoesNotFit) {
+  StartUnit(NumberedRows(1));
+  Start({TableFile("mine.sig", {"2|0|Bad|890|935|1|70000|0.2|0.2|1"})});
+  UploadWith({Keep});
+  EXPECT_TRUE(messages.back().Text.startsWith("row 1 (Bad): Stop Channel")) << messages.back().Text.toStdString();
+  EXPECT_TRUE(messages.back().Text.endsWith("\n\n" + KeptText()));
+  ExpectNothingUploaded();
+}
+
+TEST_F(KeepingACopy, NamesTheFileWhenTheMergeIsNotWanted) {
+  StartUnit(NumberedRows(150));
+  Start({TableFile("mine.sig", NumberedRows(51, 151))});
+  UploadWith({Keep}, Choice::Append, {QMessageBox::Cancel});
+  EXPECT_EQ(Status(), CanceledText + " " + KeptText());
+  ExpectNothingUploaded();
+}
+
 // It is what the unit can be brought back with. One that may still wait for bytes is asked nothing more.
 TEST_F(KeepingACopy, NamesTheFileWhenTheUploadIsNotConfirmed) {
   StartUnit(NumberedRows(1), {"--fault", "off-in-upload"});
