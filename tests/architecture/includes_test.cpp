@@ -74,7 +74,9 @@ std::map<std::string, std::set<std::string>> PartsOf(const Folder& folder) {
     const std::string part = PartOf(source, path);
     std::set<std::string>& included = parts[part];
     for (const Include& include : IncludesOf(source))
-      if (include.Quoted && *fs::path(include.Path).begin() == folder.Name)
+      // What is not there is made by the build, and includes nothing.
+      if (include.Quoted && *fs::path(include.Path).begin() == folder.Name &&
+          fs::exists(fs::path(CHANPLAN_SOURCE_DIR) / include.Path))
         if (const std::string other = PartOf(include.Path, path); other != part) included.insert(other);
   }
   return parts;

@@ -246,7 +246,7 @@ TEST_F(ChangedMeanwhile, BothAreKeptUnderTwoNames) {
   frame.SaveAnswer = PathText("mine.sig");
   answers.Give(QMessageBox::SaveAll);
   EXPECT_TRUE(document.Window->SaveChanplans(PathText("table.sig")));
-  EXPECT_EQ(frame.Prompts, std::vector{(SavePrompt{PathText("table.sig"), ".sig"})});
+  EXPECT_EQ(frame.Prompts, std::vector{(SavePrompt{PathText("table (2).sig"), ".sig"})});
   EXPECT_EQ(document.Window->windowTitle(), PathText("mine.sig"));
   EXPECT_EQ(NamesInFile(), (Names{"S1", "Theirs"}));
   EXPECT_EQ(NamesInFile("mine.sig"), (Names{"S1", "S2", "[New Standard]"}));
