@@ -149,7 +149,7 @@ void BenchWork() {
 int main(int argc, char* argv[]) {
   using namespace chanplan;
   const QTemporaryDir settings;
-  qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+  for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"}) qputenv(variable, settings.path().toUtf8());
   const QApplication application(argc, argv);
   BenchStarts();
   BenchIdle();

@@ -118,6 +118,8 @@ class Editor {
     app.Main();
     app.Registry.Document(1)->ShowUnitTable(FullTable());
   }
+  // Or the next one would ask whether to restore the table.
+  ~Editor() { app.Registry.Document(1)->State().Changed = false; }
   bool Transfer(bool download) {
     DocumentWindow& document = *app.Registry.Document(1);
     TransferCommand command(*app.Frame, app.Link, app.Transfers, app.Shared);
@@ -153,7 +155,7 @@ BENCHMARK(EditorDownload)->Apply(Once);
 
 int main(int argc, char** argv) {
   const QTemporaryDir configuration;  // the user's settings are left alone
-  qputenv("XDG_CONFIG_HOME", configuration.path().toUtf8());
+  for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"}) qputenv(variable, configuration.path().toUtf8());
   const QApplication application(argc, argv);
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

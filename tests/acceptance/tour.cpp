@@ -349,7 +349,7 @@ int main(int argc, char* argv[]) {
   for (const char* file : {"/tour.sig", "/copy.sig", "/tour.htm"}) QFile::remove(folder + file);
   // A profile of its own, in which the simulated unit is COM 1.
   const QString unitLink = folder + "/unit";
-  qputenv("XDG_CONFIG_HOME", (folder + "/profile").toUtf8());
+  for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"}) qputenv(variable, (folder + "/profile").toUtf8());
   QDir(folder + "/documents").removeRecursively();
   QDir().mkpath(folder + "/documents");
   QDir().mkpath(folder + "/profile");
