@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QTimer>
 
 #include "app/compare_window.h"
 #include "app/frm_upload_optns.h"
@@ -231,10 +232,11 @@ TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
   held = {document.Table(), document.UnitTableTag};
   const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
   document.UnitTableTag = held.UnitTableTag;
-  ShowEnd(EndText(outcome, held.Table.Count));
+  const QString end = EndText(outcome, held.Table.Count);
+  ShowEnd(end);
   const bool received = outcome.Moved() && (outcome.Result == LinkTrue || outcome.Result == LinkFalse);
   if (received) document.ShowUnitTable(held.Table);
-  FinishTransfer(link, outcome);
+  AwaitConfirmation(outcome, end);
   Tell(outcome);
   return outcome;
 }
@@ -245,7 +247,7 @@ TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view
   if (outcome.Moved()) document.UnitTableTag = UploadTag(document.UnitTableTag);
   const QString end = EndText(outcome, records);
   ShowEnd(end);
-  const LinkResult sync = FinishTransfer(link, outcome);
+  const LinkResult sync = AwaitConfirmation(outcome, end);
   Tell(outcome);
   if (outcome.Done() && sync != LinkAck)
     ShowMessage(frame, WithKept(NotConfirmedText, "\n\n"), frame.ApplicationTitle(), QMessageBox::Warning);
@@ -303,6 +305,18 @@ QString TransferCommand::EndText(const TransferOutcome& outcome, int records) co
 void TransferCommand::ShowEnd(const QString& text) {
   frame.ShowStatus(WithKept(text, " "));
   progress->Finish();
+}
+
+// The dialog is hidden by then, so that the status bar says what is waited for when it takes long.
+LinkResult TransferCommand::AwaitConfirmation(const TransferOutcome& outcome, const QString& end) {
+  QTimer silence;
+  QObject::connect(&silence, &QTimer::timeout, this,
+                   [&] { frame.ShowStatus(WithKept(end, " ") + " Waiting for the unit ... (Esc cancels)"); });
+  silence.setSingleShot(true);
+  silence.start(Silence);
+  const LinkResult sync = FinishTransfer(link, outcome);
+  if (!silence.isActive()) frame.ShowStatus(WithKept(end, " "));
+  return sync;
 }
 
 void TransferCommand::Tell(const TransferOutcome& outcome) {

@@ -68,6 +68,7 @@ class TransferCommand : public QObject {
   TransferProgress& Begin();
   QString EndText(const TransferOutcome& outcome, int records) const;
   void ShowEnd(const QString& text);
+  LinkResult AwaitConfirmation(const TransferOutcome& outcome, const QString& end);
   void Tell(const TransferOutcome& outcome);
   void Say(const QString& text, QMessageBox::Icon icon);
   QString WithKept(const QString& text, const char* between) const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,9 @@ bool PortExists(const std::string& device);
 
 /// Why `device` cannot be opened and what to do about it; nothing when the platform sees no reason.
 std::optional<std::string> PortProblem(const std::string& device);
+
+/// Whether the system took `byte` for the open port `handle` at once.
+bool WriteByteAtOnce(std::intptr_t handle, char byte);
 
 /// Sleeps for `duration`, waking late by no more than some 0.1 ms while the machine is not busy.
 void ShortSleep(std::chrono::nanoseconds duration);

@@ -62,6 +62,8 @@ std::optional<std::string> PortProblem(const std::string& device) {
   return std::nullopt;
 }
 
+bool WriteByteAtOnce(std::intptr_t handle, char byte) { return write(static_cast<int>(handle), &byte, 1) == 1; }
+
 void ShortSleep(std::chrono::nanoseconds duration) {
 #ifdef __linux__
   // Otherwise the system wakes a thread 50 us late, to do several things at once.

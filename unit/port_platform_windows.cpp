@@ -36,6 +36,10 @@ std::optional<std::string> PortProblem(const std::string& device) {
   }
 }
 
+bool WriteByteAtOnce(std::intptr_t handle, char byte) {
+  return TransmitCommChar(reinterpret_cast<HANDLE>(handle), byte) != 0;
+}
+
 void ShortSleep(std::chrono::nanoseconds duration) {
   // The ordinary sleep lasts up to 16 ms; a high-resolution timer keeps to the duration.
   thread_local const HANDLE timer =

@@ -9,6 +9,12 @@
 #include "unit/port_platform.h"
 
 namespace chanplan {
+namespace {
+
+// Turns of the event loop that begin within this time of the end of another are one with it.
+constexpr std::chrono::microseconds OneTurn(50);
+
+}  // namespace
 
 QtSerialPort::QtSerialPort(const std::string& devicePath)
     : QtSerialPort([devicePath](int /*number*/) { return devicePath; }) {}
@@ -74,8 +80,10 @@ std::string QtSerialPort::ReadInput() { return IsOpen() ? port->readAll().toStdS
 
 std::intptr_t QtSerialPort::Handle() const { return (std::intptr_t)port->handle(); }
 
-void QtSerialPort::TransmitCommChar(std::intptr_t /*handle*/, char byte) {
+// What the system does not take at once goes the library's way: it waits for room, and tells what is broken.
+void QtSerialPort::TransmitCommChar(std::intptr_t handle, char byte) {
   if (!IsOpen() || failure) return;
+  if (port->bytesToWrite() == 0 && WriteByteAtOnce(handle, byte)) return;
   port->write(&byte, 1);
   port->flush();
 }
@@ -83,11 +91,16 @@ void QtSerialPort::TransmitCommChar(std::intptr_t /*handle*/, char byte) {
 std::optional<PortError> QtSerialPort::Failure() const { return failure; }
 
 LinkTiming SystemTiming() {
-  return {[] { return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()); },
-          [](std::chrono::nanoseconds longest) {
-            QCoreApplication::processEvents();
-            if (longest.count() > 0) ShortSleep(longest);
-          }};
+  const auto now = [] { return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()); };
+  const auto letEventsRun = [now, ran = std::chrono::nanoseconds()](std::chrono::nanoseconds longest) mutable {
+    const auto start = now();
+    // Between two bytes of an upload there are several turns in a row, and the first handles all there is.
+    if (longest.count() == 0 && start - ran < OneTurn) return;
+    QCoreApplication::processEvents();
+    ran = now();
+    if (start + longest > ran) ShortSleep(start + longest - ran);
+  };
+  return {now, letEventsRun};
 }
 
 std::vector<std::string> SerialDevices(const DeviceOfNumber& deviceOf) {

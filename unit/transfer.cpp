@@ -18,7 +18,8 @@ constexpr std::size_t LargestTable = WireHeaderSize + MaxRecords * WireRecordSiz
 std::string DownloadProblem(const UnitLink& link, LinkResult result) {
   if (const auto failure = link.PortFailure()) return failure->what();
   if (result == LinkUnrest) return "The unit sent more than it announced, so its table is not whole: start again";
-  if (result == LinkFalse) return "The unit announces more than 200 records, which no table can hold";
+  if (result == LinkFalse)
+    return "The unit announces more than 200 records, which no table can hold: its first 200 are not its whole table";
   return {};
 }
 

@@ -17,7 +17,7 @@ constexpr int CloseSyncTimeoutMs = 500;
 // How long the processor is given away between two looks at the port.
 constexpr std::chrono::nanoseconds PollPause = 1ms;
 // A sleeping thread wakes late by less than this; the rest of a pause is polled away.
-constexpr std::chrono::nanoseconds WakeUpMargin = 60us;
+constexpr std::chrono::nanoseconds WakeUpMargin = 100us;
 // A unit is asked so often who it is until one answer is beyond doubt or like the one before it.
 constexpr int MostIdentities = 3;
 // The rest of a full table, which a program that was killed had asked for, takes less.

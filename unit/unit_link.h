@@ -31,7 +31,7 @@ enum LinkResult : std::int16_t {
 struct LinkTiming {
   /// Time since some fixed moment; never goes back.
   std::function<std::chrono::nanoseconds()> Now;
-  /// Handles the pending events, then may give the processor away, for no longer than `longest`.
+  /// Handles the pending events, then may give the processor away until `longest` has passed since the call.
   std::function<void(std::chrono::nanoseconds longest)> LetEventsRun;
 };
 

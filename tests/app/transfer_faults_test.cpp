@@ -255,7 +255,8 @@ TEST_F(FaultyUnit, WithMoreThan200RecordsIsNamedAsSuch) {
   StartFaulty({"--fault", "too-many"});
   AnswerMessage();
   Download();
-  EXPECT_EQ(Status(), "The unit announces more than 200 records, which no table can hold");
+  EXPECT_EQ(Status(),
+            "The unit announces more than 200 records, which no table can hold: its first 200 are not its whole table");
   ExpectMessage(Status(), QMessageBox::Information);
   EXPECT_EQ(ActiveNames().size(), 200);
   app->Registry.DocumentStates[1].Changed = false;
@@ -270,7 +271,8 @@ TEST_F(FaultyUnit, WithMoreThan200RecordsIsAppendedNothing) {
   AnswerMessage();
   Choose("mnuToolsUpload");
   ASSERT_EQ(messages.size(), 2u);
-  EXPECT_EQ(messages.front().Text, "The unit announces more than 200 records, which no table can hold");
+  EXPECT_EQ(messages.front().Text,
+            "The unit announces more than 200 records, which no table can hold: its first 200 are not its whole table");
   EXPECT_EQ(messages.back().Text, NotWhole);
   messages.clear();
   app->Registry.DocumentStates[1].Changed = false;
@@ -454,9 +456,15 @@ TEST_F(SilentWait, ForTheLastEchoComesWhenTheTableIsOnTheScreen) {
     watch.stop();
     const Grid* list = Frame().ActiveDocument()->findChild<Grid*>("GridList");
     shown = Frame().Transferring() && list->rowCount() == 4 && list->CellText(3, 1) == "S4";
-    QTest::keyClick(&Frame(), Qt::Key_Escape);
   });
   watch.start(5);
+  QTimer hint;
+  QObject::connect(&hint, &QTimer::timeout, [&] {
+    if (Status() != CompletedText(4) + " Waiting for the unit ... (Esc cancels)") return;
+    hint.stop();
+    QTest::keyClick(&Frame(), Qt::Key_Escape);
+  });
+  hint.start(5);
   QElapsedTimer time;
   time.start();
   Choose("mnuToolsQuery");

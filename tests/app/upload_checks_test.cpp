@@ -233,7 +233,8 @@ TEST_F(KeepingACopy, OfAnEmptyTableIsNoFile) {
 }
 
 TEST_F(KeepingACopy, OfATableThatIsNotReadWholeUploadsNothing) {
-  const QString tooMany = "The unit announces more than 200 records, which no table can hold\n\n";
+  const QString tooMany =
+      "The unit announces more than 200 records, which no table can hold: its first 200 are not its whole table\n\n";
   for (const auto& [fault, reason] : {std::pair{"truncate-reply", QString()}, {"too-many", tooMany}}) {
     SCOPED_TRACE(fault);
     StartUnit(NumberedRows(4), {"--fault", fault});

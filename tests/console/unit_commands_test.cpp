@@ -401,7 +401,9 @@ TEST(Download, OfMoreThan200RecordsIsRefused) {
   const Chanplan chanplan;
   const UnitThatSends unit(TableHeader(100, 201) + records);
   const ProgramRun run = chanplan.Run({"download", unit.Port(), "out.sig"});
-  EXPECT_EQ(run.Errors, "chanplan: The unit announces more than 200 records, which no table can hold\n");
+  EXPECT_EQ(run.Errors,
+            "chanplan: The unit announces more than 200 records, which no table can hold: its first 200 are not its "
+            "whole table\n");
   EXPECT_EQ(run.ExitStatus, 2);
   EXPECT_FALSE(fs::exists(chanplan.Folder / "out.sig"));
 }

@@ -209,7 +209,8 @@ TEST(UnitFault, ThatSendsMoreRecordsThanATableHoldsIsNamed) {
   FaultyUnit many({"too-many",
                    {},
                    {"download", "PORT", "out.sig"},
-                   "chanplan: The unit announces more than 200 records, which no table can hold\n"});
+                   "chanplan: The unit announces more than 200 records, which no table can hold: its first 200 are not "
+                   "its whole table\n"});
   many.ExpectCleanFailure(many.Run());
 }
 
