@@ -63,10 +63,13 @@ inline void SyncFolder(const std::filesystem::path& folder) {
 }
 
 /// Marks the file as being worked on until its descriptor is closed: a process that is killed marks
-/// nothing any more. False when another one has marked it, or has removed it before this one could.
+/// nothing any more. False, with `errno`, when that cannot be done: EWOULDBLOCK when another one has marked it, or
+/// has removed it before this one could.
 inline bool MarkInUse(const FileDescriptor& file) {
   struct stat facts {};
-  return flock(file.Get(), LOCK_EX | LOCK_NB) == 0 && fstat(file.Get(), &facts) == 0 && facts.st_nlink > 0;
+  if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0 || fstat(file.Get(), &facts) != 0) return false;
+  if (facts.st_nlink == 0) errno = EWOULDBLOCK;
+  return facts.st_nlink > 0;
 }
 
 }  // namespace chanplan

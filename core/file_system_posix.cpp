@@ -156,6 +156,7 @@ std::error_code Replace(const fs::path& file, std::string_view bytes, bool flush
   HealInterruptedSaves();
   struct stat former {};
   const bool exists = stat(target.c_str(), &former) == 0;
+  if (!exists && errno != ENOENT) return LastError();  // it may be there
   if (exists && S_ISDIR(former.st_mode)) return std::make_error_code(std::errc::is_a_directory);
   if (exists && !S_ISREG(former.st_mode)) return WriteDevice(target, bytes);
   // Renaming needs no right to write the file itself, but replacing a write-protected one does.

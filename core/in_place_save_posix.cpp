@@ -142,10 +142,16 @@ UnfinishedCopy BeginCopy(const fs::path& folder) {
     UnfinishedCopy copy{FileDescriptor(open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)), name,
                         name.string().append(CopyEnding)};
     if (!copy.File.IsOpen() && errno != EEXIST) return copy;
-    // Another may sweep it before it is marked.
-    if (!copy.File.IsOpen() || !MarkInUse(copy.File)) continue;
-    if (access(copy.Finished.c_str(), F_OK) != 0) return copy;
-    unlink(name.c_str());
+    if (!copy.File.IsOpen()) continue;
+    if (MarkInUse(copy.File)) {
+      if (access(copy.Finished.c_str(), F_OK) != 0) return copy;
+      unlink(name.c_str());
+    } else if (errno != EWOULDBLOCK) {  // otherwise another one is sweeping it
+      const int error = errno;
+      unlink(name.c_str());
+      errno = error;
+      return UnfinishedCopy{FileDescriptor(), {}, {}};
+    }
   }
 }
 
