@@ -73,5 +73,38 @@ TEST_F(KilledEditor, OffersWhatWasStoredAtItsNextStartAndSavesIt) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return CopiedName().empty(); }, LongestWait)) << CopiedName();
 }
 
+// A screen that goes away, as when its server is ended or a remote session is cut, takes the editor with it.
+TEST_F(KilledEditor, OffersWhatWasStoredAfterItsScreenHasGone) {
+  const fs::path file = folder / "plan.sig";
+  ASSERT_FALSE(SaveSigFile(file, TableOfNames({"A", "B"})));
+  QProcess screen;
+  screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x1024x24"});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return screen.canReadLine(); }, LongestWait));
+  QProcessEnvironment there = editor.processEnvironment();
+  there.insert("DISPLAY", ":" + QString::fromLatin1(screen.readLine()).trimmed());
+
+  editor.setProcessEnvironment(there);
+  editor.start(EDITOR_PROGRAM, {QString::fromStdString(file.string())});
+  QProcess hands;
+  hands.setProcessEnvironment(there);
+  hands.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "^Handheld Chanplan Editor$", "windowfocus",
+                          "--sync", "key", "Home", "key", "Tab", "type", "Stored"});
+  ASSERT_TRUE(hands.waitForFinished(LongestWait));
+  hands.start("xdotool", {"key", "Return"});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return CopiedName() == "Stored"; }, LongestWait)) << CopiedName();
+  screen.kill();
+  ASSERT_TRUE(screen.waitForFinished(LongestWait));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return editor.state() == QProcess::NotRunning; }, LongestWait));
+  EXPECT_EQ(LoadSigFile(file).Table.Row(0).Name, "A");
+
+  there.insert("DISPLAY", qEnvironmentVariable("DISPLAY"));
+  editor.setProcessEnvironment(there);
+  Start({}, "^Chanplans$");           // the question
+  desktop.PressElsewhere({"alt+r"});  // Restore
+  ASSERT_TRUE(desktop.GoToWindow("^Handheld Chanplan Editor$"));
+  desktop.PressElsewhere({"ctrl+s"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return LoadSigFile(file).Table.Row(0).Name == "Stored"; }, LongestWait));
+}
+
 }  // namespace
 }  // namespace chanplan::testing
