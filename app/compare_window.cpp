@@ -64,7 +64,7 @@ bool ComparedTable::Update() {
   if (Document != nullptr || File.isEmpty()) return true;
   const auto now = ReadFileStamp(PathOf(File));
   if (now && now == Read) return true;
-  if (!QFileInfo(File).isFile()) return false;  // a pipe in its place could hold everything up
+  if (IsNoFile(File)) return false;
   ReadOutcome outcome = LoadSigFile(PathOf(File));
   if (!outcome.Ok()) return false;
   Table = std::move(outcome.Table);
