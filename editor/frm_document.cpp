@@ -347,7 +347,6 @@ void frmDocument::ShowSelectedStandard() {
   } else {
     ShowStandard();
   }
-  MarkDoubtfulCells();
   GridBands->setUpdatesEnabled(true);
   if (chart != nullptr) chart->ShowCurrent(GridList->currentRow());
 }
@@ -429,6 +428,7 @@ void frmDocument::ListRowChanged() {
   if (SuppressListEvents) return;
   StoreGridsToTable();
   ShowSelectedStandard();
+  MarkDoubtfulCells();
   HighlightListRow();
 }
 
