@@ -188,6 +188,7 @@ class frmDocument : public DocumentWindow {
   SharedTables& shared;
   SignalStandardTable table;
   TableHistory history;
+  QString lastDeed;               ///< what the status bar said of the last change that was taken back or made again
   std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 

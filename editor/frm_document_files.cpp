@@ -196,6 +196,7 @@ void frmDocument::closeEvent(QCloseEvent* event) {
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
   frame.Warnings("", -1);
+  frame.WithdrawStatus(lastDeed);
   state.Released = true;
   DocumentWindow::closeEvent(event);
 }
