@@ -131,7 +131,7 @@ class frmDocument : public DocumentWindow {
 
   // Context menus: what they do, and whether it is possible
   void ConnectContextMenus();
-  void ShowContextMenu(Grid& grid, const QPoint& at);
+  void ShowContextMenu(Grid& grid, const QPoint& at, bool onCell);
   bool HasCurrentValue() const;
   bool CanCut() const;
   bool CanPaste() const;
