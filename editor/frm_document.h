@@ -77,6 +77,7 @@ class frmDocument : public DocumentWindow {
   void changeEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -99,6 +100,7 @@ class frmDocument : public DocumentWindow {
   void ShowBands(int index, int count);
   void HighlightListRow();
   void KeepInSight(const Grid& grid, const QModelIndex& cell);
+  void KeepInSight(const QWidget& shownIn, QRect place);
   void Refill(int currentRow);
   void RefillAfterEdit(int currentRow, const QString& step);
   void ListRowChanged();
@@ -168,6 +170,8 @@ class frmDocument : public DocumentWindow {
   };
   FindBar& OpenFindBar();
   void CloseFindBar();
+  bool FindBarIsShown() const;
+  void PlaceFindBar();
   std::vector<Found> FindAll() const;
   void FindNext(bool forwards);
   void HandOverFind(frmDocument& other);
