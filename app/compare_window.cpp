@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <array>
 
@@ -64,7 +65,7 @@ bool ComparedTable::Update() {
   if (Document != nullptr || File.isEmpty()) return true;
   const auto now = ReadFileStamp(PathOf(File));
   if (now && now == Read) return true;
-  if (!QFileInfo(File).isFile()) return false;  // a pipe in its place could hold everything up
+  if (IsNoFile(File)) return false;
   ReadOutcome outcome = LoadSigFile(PathOf(File));
   if (!outcome.Ok()) return false;
   Table = std::move(outcome.Table);
@@ -73,7 +74,7 @@ bool ComparedTable::Update() {
 }
 
 CompareWindow::CompareWindow(CommandFrame& mainFrame, DocumentWindow& leftDocument, ComparedTable rightTable)
-    : QWidget(&mainFrame, Qt::Window),
+    : QDialog(&mainFrame),
       frame(mainFrame),
       left{&leftDocument},
       right(std::move(rightTable)),
@@ -98,8 +99,14 @@ CompareWindow::CompareWindow(CommandFrame& mainFrame, DocumentWindow& leftDocume
   auto* rows = new QVBoxLayout(this);
   rows->addWidget(lblCompare);
   rows->addWidget(lstDifferences, 1);
-  rows->addWidget(lblCompareCount);
+  auto* last = new QHBoxLayout;
+  auto* close = new QPushButton("&Close");
+  close->setObjectName("bttnCompareClose");
+  last->addWidget(lblCompareCount, 1);
+  last->addWidget(close);
+  rows->addLayout(last);
 
+  connect(close, &QPushButton::clicked, this, &QDialog::reject);
   connect(lstDifferences, &QTableWidget::cellClicked, this, &CompareWindow::GoTo);
   refresh.setSingleShot(true);
   connect(&refresh, &QTimer::timeout, this, &CompareWindow::Refresh);
@@ -122,7 +129,7 @@ void CompareWindow::Follow(DocumentWindow& document) {
 
 // A file may have been written while another window was looked at.
 void CompareWindow::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
+  QDialog::changeEvent(event);
   if (event->type() == QEvent::ActivationChange && isActiveWindow()) refresh.start();
 }
 
@@ -193,12 +200,10 @@ void CompareWindow::GoTo(int row, int column) {
 }
 
 void CompareWindow::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape)
-    close();
-  else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
     GoTo(lstDifferences->currentRow(), lstDifferences->currentColumn());
   else
-    QWidget::keyPressEvent(event);
+    QDialog::keyPressEvent(event);
 }
 
 void Compare(CommandFrame& frame, DocumentWindow& left, ComparedTable right) {

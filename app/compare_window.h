@@ -1,6 +1,7 @@
 // What differs between two tables, in a window of its own.
 #pragma once
 
+#include <QDialog>
 #include <QLabel>
 #include <QPointer>
 #include <QTableWidget>
@@ -28,8 +29,8 @@ struct ComparedTable {
 };
 
 /// Lists the differences, and follows both tables. A click on one goes to its place: to the right table
-/// in the column of its values, else to the left one. It ends with either document.
-class CompareWindow : public QWidget {
+/// in the column of its values, else to the left one. It stays above the frame, and ends with either document.
+class CompareWindow : public QDialog {
   Q_OBJECT
 
  public:

@@ -9,6 +9,7 @@
 
 #include "editor/busy_pointer.h"
 #include "editor/messages.h"
+#include "editor/text_edge.h"
 
 namespace chanplan {
 namespace {
@@ -117,8 +118,7 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
   return WithType(frame, ChosenFiles(dialog).value(0), type);
 }
 
-// Opening what is no file, as a pipe, could wait for ever.
-bool CanOpenFile(const QString& path) { return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly); }
+bool CanOpenFile(const QString& path) { return !IsNoFile(path) && QFile(path).open(QIODevice::ReadOnly); }
 
 void OpenTableFile(CommandFrame& frame, const QString& path) {
   if (!CanOpenFile(path)) return ShowMessage(frame, "Can't open file: " + path);

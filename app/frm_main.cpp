@@ -165,6 +165,10 @@ void frmMain::ShowStatus(const QString& text) {
   sbStatusBarPanel1->setText(QString(text).replace('\n', ' ').remove('\r'));
 }
 
+void frmMain::WithdrawStatus(const QString& text) {
+  if (sbStatusBarPanel1->text() == text) ShowStatus("");
+}
+
 QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& fileType) {
   return chanplan::PromptSaveFileName(*this, app.Recent, proposedName, fileType);
 }

@@ -38,6 +38,7 @@ class frmMain : public CommandFrame {
   void mnuEditPaste_Click() override;
   void Warnings(const QString& WarningText, qint16 SelIndex) override;
   void ShowStatus(const QString& text) override;
+  void WithdrawStatus(const QString& text) override;
   bool ShowsCharts() override { return app.Settings.Number(ShowChartSetting, 0) != 0; }
   void RememberCharts(bool shown) override { app.Settings.SetNumber(ShowChartSetting, shown ? 1 : 0); }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override;

@@ -14,8 +14,8 @@ frmUploadOptns::frmUploadOptns(QWidget* parent, TransferFlags& transferFlags)
       optnAppend(new QRadioButton("&Append to it")),
       optnReplace(new QRadioButton("&Overwrite it")),
       chkReplace(new QCheckBox("Replace matching signal standards")),
-      chkKeepCopy(new QCheckBox("Keep a copy of the unit's table")),
-      chkReadBack(new QCheckBox("Read back and compare")) {
+      chkKeepCopy(new QCheckBox("&Keep a copy of the unit's table")),
+      chkReadBack(new QCheckBox("Read &back and compare")) {
   setObjectName("frmUploadOptns");
   setWindowTitle("Upload Signal Standards");
   auto* prompt = new QLabel("What do you want to do with the existing Signal Standard Table?");

@@ -333,7 +333,8 @@ void TransferCommand::Say(const QString& text, QMessageBox::Icon icon) {
 
 // With every outcome: the former table may be needed now.
 QString TransferCommand::WithKept(const QString& text, const char* between) const {
-  return kept.isEmpty() ? text : text + between + kept;
+  if (kept.isEmpty()) return text;
+  return text + (text.endsWith('.') || text.endsWith('!') ? "" : ".") + between + kept;
 }
 
 void TransferCommand::Abort() {

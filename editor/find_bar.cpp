@@ -25,12 +25,15 @@ FindBar::FindBar(QWidget* parent)
     : QWidget(parent), txtFind(new QLineEdit), chkFindAll(new QCheckBox("&All tables")), lblFind(new QLabel) {
   setObjectName("FindBar");
   setAutoFillBackground(true);  // the grids below it may be higher than their room
+  setFocusPolicy(Qt::ClickFocus);
+  setFocusProxy(txtFind);  // for clicks on whatever does not take the keyboard
   txtFind->setObjectName("txtFind");
   txtFind->setAccessibleName("Find");
   txtFind->setPlaceholderText("Name, MHz or channel");
   txtFind->setToolTip("A part of a name, \"935.2\", \"935 MHz\" or \"channel 700\"");
   chkFindAll->setObjectName("chkFindAll");
   chkFindAll->setToolTip("Look in all tables that are open");
+  chkFindAll->setFocusPolicy(Qt::TabFocus);  // Alt+A leaves the keyboard to the field
   lblFind->setObjectName("lblFind");
   lblFind->setTextFormat(Qt::PlainText);
   QToolButton* previous = ArrowButton("bttnFindPrevious", Qt::UpArrow, "Previous (Shift+Enter)");

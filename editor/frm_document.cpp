@@ -224,9 +224,17 @@ void frmDocument::focusInEvent(QFocusEvent* event) {
   ActiveGrid->setFocus();
 }
 
+// As where the room for documents is scrolled.
+void frmDocument::moveEvent(QMoveEvent* event) {
+  DocumentWindow::moveEvent(event);
+  PlaceFindBar();
+}
+
 bool frmDocument::eventFilter(QObject* watched, QEvent* event) {
   if (watched == area && event->type() == QEvent::Resize) LayOut();
-  return DocumentWindow::eventFilter(watched, event);
+  if (watched != parentWidget()) return DocumentWindow::eventFilter(watched, event);
+  if (event->type() == QEvent::Resize) PlaceFindBar();
+  return false;
 }
 
 void frmDocument::ToggleChart() {
@@ -276,9 +284,8 @@ void frmDocument::LayOut() {
   if (isMinimized()) return;
   const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, GridList);
   const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
-  const bool finds = findBar != nullptr && !findBar->isHidden();
-  const int barHeight = finds ? findBar->sizeHint().height() : 0;
-  if (finds) findBar->setGeometry(0, area->height() - barHeight, area->width(), barHeight);
+  PlaceFindBar();
+  const int barHeight = FindBarIsShown() ? findBar->height() : 0;
   const QSize room = RoomBesideChart({area->width(), area->height() - barHeight}, listWidth);
   GridList->setGeometry(Margin, Margin, listWidth, room.height() - 2 * Margin);
 
@@ -347,7 +354,6 @@ void frmDocument::ShowSelectedStandard() {
   } else {
     ShowStandard();
   }
-  MarkDoubtfulCells();
   GridBands->setUpdatesEnabled(true);
   if (chart != nullptr) chart->ShowCurrent(GridList->currentRow());
 }
@@ -398,17 +404,22 @@ void frmDocument::HighlightListRow() {
 
 // Of a document that is larger than the area a part may be out of sight, which the area moves.
 void frmDocument::KeepInSight(const Grid& grid, const QModelIndex& cell) {
-  if (mdiArea() == nullptr || !cell.isValid() || !isVisible()) return;
+  if (cell.isValid()) KeepInSight(*grid.viewport(), grid.visualRect(cell) & grid.viewport()->rect());
+}
+
+void frmDocument::KeepInSight(const QWidget& shownIn, QRect place) {
+  if (mdiArea() == nullptr || !isVisible()) return;
   const QWidget& seen = *mdiArea()->viewport();
-  QRect place = grid.visualRect(cell) & grid.viewport()->rect();
-  place.moveTopLeft(grid.viewport()->mapTo(&seen, place.topLeft()));
+  place.moveTopLeft(shownIn.mapTo(&seen, place.topLeft()));
+  const bool mayBeCovered = FindBarIsShown() && &shownIn != findBar;
+  const int end = mayBeCovered ? qMin(seen.height(), findBar->mapTo(&seen, QPoint()).y()) : seen.height();
   const auto move = [](QScrollBar& bar, int before, int behind) {
     if (behind > 0)
       bar.setValue(bar.value() + behind);
     else if (before < 0)
       bar.setValue(bar.value() + before);
   };
-  move(*mdiArea()->verticalScrollBar(), place.top(), place.bottom() + 1 - seen.height());
+  move(*mdiArea()->verticalScrollBar(), place.top(), place.bottom() + 1 - end);
   move(*mdiArea()->horizontalScrollBar(), place.left(), place.right() + 1 - seen.width());
 }
 
@@ -429,6 +440,7 @@ void frmDocument::ListRowChanged() {
   if (SuppressListEvents) return;
   StoreGridsToTable();
   ShowSelectedStandard();
+  MarkDoubtfulCells();
   HighlightListRow();
 }
 

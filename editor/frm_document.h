@@ -77,6 +77,7 @@ class frmDocument : public DocumentWindow {
   void changeEvent(QEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -99,6 +100,7 @@ class frmDocument : public DocumentWindow {
   void ShowBands(int index, int count);
   void HighlightListRow();
   void KeepInSight(const Grid& grid, const QModelIndex& cell);
+  void KeepInSight(const QWidget& shownIn, QRect place);
   void Refill(int currentRow);
   void RefillAfterEdit(int currentRow, const QString& step);
   void ListRowChanged();
@@ -131,7 +133,7 @@ class frmDocument : public DocumentWindow {
 
   // Context menus: what they do, and whether it is possible
   void ConnectContextMenus();
-  void ShowContextMenu(Grid& grid, const QPoint& at);
+  void ShowContextMenu(Grid& grid, const QPoint& at, bool onCell);
   bool HasCurrentValue() const;
   bool CanCut() const;
   bool CanPaste() const;
@@ -168,6 +170,8 @@ class frmDocument : public DocumentWindow {
   };
   FindBar& OpenFindBar();
   void CloseFindBar();
+  bool FindBarIsShown() const;
+  void PlaceFindBar();
   std::vector<Found> FindAll() const;
   void FindNext(bool forwards);
   void HandOverFind(frmDocument& other);
@@ -188,6 +192,7 @@ class frmDocument : public DocumentWindow {
   SharedTables& shared;
   SignalStandardTable table;
   TableHistory history;
+  QString lastDeed;               ///< what the status bar said of the last change that was taken back or made again
   std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 

@@ -20,12 +20,6 @@
 namespace chanplan {
 namespace {
 
-// A pipe or a device in a file's place could hold up whoever opens it for ever.
-bool IsNoFile(const QString& path) {
-  const QFileInfo info(path);
-  return info.exists() && !info.isFile() && !info.isDir();
-}
-
 // "plan (2).sig" beside "plan.sig", or the next number that is free.
 QString FreeNameBeside(const QString& path) {
   const QFileInfo info(path);
@@ -202,6 +196,7 @@ void frmDocument::closeEvent(QCloseEvent* event) {
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
   frame.Warnings("", -1);
+  frame.WithdrawStatus(lastDeed);
   state.Released = true;
   DocumentWindow::closeEvent(event);
 }

@@ -27,6 +27,7 @@ void frmDocument::Find() {
 FindBar& frmDocument::OpenFindBar() {
   if (findBar == nullptr) {
     findBar = new FindBar(area);
+    parentWidget()->installEventFilter(this);
     connect(findBar, &FindBar::Edited, this, [this] {
       found.reset();
       ShowFound();
@@ -38,10 +39,28 @@ FindBar& frmDocument::OpenFindBar() {
     });
     connect(this, &DocumentWindow::TableChanged, findBar, [this] { ShowFound(); });
   }
+  if (isMinimized()) showNormal();
   findBar->show();
   LayOut();
+  KeepInSight(*findBar, findBar->rect());
   ShowFound();
   return *findBar;
+}
+
+bool frmDocument::FindBarIsShown() const { return findBar != nullptr && !findBar->isHidden(); }
+
+// At the lower edge: of the part that is in sight where that is less than all, but not of a smaller one than
+// the smallest document. What it stands on can be scrolled to.
+void frmDocument::PlaceFindBar() {
+  if (!FindBarIsShown() || isMinimized()) return;
+  const QRect seen(area->mapFrom(parentWidget(), QPoint()), parentWidget()->size());
+  const QSize least = area->size() - (size() - minimumSize());
+  const int right = qBound(least.width(), seen.right() + 1, area->width());
+  const int left = qBound(0, seen.left(), right - least.width());
+  const int bottom = qBound(least.height(), seen.bottom() + 1, area->height());
+  const int height = findBar->sizeHint().height();
+  findBar->setGeometry(left, bottom - height, right - left, height);
+  findBar->raise();
 }
 
 void frmDocument::CloseFindBar() {
@@ -95,7 +114,7 @@ void frmDocument::ShowFoundPlace(const PlanPlace& place) {
 }
 
 void frmDocument::ShowFound() {
-  if (findBar == nullptr || findBar->isHidden()) return;
+  if (!FindBarIsShown()) return;
   const QString text = findBar->txtFind->text();
   if (text.trimmed().isEmpty()) return findBar->ShowOutcome("");
   const std::vector<Found> all = FindAll();

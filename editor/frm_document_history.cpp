@@ -63,7 +63,8 @@ void frmDocument::ShowMoment(const TableMoment& moment, const QString& deed) {
   }
   GridList->scrollToItem(GridList->currentItem());
   KeepInSight(*ActiveGrid, ActiveGrid->currentIndex());
-  frame.ShowStatus(deed + '.');
+  lastDeed = deed + '.';
+  frame.ShowStatus(lastDeed);
 }
 
 }  // namespace chanplan

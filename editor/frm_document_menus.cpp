@@ -10,18 +10,19 @@ namespace chanplan {
 
 void frmDocument::ConnectContextMenus() {
   for (Grid* grid : {GridList, GridDetails, GridBands})
-    connect(grid, &Grid::MenuRequested, this, [this, grid](const QPoint& at) { ShowContextMenu(*grid, at); });
+    connect(grid, &Grid::MenuRequested, this,
+            [this, grid](const QPoint& at, bool onCell) { ShowContextMenu(*grid, at, onCell); });
   // Over a list that is open it is the menu of its cell.
   for (QComboBox* list : {editor.cmboSelected, editor.cmboModType}) {
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(list, &QWidget::customContextMenuRequested, this,
-            [this, list](const QPoint& at) { ShowContextMenu(*GridDetails, list->mapToGlobal(at)); });
+            [this, list](const QPoint& at) { ShowContextMenu(*GridDetails, list->mapToGlobal(at), true); });
   }
 }
 
 // The commands are those of keys and menus; here they are greyed where they have nothing to do.
-void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at) {
-  enum Grids { List = 1, Details = 2, Bands = 4, Cells = Details | Bands, All = List | Cells };
+void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at, bool onCell) {
+  enum Places { List = 1, Details = 2, Bands = 4, Cells = Details | Bands, All = List | Cells, OnCell = 8 };
   struct Item {
     int ShownIn;
     const char* Name;
@@ -32,12 +33,15 @@ void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at) {
   };
   static constexpr QKeyCombination noKey{};
   static constexpr Item items[] = {
-      {Cells, "mnuContextEdit", "&Edit", Qt::Key_F2, &frmDocument::EditCurrentCell, &frmDocument::HasCurrentValue},
+      {Cells | OnCell, "mnuContextEdit", "&Edit", Qt::Key_F2, &frmDocument::EditCurrentCell,
+       &frmDocument::HasCurrentValue},
       {Cells, "mnuContextBar2", nullptr, noKey, nullptr, nullptr},
-      {All, "mnuContextCut", "Cu&t", Qt::CTRL | Qt::Key_X, &frmDocument::CutByFrame, &frmDocument::CanCut},
-      {All, "mnuContextCopy", "&Copy", Qt::CTRL | Qt::Key_C, &frmDocument::CopyByFrame, &frmDocument::HasCurrentValue},
+      {All | OnCell, "mnuContextCut", "Cu&t", Qt::CTRL | Qt::Key_X, &frmDocument::CutByFrame, &frmDocument::CanCut},
+      {All | OnCell, "mnuContextCopy", "&Copy", Qt::CTRL | Qt::Key_C, &frmDocument::CopyByFrame,
+       &frmDocument::HasCurrentValue},
       {All, "mnuContextPaste", "&Paste", Qt::CTRL | Qt::Key_V, &frmDocument::PasteByFrame, &frmDocument::CanPaste},
-      {List, "mnuContextDelete", "&Delete", Qt::Key_Delete, &frmDocument::DeleteByKey, &frmDocument::HasCurrentValue},
+      {List | OnCell, "mnuContextDelete", "&Delete", Qt::Key_Delete, &frmDocument::DeleteByKey,
+       &frmDocument::HasCurrentValue},
       {All, "mnuContextBar3", nullptr, noKey, nullptr, nullptr},
       {List, "mnuContextNewChanplan", "&New Signal Standard", Qt::CTRL | Qt::Key_W, &frmDocument::InsertBlank,
        &frmDocument::CanInsert},
@@ -63,7 +67,7 @@ void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at) {
     if (item.Caption == nullptr) continue;
     if (item.Key.toCombined() != 0) action->setShortcut(item.Key);
     action->setShortcutVisibleInContextMenu(true);
-    action->setEnabled((this->*item.IsPossible)());
+    action->setEnabled((onCell || (item.ShownIn & OnCell) == 0) && (this->*item.IsPossible)());
     connect(action, &QAction::triggered, this, item.Run);
   }
   menu->popup(at);

@@ -217,7 +217,7 @@ void Grid::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
     emit EditRequested();
   else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
-    emit MenuRequested(MenuPlace());
+    emit MenuRequested(MenuPlace(), true);
   else if (cells && plain && !text.isEmpty() && (text.front() == '\b' || text.front().isPrint()))
     emit CellTyped(text.front());
   else
@@ -231,7 +231,8 @@ QPoint Grid::MenuPlace() const {
 }
 
 void Grid::contextMenuEvent(QContextMenuEvent* event) {
-  emit MenuRequested(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : MenuPlace());
+  const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+  emit MenuRequested(byMouse ? event->globalPos() : MenuPlace(), !byMouse || indexAt(event->pos()).isValid());
 }
 
 void Grid::initViewItemOption(QStyleOptionViewItem* option) const {

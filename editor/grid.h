@@ -42,7 +42,8 @@ class Grid : public QTableWidget {
   void EditRequested();
   void DeleteReleased();
   /// The right button was pressed, or a key for the context menu, which belongs at `at` on the screen.
-  void MenuRequested(const QPoint& at);
+  /// `onCell`: it is about the current cell, not about the room beside the cells.
+  void MenuRequested(const QPoint& at, bool onCell);
   /// Tab, or Shift+Tab for backwards, was pressed.
   void Tabbed(bool forwards);
 

@@ -1,5 +1,6 @@
 #include "editor/text_edge.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 #include "core/text_encoding.h"
@@ -23,5 +24,10 @@ std::string BytesOf(const QString& text) {
 }
 
 std::filesystem::path PathOf(const QString& path) { return path.toStdU16String(); }
+
+bool IsNoFile(const QString& path) {
+  const QFileInfo info(path);
+  return info.exists() && !info.isFile() && !info.isDir();
+}
 
 }  // namespace chanplan

@@ -15,4 +15,7 @@ std::string BytesOf(const QString& text);
 
 std::filesystem::path PathOf(const QString& path);
 
+/// Whether a pipe or a device stands at `path`, which could hold up whoever opens it for ever.
+bool IsNoFile(const QString& path);
+
 }  // namespace chanplan

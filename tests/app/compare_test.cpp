@@ -169,6 +169,23 @@ TEST_F(Comparing, EnterGoesThereTooAndEscapeCloses) {
   EXPECT_EQ(Window(), nullptr);
 }
 
+TEST_F(Comparing, WindowIsTheFramesOwnAndHasAButtonToClose) {
+  Start({A(), B()});
+  CompareDocuments(1, 2);
+  EXPECT_EQ(Window()->windowType(), Qt::Dialog) << "which stays above the window that it belongs to";
+  EXPECT_EQ(Window()->windowHandle()->transientParent(), Frame().windowHandle());
+  EXPECT_FALSE(Window()->isModal());
+  EXPECT_TRUE(QTest::qWaitFor([this] { return List().hasFocus(); }));
+  Key(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "bttnCompareClose");
+  Key(Qt::Key_Tab);
+  EXPECT_TRUE(List().hasFocus()) << "there is nothing else";
+  Key(Qt::Key_Tab);
+  Key(Qt::Key_Return);
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(Window(), nullptr);
+}
+
 TEST_F(Comparing, FollowsBothTables) {
   Start({A(), B()});
   CompareDocuments(1, 2);

@@ -90,6 +90,7 @@ TEST_F(Finding, FindsNamesAndChannels) {
 
 TEST_F(Finding, EscapeClosesItAndLeavesTheCursorWhereItIs) {
   StartWith();
+  Frame().resize(800, 800);
   const QRect list = In("GridList").geometry();
   Find("1000");
   EXPECT_LT(In("GridList").geometry().bottom(), list.bottom()) << "it stands below the grids";
@@ -108,7 +109,6 @@ TEST_F(Finding, LooksInAllTablesWhenAsked) {
   EXPECT_EQ(Outcome(), "2 found");
   QTest::mouseClick(Bar()->chkFindAll, Qt::LeftButton, {}, QPoint(8, Bar()->chkFindAll->height() / 2));
   EXPECT_EQ(Outcome(), "3 found");
-  Bar()->txtFind->setFocus();
   QStringList found;
   for (int time = 0; time < 4; ++time) {
     Key(Qt::Key_Return);
@@ -121,6 +121,84 @@ TEST_F(Finding, LooksInAllTablesWhenAsked) {
   Key(Qt::Key_Return, Qt::ShiftModifier);
   EXPECT_EQ(Active().windowTitle(), InFolder("other.sig")) << "backwards, too";
   EXPECT_FALSE(app->Registry.Document(1)->findChild<FindBar*>()->isVisible()) << "there is one bar";
+}
+
+TEST_F(Finding, KeyOfTheBoxLeavesTheKeyboardToTheField) {
+  StartWith({Table("other.sig", {"GSM-R", "DCS"})});
+  Find("gsm");
+  Key(Qt::Key_A, Qt::AltModifier);
+  QTest::keyClicks(QApplication::focusWidget(), "-");
+  EXPECT_EQ(Bar()->txtFind->text(), "gsm-") << "also while the box is shown pressed";
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Bar()->chkFindAll->isChecked(); }));
+  EXPECT_EQ(Outcome(), "1 found");
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Active().windowTitle(), InFolder("other.sig"));
+  EXPECT_TRUE(Bar()->txtFind->hasFocus());
+}
+
+// A document is larger than the room for it where the screen is small.
+TEST_F(Finding, StandsAtTheLowerEdgeOfWhatIsInSight) {
+  StartWith();
+  Frame().resize(900, 460);
+  QMdiArea& area = Get<QMdiArea>("documents");
+  const QWidget& seen = *area.viewport();
+  const auto on = [&seen](const QWidget& widget, const QRect& place) {
+    return QRect(widget.mapTo(&seen, place.topLeft()), place.size());
+  };
+  const auto barPlace = [&] { return on(*Bar(), Bar()->rect()); };
+  const auto barIsAtTheEdge = [&] {
+    return seen.rect().contains(barPlace()) && barPlace().bottom() == seen.rect().bottom();
+  };
+  const auto cellIsSeen = [&](Grid& grid) {
+    const QRect cell = on(*grid.viewport(), grid.visualRect(grid.currentIndex()));
+    return seen.rect().contains(cell) && (Bar()->isHidden() || !barPlace().intersects(cell));
+  };
+  const auto scrollToTheEnd = [&area] {
+    QCoreApplication::processEvents();  // the bar's range follows by an event
+    area.verticalScrollBar()->setValue(area.verticalScrollBar()->maximum());
+  };
+  ASSERT_GT(Active().geometry().bottom(), seen.rect().bottom() + 50);
+  Find("channel 1000");
+  EXPECT_TRUE(barIsAtTheEdge());
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Place(), "E-GSM 900 band 1,3");
+  EXPECT_TRUE(cellIsSeen(In("GridBands")));
+  EXPECT_TRUE(seen.rect().contains(barPlace()));
+  Find("p-gsm");
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Place(), "P-GSM 900 0,1");
+  EXPECT_TRUE(cellIsSeen(In("GridDetails")));
+  EXPECT_TRUE(barIsAtTheEdge());
+  area.verticalScrollBar()->setValue(10);
+  EXPECT_TRUE(barIsAtTheEdge()) << "where the room is scrolled";
+  scrollToTheEnd();
+  EXPECT_EQ(Bar()->geometry().bottom(), Bar()->parentWidget()->rect().bottom());
+  area.verticalScrollBar()->setValue(0);
+  Frame().resize(900, 480);
+  EXPECT_TRUE(barIsAtTheEdge()) << "where the room changes";
+  Frame().resize(900, 800);
+  EXPECT_EQ(Bar()->geometry().bottom(), Bar()->parentWidget()->rect().bottom());
+  Frame().resize(900, 460);
+  scrollToTheEnd();
+  Key(Qt::Key_Escape);
+  EXPECT_TRUE(cellIsSeen(In("GridDetails"))) << "the cursor is where the keyboard goes back to";
+}
+
+TEST_F(Finding, BringsADocumentIntoSightThatIsAtTheEdgeOrAnIcon) {
+  StartWith();
+  const QWidget& seen = *Get<QMdiArea>("documents").viewport();
+  const auto fieldIsSeen = [&] {
+    const QLineEdit& field = *Bar()->txtFind;
+    return field.isVisible() && seen.rect().contains(QRect(field.mapTo(&seen, QPoint()), field.size()));
+  };
+  Active().move(seen.width() - 60, seen.height() - 40);
+  Find("dcs");
+  EXPECT_TRUE(fieldIsSeen());
+  Key(Qt::Key_Escape);
+  Active().showMinimized();
+  Find("dcs");
+  EXPECT_TRUE(fieldIsSeen());
+  EXPECT_EQ(Bar()->txtFind->text(), "dcs");
 }
 
 TEST_F(Finding, StoresAnOpenEditFirst) {

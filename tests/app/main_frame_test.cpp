@@ -374,6 +374,32 @@ TEST_F(Commands, StatusTextGoesToTheFirstPanel) {
   EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").textFormat(), Qt::PlainText);
 }
 
+TEST_F(Commands, StatusOfAnUndoGoesWithItsDocument) {
+  const QString status = "Undone: new standard.";
+  Start({Table("a.sig"), Table("b.sig")});
+  const auto undoIn = [this](int number) {
+    Frame().ShowDocument(*app->Registry.Document(number));
+    Choose("menuEditNewChanplan");
+    Key(Qt::Key_Z, Qt::ControlModifier);
+  };
+  undoIn(1);
+  Frame().ShowDocument(*app->Registry.Document(2));
+  Choose("mnuFileClose");
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), status) << "of another document";
+  Choose("mnuFileClose");
+  EXPECT_EQ(Captions(), QStringList());
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "");
+}
+
+TEST_F(Commands, StatusBehindAnUndoStaysWhenTheDocumentCloses) {
+  Start({Table("a.sig")});
+  Choose("menuEditNewChanplan");
+  Key(Qt::Key_Z, Qt::ControlModifier);
+  Frame().ShowStatus("Something else.");
+  Choose("mnuFileClose");
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "Something else.");
+}
+
 TEST_F(Splitter, DroppedHighUpGivesAThirdOfTheFrame) {
   Start();
   const int borders = Frame().frameGeometry().height() - Frame().height();

@@ -93,18 +93,36 @@ TEST_F(UploadOptions, BoxesStandBelowTheChoicesUncheckedAtFirst) {
     const auto& upload = *dialog.findChild<QPushButton*>("bttnUpload");
     const auto& keep = *dialog.findChild<QCheckBox*>(Keep);
     const auto& readBack = *dialog.findChild<QCheckBox*>(ReadBack);
-    EXPECT_EQ(keep.text(), "Keep a copy of the unit's table");
-    EXPECT_EQ(readBack.text(), "Read back and compare");
+    EXPECT_EQ(keep.text(), "&Keep a copy of the unit's table");
+    EXPECT_EQ(readBack.text(), "Read &back and compare");
     for (const QCheckBox* box : {&keep, &readBack}) {
       EXPECT_FALSE(box->isChecked());
       EXPECT_TRUE(box->isEnabled());
       EXPECT_EQ(QAccessible::queryAccessibleInterface(const_cast<QCheckBox*>(box))->text(QAccessible::Name),
-                box->text());
+                QString(box->text()).remove('&'));
       EXPECT_NE(QAccessible::queryAccessibleInterface(const_cast<QCheckBox*>(box))->text(QAccessible::Description), "");
     }
     EXPECT_LT(overwrite.geometry().bottom(), keep.y());
     EXPECT_LT(keep.geometry().bottom(), readBack.y());
     EXPECT_LT(readBack.geometry().bottom(), upload.y());
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  Choose("mnuToolsUpload");
+}
+
+TEST_F(UploadOptions, BoxesAreReachedByKeysOfTheirOwn) {
+  StartUnit();
+  Start({TableFile("mine.sig", NumberedRows(1))});
+  Answer([](QWidget& dialog) {
+    std::vector<QKeySequence> keys;
+    for (const QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+      if (!button->shortcut().isEmpty()) keys.push_back(button->shortcut());
+    for (const QKeySequence& key : keys) EXPECT_EQ(std::ranges::count(keys, key), 1) << key.toString().toStdString();
+    for (const auto& [name, key] : {std::pair{Keep, Qt::Key_K}, {ReadBack, Qt::Key_B}}) {
+      const auto& box = *dialog.findChild<QCheckBox*>(name);
+      QTest::keyClick(dialog.focusWidget(), key, Qt::AltModifier);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return box.isChecked(); })) << name.toStdString();
+    }
     QTest::keyClick(&dialog, Qt::Key_Escape);
   });
   Choose("mnuToolsUpload");
@@ -488,6 +506,24 @@ TEST_F(ReadingBack, ThatFailsDoesNotBlameTheUpload) {
     EXPECT_EQ(UnitsTable().Count, 2);
     unit.reset();
     std::filesystem::remove(unitFolder / "held.sig");
+  }
+}
+
+// Behind the reading of the unit's table, which has four bytes more.
+TEST_F(ReadingBack, ThatFailsNamesTheKeptFileInASentenceOfItsOwn) {
+  const QString notRead = "The unit confirmed the upload, but its table could not be read back to compare it: ";
+  for (const auto& [fault, reason] : {std::pair{"silent@11", "Error establishing communication with Handheld Product!"},
+                                      {"truncate-reply@9", "not all of it came in time."}}) {
+    SCOPED_TRACE(fault);
+    StartUnit(NumberedRows(1), {"--fault", fault});
+    Start({TableFile("mine.sig", NumberedRows(2))});
+    UploadWith({Keep, ReadBack});
+    EXPECT_EQ(Status(), notRead + reason + " " + KeptText());
+    ExpectMessage(notRead + reason + "\n\n" + KeptText());
+    TearDown();
+    unit.reset();
+    std::filesystem::remove(unitFolder / "held.sig");
+    std::filesystem::remove(KeptPath().toStdString());
   }
 }
 

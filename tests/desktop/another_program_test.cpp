@@ -1,7 +1,9 @@
 // The user goes to another program and comes back.
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QPushButton>
 
+#include "app/compare_window.h"
 #include "editor/grid_columns.h"
 #include "tests/app/app_fixture.h"
 #include "tests/core/table_of.h"
@@ -110,6 +112,20 @@ TEST_F(AnotherProgram, ComingBackKeepsTheChosenWarning) {
   GoAndComeBack();
   EXPECT_EQ(StatusPanel2(), position);
   EXPECT_GE(Get<QListWidget>("lstWarnings").currentRow(), 0);
+}
+
+TEST_F(AnotherProgram, ComparisonStaysAboveTheFrame) {
+  Open({SomeTable(), TableFile("other.sig", TableOf({NamedRow("X")}))});
+  Compare(Frame(), *app->Registry.Document(1), {app->Registry.Document(2)});
+  const QPointer<CompareWindow> comparison = Frame().findChild<CompareWindow*>();
+  comparison->resize(400, 300);
+  comparison->move(Frame().pos() + QPoint(60, 80));
+  desktop.Settle(*comparison);
+  GoAndComeBack();
+  QWidget& close = Get<QPushButton>("bttnCompareClose");
+  ASSERT_TRUE(Frame().geometry().contains(QRect(close.mapToGlobal(QPoint()), close.size())));
+  desktop.Click(close, close.rect().center());
+  EXPECT_EQ(comparison, nullptr) << "the click went to the frame";
 }
 
 TEST_F(AnotherProgram, ListThatHasDroppedDownIsNotAChoice) {

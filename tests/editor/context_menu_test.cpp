@@ -99,6 +99,28 @@ TEST_F(ContextMenu, OfValuesAndSubbandsOffersWhatBecomesOfThem) {
   EXPECT_FALSE(document.Modulation->isVisible());
 }
 
+TEST_F(ContextMenu, BesideTheCellsOffersNothingOfACell) {
+  const Document document = OpenPlan();
+  document.Window->resize(1300, 800);
+  const auto beside = [](Grid& grid) {
+    const QPoint at = grid.viewport()->rect().bottomRight() - QPoint(3, 3);
+    EXPECT_FALSE(grid.indexAt(at).isValid());
+    QTest::mouseClick(grid.viewport(), Qt::RightButton, {}, at);
+    return Items(AskedFor(grid, QContextMenuEvent::Mouse, at), true);
+  };
+  for (Grid* grid : {document.Details, document.Bands}) {
+    document.Click(grid, grid == document.Details ? int(UplinkRow) : 1);
+    EXPECT_EQ(beside(*grid), QStringList({"Add Sub-band at the End", "Remove Last Sub-band", "Chart F8"}));
+    EXPECT_NE(grid->currentItem(), nullptr) << "it could be cut otherwise";
+    Shown().close();
+  }
+  EXPECT_EQ(beside(*document.List), QStringList({"New Signal Standard Ctrl+W", "Chart F8"}));
+  Shown().close();
+  document.Click(document.List, 0);
+  Choose(RightClick(document.List, 0), "mnuContextCopy");
+  EXPECT_TRUE(beside(*document.List).contains("Paste Ctrl+V")) << "before the selected one";
+}
+
 TEST_F(ContextMenu, ShowsTheChart) {
   const Document document = OpenPlan();
   Choose(RightClick(document.List, 1), "mnuContextChart");

@@ -77,6 +77,9 @@ class FrameStandIn : public FrameOperations {
   void mnuEditPaste_Click() override { DocumentWindow::ActiveIn(*Area)->Paste(); }
   void Warnings(const QString& WarningText, qint16) override { Warned.push_back(WarningText); }
   void ShowStatus(const QString& text) override { Statuses.push_back(text); }
+  void WithdrawStatus(const QString& text) override {
+    if (Status() == text) ShowStatus("");
+  }
   bool ShowsCharts() override { return Charts; }
   void RememberCharts(bool shown) override { Charts = shown; }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override {
