@@ -77,9 +77,16 @@ void SweepFolder(const fs::path& folder) {
   }
 }
 
+// Is gone with its owner, unless its name is taken from it.
 struct FreshFile {
   fs::path Name;
   FileDescriptor File;
+
+  ~FreshFile() {
+    const int error = errno;
+    if (!Name.empty()) unlink(Name.c_str());
+    errno = error;
+  }
 };
 
 // A new file beside `target`, so that renaming it never crosses file systems. `mode` is cut by the umask.
@@ -89,7 +96,8 @@ FreshFile CreateBeside(const fs::path& target, mode_t mode) {
                     std::string(FreshFilePrefix).append(std::to_string(getpid()) + "-" + std::to_string(attempt));
     FileDescriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (!file.IsOpen() && errno == EEXIST) continue;
-    if (file.IsOpen()) flock(file.Get(), LOCK_EX | LOCK_NB);
+    if (!file.IsOpen()) return {fs::path(), std::move(file)};
+    flock(file.Get(), LOCK_EX | LOCK_NB);
     return {std::move(name), std::move(file)};
   }
 }
@@ -131,16 +139,12 @@ Replaced PutNewFile(const fs::path& target, const struct stat* former, std::stri
   constexpr mode_t ownerAlone = 0600;
   FreshFile fresh = CreateBeside(target, former != nullptr ? ownerAlone : 0666);
   if (!fresh.File.IsOpen()) return Replaced::Impossible;
-  Replaced outcome = Replaced::Failed;
-  if (former != nullptr && !TakeOverIdentity(fresh.File.Get(), target, *former))
-    outcome = Replaced::Impossible;
-  else if (WriteAll(fresh.File.Get(), bytes) && (!flush || fsync(fresh.File.Get()) == 0) && fresh.File.Close())
-    outcome = rename(fresh.Name.c_str(), target.c_str()) == 0 ? Replaced::Done : Replaced::Impossible;
-  if (outcome == Replaced::Done) return outcome;
-  const int error = errno;
-  unlink(fresh.Name.c_str());
-  errno = error;
-  return outcome;
+  if (former != nullptr && !TakeOverIdentity(fresh.File.Get(), target, *former)) return Replaced::Impossible;
+  if (!WriteAll(fresh.File.Get(), bytes) || (flush && fsync(fresh.File.Get()) != 0) || !fresh.File.Close())
+    return Replaced::Failed;
+  if (rename(fresh.Name.c_str(), target.c_str()) != 0) return Replaced::Impossible;
+  fresh.Name.clear();
+  return Replaced::Done;
 }
 
 std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {

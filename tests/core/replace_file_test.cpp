@@ -56,8 +56,12 @@ bool Fails(const char* name) {
   return fails;
 }
 
-void Note(const std::string& call) {
-  if (Recorder::Active != nullptr) Recorder::Active->Calls.push_back(call);
+// Takes down what `describe` says, which makes calls of its own.
+template <typename Description>
+void Note(const Description& describe) {
+  Recorder* const recorder = std::exchange(Recorder::Active, nullptr);
+  if (recorder != nullptr) recorder->Calls.push_back(describe());
+  Recorder::Active = recorder;
 }
 
 template <typename Function>
@@ -116,20 +120,14 @@ int close(int descriptor) {
 int fsync(int descriptor) {
   static const auto own = SystemsOwn<int(int)>("fsync");
   if (Fails("fsync")) return -1;
-  Recorder* const recorder = std::exchange(Recorder::Active, nullptr);
-  const std::string flushed = "flush " + WhatIsFlushed(descriptor);
-  Recorder::Active = recorder;
-  Note(flushed);
+  Note([=] { return "flush " + WhatIsFlushed(descriptor); });
   return own(descriptor);
 }
 
 int fchown(int descriptor, uid_t owner, gid_t group) noexcept {
   static const auto own = SystemsOwn<int(int, uid_t, gid_t)>("fchown");
   if (Fails("fchown")) return -1;
-  Recorder* const recorder = std::exchange(Recorder::Active, nullptr);
-  const std::string given = "give away with mode " + Mode(descriptor);
-  Recorder::Active = recorder;
-  Note(given);
+  Note([=] { return "give away with mode " + Mode(descriptor); });
   return own(descriptor, owner, group);
 }
 
@@ -141,7 +139,7 @@ int fchmod(int descriptor, mode_t mode) noexcept {
 int rename(const char* from, const char* to) noexcept {
   static const auto own = SystemsOwn<int(const char*, const char*)>("rename");
   if (Fails("rename")) return -1;
-  Note("rename to " + fs::path(to).filename().string());
+  Note([=] { return "rename to " + fs::path(to).filename().string(); });
   return own(from, to);
 }
 
