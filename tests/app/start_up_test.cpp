@@ -503,6 +503,18 @@ TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedWhenTheyWereDamagedToo) {
   EXPECT_TRUE(messages.back().Text.startsWith("Your settings cannot be written to "));
 }
 
+TEST_F(Closing, SettingsWhoseFolderWasRemovedAreStoredInANewOne) {
+  qputenv("XDG_CONFIG_HOME", (folder / "configuration").string().c_str());
+  std::filesystem::create_directory(folder / "configuration");
+  Start();
+  std::filesystem::remove_all(folder / "configuration");
+  app->Recent.AddRecentFile(InFolder("a.sig"));
+  std::filesystem::remove_all(folder / "configuration");
+  Choose("mnuFileExit");
+  EXPECT_TRUE(messages.empty());
+  EXPECT_NE(ReadFile(SettingsFile()).find("[Settings]"), std::string::npos);
+}
+
 TEST_F(Closing, SettingsThatCannotBeWrittenAreReportedOnceAndTheProgramEnds) {
   WriteFile(folder / "file", "");
   qputenv("XDG_CONFIG_HOME", (folder / "file").string().c_str());  // no folder, so nothing can be stored in it

@@ -126,6 +126,19 @@ TEST(Includes, GoDownwardsWithinAFolderToo) {
   }
 }
 
+// Somebody may set the time of the day while a unit is waited for.
+TEST(Waits, AreMeasuredByAClockThatNobodySets) {
+  const std::regex clockOfTheDay(
+      "system_clock|currentMSecsSinceEpoch|currentTime\\(|gettimeofday|CLOCK_REALTIME|GetSystemTime");
+  for (const Folder& folder : Folders)
+    for (const fs::path& source : SourcesOf(folder)) {
+      std::ifstream input(source);
+      const std::string text(std::istreambuf_iterator<char>(input), {});
+      EXPECT_FALSE(text.empty()) << source;
+      EXPECT_FALSE(std::regex_search(text, clockOfTheDay)) << source;
+    }
+}
+
 TEST(Includes, EveryFolderHasAReadme) {
   for (const Folder& folder : Folders)
     EXPECT_TRUE(fs::exists(fs::path(CHANPLAN_SOURCE_DIR) / folder.Name / "README.md")) << folder.Name;

@@ -429,6 +429,9 @@ TEST(FileStamp, ChangesWithTheFile) {
   const auto second = ReadFileStamp(folder / "table.sig");
   EXPECT_NE(first, second);
   EXPECT_TRUE(first->SameFile(*second));
+  WriteFile(folder / "table.sig", "others");
+  fs::last_write_time(folder / "table.sig", fs::last_write_time(folder.Path()) - std::chrono::hours(1));
+  EXPECT_NE(ReadFileStamp(folder / "table.sig"), second) << "a clock was put back";
   WriteFile(folder / "other.sig", "longer");
   fs::rename(folder / "other.sig", folder / "table.sig");
   EXPECT_FALSE(second->SameFile(*ReadFileStamp(folder / "table.sig")));
