@@ -10,11 +10,12 @@ namespace {
 
 constexpr std::string_view Shield = "./";
 
-// The library takes what stands in brackets for a list; behind a shield it is a name.
+// The library takes what stands in brackets for a list, and "++" for a command's end; behind a shield it is a name.
 std::string Shielded(const std::string& argument) {
   std::string_view bare = argument;
   while (bare.starts_with(Shield)) bare.remove_prefix(Shield.size());
-  return bare.starts_with('[') && bare.ends_with(']') ? std::string(Shield) + argument : argument;
+  const bool isTaken = (bare.starts_with('[') && bare.ends_with(']')) || bare == "++";
+  return isTaken ? std::string(Shield) + argument : argument;
 }
 
 std::string Unshielded(const std::string& argument) {
