@@ -3,12 +3,9 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QThreadPool>
-#include <QUrl>
 #include <QUuid>
 #include <set>
-#include <sstream>
 
-#include "core/sig_file.h"
 #include "core/state_folder.h"
 
 namespace chanplan {
@@ -16,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view Title = "Chanplan recovery copy 1";
 constexpr std::string_view CopyEnding = ".copy";
 
 QString PathText(const fs::path& path) { return QString::fromStdU16String(path.u16string()); }
@@ -34,39 +30,6 @@ std::string SessionOf(const fs::path& copy) {
 }
 
 }  // namespace
-
-std::string CopyText(const UnsavedTable& unsaved) {
-  std::ostringstream text;
-  text << Title << '\n'
-       << QUrl::toPercentEncoding(unsaved.Caption).toStdString() << '\n'
-       << unsaved.UnitTableTag << '\n'
-       << unsaved.KnownFile.has_value();
-  if (const auto& file = unsaved.KnownFile)
-    text << ' ' << file->Device << ' ' << file->Number << ' ' << file->Modified << ' ' << file->Size;
-  text << '\n' << WriteSigTable(unsaved.Table);
-  return text.str();
-}
-
-std::optional<UnsavedTable> ReadCopyText(const std::string& text) {
-  std::istringstream input(text);
-  std::string title, caption, line;
-  UnsavedTable unsaved;
-  bool hasFile = false;
-  std::getline(input, title);
-  std::getline(input, caption);
-  input >> unsaved.UnitTableTag >> hasFile;
-  if (hasFile) {
-    FileStamp& file = unsaved.KnownFile.emplace();
-    input >> file.Device >> file.Number >> file.Modified >> file.Size;
-  }
-  std::getline(input, line);
-  if (!input || title != Title) return std::nullopt;
-  unsaved.Caption = QUrl::fromPercentEncoding(QByteArray::fromStdString(caption));
-  ReadOutcome read = ReadSigTable(input);
-  if (!read.Ok()) return std::nullopt;
-  unsaved.Table = std::move(read.Table);
-  return unsaved;
-}
 
 void LeftTables::Remove() {
   std::error_code ignored;

@@ -7,30 +7,13 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/document_registry.h"
-#include "core/file_system.h"
-#include "core/signal_standard_table.h"
+#include "app/recovery_copy.h"
 
 namespace chanplan {
-
-/// A document that was not saved: what it takes to have it again as it was.
-struct UnsavedTable {
-  QString Caption;
-  std::uint16_t UnitTableTag = 0;
-  std::optional<FileStamp> KnownFile;
-  SignalStandardTable Table;
-
-  bool operator==(const UnsavedTable&) const = default;
-};
-
-/// A copy's content: four lines about the document, then the table as a file of its own.
-std::string CopyText(const UnsavedTable& unsaved);
-/// Nothing when `text` is no copy.
-std::optional<UnsavedTable> ReadCopyText(const std::string& text);
 
 /// What programs that ended without asking have left behind. Nobody else finds it as long as this lives.
 struct LeftTables {

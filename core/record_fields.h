@@ -77,5 +77,7 @@ template <typename... Uses>
 struct ByType : Uses... {
   using Uses::operator()...;
 };
+template <typename... Uses>
+ByType(Uses...) -> ByType<Uses...>;  // Clang finds it by itself from 17 on
 
 }  // namespace chanplan

@@ -13,7 +13,8 @@ std::string SettingsFile() {
 
 std::string CommDevice(int number) {
   const QSettings settings(QString::fromStdString(SettingsFile()), QSettings::IniFormat);
-  const QString chosen = settings.value("Settings/CommDevice" + QString::number(number)).toString();
+  // The store takes an unquoted comma for the end of a value.
+  const QString chosen = settings.value("Settings/CommDevice" + QString::number(number)).toStringList().join(',');
   return chosen.isEmpty() ? UsualDevice(number) : chosen.toStdString();
 }
 

@@ -432,6 +432,18 @@ TEST(Names, InBracketsArePrintedAsTheyWereGiven) {
   EXPECT_EQ(ReadFile(chanplan.Folder / "[report]").find("File: ./"), std::string::npos);
 }
 
+TEST(Names, OfTwoPlusSignsAreFilesAndEndNoCommand) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "a", SigText({}));
+  for (const char* name : {"++", "./++"}) {
+    const ProgramRun missing = chanplan.Run({"check", "a", name});
+    EXPECT_TRUE(missing.Errors.starts_with("chanplan: Error loading " + std::string(name) + ":")) << missing.Errors;
+    EXPECT_EQ(missing.ExitStatus, 2);
+  }
+  EXPECT_EQ(chanplan.Run({"save-as", "a", "++"}).ExitStatus, 0);
+  EXPECT_EQ(chanplan.Run({"check", "++"}).ExitStatus, 0);
+}
+
 TEST(Version, IsToldByTheProgramAndItsCommands) {
   const Chanplan chanplan;
   for (const Arguments& arguments : {Arguments{"--version"}, Arguments{"check", "--version"}}) {

@@ -1,19 +1,62 @@
-// Feeds the fuzz target with seeded mutations of a sound file, so that it runs with the other tests.
+// Replays what fuzzing has found worth keeping, and feeds the file reader with seeded mutations of a sound file.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
 
 #include "core/sig_file.h"
+#include "tests/core/temp_folder.h"
+#include "tests/fuzz/fuzz_target.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
-namespace chanplan {
+namespace chanplan::fuzzing {
 namespace {
+
+void Feed(void (*target)(const std::uint8_t*, std::size_t), const std::string& bytes) {
+  target(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+}
+
+struct Corpus {
+  const char* Name;  ///< its folder's
+  void (*Target)(const std::uint8_t* data, std::size_t size);
+};
+
+constexpr Corpus Corpora[] = {
+    {"arguments", FuzzArguments}, {"download", FuzzDownload},
+    {"identity", FuzzIdentity},   {"recovery_copy", FuzzRecoveryCopy},
+#ifdef __unix__
+    {"settings", FuzzSettings},
+#endif
+    {"sig_file", FuzzSigFile},
+};
+
+void PrintTo(const Corpus& corpus, std::ostream* output) { *output << corpus.Name; }
+
+class CorpusFuzz : public ::testing::TestWithParam<Corpus> {};
+
+TEST_P(CorpusFuzz, Stands) {
+  const auto folder = std::filesystem::path(CHANPLAN_SOURCE_DIR) / "tests/fuzz/corpus" / GetParam().Name;
+  const std::set<std::string> names = testing::NamesIn(folder);
+  EXPECT_GT(names.size(), 5U);
+  for (const std::string& name : names) Feed(GetParam().Target, testing::ReadFile(folder / name));
+}
+
+INSTANTIATE_TEST_SUITE_P(Kept, CorpusFuzz, ::testing::ValuesIn(Corpora),
+                         [](const auto& tested) { return std::string(tested.param.Name); });
+
+// Whatever they are: the arguments of a fuzz run must not be obeyed.
+TEST(ArgumentsFuzz, RunsNoCommand) {
+  const testing::TempFolder folder;
+  const std::string table = (folder / "table.sig").string(), out = (folder / "out.sig").string();
+  testing::WriteFile(table, WriteSigTable({}));
+  for (const char* command : {"save-as", "report", "chart", "print"})
+    Feed(FuzzArguments, std::string(command) + '\0' + table + '\0' + out + '\0');
+  EXPECT_EQ(testing::NamesIn(folder.Path()), std::set<std::string>{"table.sig"});
+}
 
 const std::string SoundFile =
     "State\tSubbands\tName\tUplink Start Freq.\tDownlink Stop Freq.\tStart Channel\tStop Channel\tBandwidth\tSpacing\t"
@@ -96,10 +139,6 @@ class Mutator {
   std::mt19937 random;
 };
 
-void Feed(const std::string& bytes) {
-  LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-}
-
 TEST(SigFileFuzz, StandsMutationsOfASoundFile) {
   int readable = 0;
   constexpr int rounds = 4000;
@@ -107,7 +146,7 @@ TEST(SigFileFuzz, StandsMutationsOfASoundFile) {
     const std::string bytes = Mutator(seed).Mutate();
     std::istringstream input(bytes);
     readable += ReadSigTable(input).Ok() ? 1 : 0;
-    Feed(bytes);
+    Feed(FuzzSigFile, bytes);
   }
   // Inputs that are all refused, or none, would try little.
   EXPECT_GT(readable, rounds / 5);
@@ -119,19 +158,19 @@ TEST(SigFileFuzz, StandsRandomBytes) {
     std::mt19937 random(seed);
     std::string bytes(random() % 2000, '\0');
     for (char& byte : bytes) byte = random() % 4 == 0 ? '\t' : static_cast<char>(random());
-    Feed(bytes);
+    Feed(FuzzSigFile, bytes);
   }
 }
 
 TEST(SigFileFuzz, StandsLinesAroundTheLongest) {
   for (std::size_t length = MaxLineLength - 30; length <= MaxLineLength + 3; ++length)
-    Feed("\r\n\t2\t" + std::string(length - 10, 'x') + "\t\t\t\t\t\t\t\r\n" + std::string(9, '\t'));
+    Feed(FuzzSigFile, "\r\n\t2\t" + std::string(length - 10, 'x') + "\t\t\t\t\t\t\t\r\n" + std::string(9, '\t'));
 }
 
 TEST(SigFileFuzz, StandsTheSoundFileItself) {
-  Feed(SoundFile);
-  Feed("");
+  Feed(FuzzSigFile, SoundFile);
+  Feed(FuzzSigFile, "");
 }
 
 }  // namespace
-}  // namespace chanplan
+}  // namespace chanplan::fuzzing

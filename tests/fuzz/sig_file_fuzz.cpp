@@ -2,8 +2,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,21 +11,10 @@
 #include "core/table_difference.h"
 #include "core/table_merge.h"
 #include "core/validation.h"
+#include "tests/fuzz/fuzz_target.h"
 
-namespace chanplan {
+namespace chanplan::fuzzing {
 namespace {
-
-// The input under test, shown where a fact does not hold.
-std::string_view current;
-
-void Require(bool holds, const char* fact) {
-  if (holds) return;
-  std::fprintf(stderr, "not so: %s\nfor these bytes: \"", fact);
-  for (const char c : current)
-    std::fprintf(stderr, c >= ' ' && c <= '~' ? "%c" : "\\%03o", static_cast<unsigned char>(c));
-  std::fprintf(stderr, "\"\n");
-  std::abort();
-}
 
 ReadOutcome Read(const std::string& bytes) {
   std::istringstream input(bytes);
@@ -102,16 +89,13 @@ void CheckMerge(const SignalStandardTable& base, const SignalStandardTable& sour
 }
 
 }  // namespace
-}  // namespace chanplan
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace chanplan;
-  const std::string bytes(data, data + size);
-  current = bytes;
+void FuzzSigFile(const std::uint8_t* data, std::size_t size) {
+  const std::string bytes(TakeInput(data, size));
   const ReadOutcome outcome = Read(bytes);
   if (!outcome.Ok()) {
     CheckFailure(outcome);
-    return 0;
+    return;
   }
   const SignalStandardTable& table = outcome.Table;
   Require(table.Count >= 0 && table.Count <= MaxRecords, "a table holds at most 200 rows");
@@ -123,5 +107,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckMerge(table, validated);
   Require(TableDifferences(table, table).empty(), "a table does not differ from itself");
   TableDifferences(table, validated);
-  return 0;
 }
+
+}  // namespace chanplan::fuzzing

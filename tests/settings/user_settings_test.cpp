@@ -23,6 +23,15 @@ TEST(CommDevice, NumbersStandForTheUsualDevicesUnlessASettingNamesAnother) {
   unsetenv("XDG_CONFIG_HOME");
 }
 
+// The store takes an unquoted comma for the end of a value.
+TEST(CommDevice, MayHaveACommaInItsName) {
+  const TempFolder folder;
+  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+  WriteFile(folder / "Chanplans.ini", "[Settings]\nCommDevice1=/dev/serial/by-id/usb-Cables,Inc.-if00\n");
+  EXPECT_EQ(CommDevice(1), "/dev/serial/by-id/usb-Cables,Inc.-if00");
+  unsetenv("XDG_CONFIG_HOME");
+}
+
 TEST(SettingsFile, IsInTheUsersConfiguration) {
   const TempFolder folder;
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
