@@ -156,6 +156,13 @@ TEST(LeadingNumber, IsAlwaysFinite) {
     EXPECT_TRUE(std::isfinite(LeadingNumber(text))) << text;
 }
 
+TEST(LeadingNumber, IsAllOfATextWhereNothingStandsBehindIt) {
+  for (const char* text : {"", " ", "1", "-1 850.2", "1E5", "1d-2", "&H1F"})
+    EXPECT_FALSE(HasMoreThanNumber(text)) << text;
+  for (const char* text : {"a", "1 MHz", "890,2", "1E", "1E+", "1D-", "0.2.1", "&H", "&O8"})
+    EXPECT_TRUE(HasMoreThanNumber(text)) << text;
+}
+
 TEST(RoundToInteger, TakesHalvesToTheEvenNeighbour) {
   struct Case {
     double Value;
