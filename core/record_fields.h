@@ -77,5 +77,7 @@ template <typename... Uses>
 struct ByType : Uses... {
   using Uses::operator()...;
 };
+template <typename... Uses>
+ByType(Uses...) -> ByType<Uses...>;  // as C++20 has it; not every compiler has that of C++20
 
 }  // namespace chanplan
