@@ -137,6 +137,7 @@ TEST(LeadingNumber, TooSmallForADoubleGivesZero) {
                 {"-1e-400", 0},
                 {"1e-99999999999999999999", 0},
                 {"0." + std::string(400, '0') + "1", 0},
+                {"0." + std::string(400, '0') + "1 Europe", 0},
                 {std::string(400, '9') + "e-900", 0}});
 }
 

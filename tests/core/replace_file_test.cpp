@@ -7,8 +7,10 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/file_system.h"
@@ -29,6 +31,7 @@ struct Recorder {
 
   std::vector<std::string> Calls;
   bool FlushFails = false;
+  std::string Pinned;  // the name of a file that nothing can take the place of, as of what is mounted
 };
 
 thread_local Recorder* Recorder::Active = nullptr;
@@ -70,8 +73,11 @@ extern "C" int fchown(int descriptor, uid_t owner, gid_t group) noexcept {
 
 extern "C" int rename(const char* from, const char* to) noexcept {
   static const auto move = SystemsOwn<int(const char*, const char*)>("rename");
-  if (Recorder* const recorder = Recorder::Active)
-    recorder->Calls.push_back("rename to " + fs::path(to).filename().string());
+  if (Recorder* const recorder = Recorder::Active) {
+    const std::string name = fs::path(to).filename().string();
+    recorder->Calls.push_back("rename to " + name);
+    if (name == recorder->Pinned) return errno = EBUSY, -1;
+  }
   return move(from, to);
 }
 
@@ -109,6 +115,43 @@ TEST(ReplaceFile, LeavesTheFormerFileWhereTheNewOneCannotBeFlushed) {
   EXPECT_EQ(recorder.Calls, (Calls{"give away with mode 600", "flush file of 3 bytes"}));
   EXPECT_EQ(ReadFile(folder / "table.sig"), "former");
   EXPECT_EQ(NamesIn(folder.Path()), Names{"table.sig"});
+}
+
+// As where nothing can take the place of the table, which can be written all the same.
+void SaveInPlace(const TempFolder& folder, Recorder& recorder) {
+  setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
+  WriteFile(folder / "table.sig", "former");
+  recorder.Pinned = "table.sig";
+  EXPECT_FALSE(ReplaceFile(folder / "table.sig", "new"));
+  unsetenv("XDG_STATE_HOME");
+  EXPECT_EQ(ReadFile(folder / "table.sig"), "new");
+}
+
+TEST(ReplaceFile, FlushesACopyOfTheFormerContentBeforeItIsChangedInPlace) {
+  const TempFolder folder;
+  Recorder recorder;
+  SaveInPlace(folder, recorder);
+  Calls calls = {"give away with mode 600", "flush file of 3 bytes", "rename to table.sig"};
+  calls.insert(calls.end(), {"flush copy", "rename to copy", "flush folder", "flush file of 3 bytes"});
+  ASSERT_EQ(recorder.Calls.size(), calls.size());
+  // The copy's size and name have numbers in them that are others each time.
+  EXPECT_TRUE(std::exchange(recorder.Calls[3], "flush copy").starts_with("flush file of "));
+  EXPECT_TRUE(std::exchange(recorder.Calls[4], "rename to copy").ends_with(".former"));
+  EXPECT_EQ(recorder.Calls, calls);
+}
+
+TEST(ReplaceFile, KeepsCopiesFromEverybodyElse) {
+  for (const bool exists : {false, true}) {
+    SCOPED_TRACE(exists);
+    const TempFolder folder;
+    const fs::path state = folder / "state" / "chanplans";
+    if (exists) fs::create_directories(state);
+    const fs::perms former = fs::status(state).permissions();
+    Recorder recorder;
+    SaveInPlace(folder, recorder);
+    EXPECT_EQ(fs::status(state / "saves").permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(state).permissions(), exists ? former : fs::perms::owner_all);
+  }
 }
 
 }  // namespace
