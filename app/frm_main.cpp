@@ -335,11 +335,12 @@ void frmMain::closeEvent(QCloseEvent* event) {
   app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));
   app.Settings.SetNumber(UploadKeepCopySetting, app.Transfers.UploadKeepCopy ? 1 : 0);
   app.Settings.SetNumber(UploadReadBackSetting, app.Transfers.UploadReadBack ? 1 : 0);
-  if (!app.Settings.Write())
+  if (!app.Settings.Write()) {
     ShowMessage(
         *this,
         "Your settings cannot be written to " + app.Settings.Place() + ". The next start will not know about this one.",
         ApplicationTitle(), QMessageBox::Warning);
+  }
   ResizeTimer->stop();
   QMainWindow::closeEvent(event);
   emit Ended();

@@ -230,7 +230,7 @@ void frmMain::menuOptions_DropDown() {
 void frmMain::mnuWindow_DropDown() {
   qDeleteAll(windowList);
   windowList.clear();
-  QMenu* menu = menuBar()->findChild<QMenu*>("mnuWindow");
+  auto* menu = menuBar()->findChild<QMenu*>("mnuWindow");
   menu->setToolTipsVisible(true);
   windowList += menu->addSeparator();
   for (const QPointer<DocumentWindow>& document : app.Registry.Documents) {

@@ -78,6 +78,6 @@ struct ByType : Uses... {
   using Uses::operator()...;
 };
 template <typename... Uses>
-ByType(Uses...) -> ByType<Uses...>;  // Clang finds it by itself from 17 on
+ByType(Uses...) -> ByType<Uses...>;  // as C++20 has it; not every compiler has that of C++20
 
 }  // namespace chanplan

@@ -16,6 +16,7 @@ void frmDocument::ValidateTable() {
 // Those of the table as it stands, which stays as it is.
 void frmDocument::ShowWarnings() {
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(GridList->rowCount()));
   for (int row = 0; row < GridList->rowCount(); ++row) names.push_back(BytesOf(GridList->CellText(row, 1)));
   warnings = FindWarnings(table, names);
   warningsText = QString::fromStdString(chanplan::WarningsText(warnings));

@@ -42,8 +42,8 @@ bool WriteByteAtOnce(std::intptr_t handle, char byte) {
 
 void ShortSleep(std::chrono::nanoseconds duration) {
   // The ordinary sleep lasts up to 16 ms; a high-resolution timer keeps to the duration.
-  thread_local const HANDLE timer =
-      CreateWaitableTimerExW(nullptr, nullptr, CREATE_WAITABLE_TIMER_HIGH_RESOLUTION, TIMER_ALL_ACCESS);
+  constexpr DWORD highResolution = 2;  // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION, which not all headers have
+  thread_local const HANDLE timer = CreateWaitableTimerExW(nullptr, nullptr, highResolution, TIMER_ALL_ACCESS);
   LARGE_INTEGER due;
   due.QuadPart = -duration.count() / 100;
   if (timer != nullptr && SetWaitableTimer(timer, &due, 0, nullptr, nullptr, FALSE))

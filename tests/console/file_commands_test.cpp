@@ -392,6 +392,13 @@ TEST(Json, IsUtf8WhateverAFileIsCalled) {
             "[{\"file\": \"bad\xEF\xBF\xBD.sig\", \"notes\": [], \"warnings\": []}]\n");
 }
 
+TEST(Json, EscapesWhatItsTextsMayNotHold) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "a\\b\x1F\".sig", SigText({}));
+  EXPECT_EQ(chanplan.Run({"check", "--format", "json", "a\\b\x1F\".sig"}).Output,
+            "[{\"file\": \"a\\\\b\\u001f\\\".sig\", \"notes\": [], \"warnings\": []}]\n");
+}
+
 // names and arguments
 
 TEST(Names, ReachNoTerminalAsTheyStand) {

@@ -306,6 +306,7 @@ TEST(Download, OfTwoHundredRecordsIsWhole) {
   const UnitWithTable unit(NumberedRows(200));
   EXPECT_EQ(chanplan.Run({"download", unit.Link(), "out.sig"}).ExitStatus, 0);
   EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), SigText(NumberedRows(200)));
+  EXPECT_EQ(NamesIn(chanplan.Folder.Path()), std::set<std::string>{"out.sig"});
 }
 
 TEST(Download, SaysWhenItsFileCannotBeWrittenBeforeItAsksTheUnit) {
@@ -566,6 +567,14 @@ TEST(Upload, AppendedFromAFileWithMoreThan200RowsIsRefusedWhateverTheUnitHolds) 
       << refused.Errors;
   EXPECT_EQ(refused.ExitStatus, 2);
   EXPECT_FALSE(unit.WasUploadedTo());
+}
+
+TEST(Upload, AppendedKeepsTheTagOfTheUnitsTable) {
+  const Chanplan chanplan;
+  const RunningSimulator unit({"--baud", "0", "--tag", "515"});
+  WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(1)));
+  const ProgramRun run = chanplan.Run({"upload", "--append", "--trace", unit.Link(), "table.sig"});
+  EXPECT_NE(run.Errors.find("> 4E 02 03 00 01 "), std::string::npos) << run.Errors;
 }
 
 struct Misfit {

@@ -137,6 +137,7 @@ TEST(LeadingNumber, TooSmallForADoubleGivesZero) {
                 {"-1e-400", 0},
                 {"1e-99999999999999999999", 0},
                 {"0." + std::string(400, '0') + "1", 0},
+                {"0." + std::string(400, '0') + "1 Europe", 0},
                 {std::string(400, '9') + "e-900", 0}});
 }
 
@@ -154,6 +155,13 @@ TEST(LeadingNumber, TakesTheWholeNumberIntoAccountHoweverLong) {
 TEST(LeadingNumber, IsAlwaysFinite) {
   for (const char* text : {"1e400", "-1e400", "nan", "inf", "-inf", "infinity", "&HFFFFFFFFFFFFFFFFFFFFFFFFFFFFF"})
     EXPECT_TRUE(std::isfinite(LeadingNumber(text))) << text;
+}
+
+TEST(LeadingNumber, IsAllOfATextWhereNothingStandsBehindIt) {
+  for (const char* text : {"", " ", "1", "-1 850.2", "1E5", "1d-2", "&H1F"})
+    EXPECT_FALSE(HasMoreThanNumber(text)) << text;
+  for (const char* text : {"a", "1 MHz", "890,2", "1E", "1E+", "1D-", "0.2.1", "&H", "&O8"})
+    EXPECT_TRUE(HasMoreThanNumber(text)) << text;
 }
 
 TEST(RoundToInteger, TakesHalvesToTheEvenNeighbour) {

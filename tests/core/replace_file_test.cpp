@@ -308,5 +308,29 @@ TEST(ReplaceFile, EndsWhereFilesCannotBeMarked) {
   }
 }
 
+TEST(ReplaceFile, FlushesACopyOfTheFormerContentBeforeItIsChangedInPlace) {
+  FailingSave save(Way::InPlace);
+  EXPECT_FALSE(save.Run(0, false));
+  Calls calls = save.Calls.Calls;
+  ASSERT_EQ(calls.size(), 4u);
+  // The copy's size and name have numbers in them that are others each time.
+  EXPECT_TRUE(std::exchange(calls[0], "flush copy").starts_with("flush file of "));
+  EXPECT_TRUE(std::exchange(calls[1], "rename to copy").ends_with(".former"));
+  EXPECT_EQ(calls, (Calls{"flush copy", "rename to copy", "flush folder", "flush file of 3 bytes"}));
+}
+
+TEST(ReplaceFile, KeepsCopiesFromEverybodyElse) {
+  for (const bool exists : {false, true}) {
+    SCOPED_TRACE(exists);
+    FailingSave save(Way::InPlace);
+    const fs::path state = save.Folder / "state" / "chanplans";
+    if (exists) fs::create_directories(state);
+    const fs::perms former = fs::status(state).permissions();
+    EXPECT_FALSE(save.Run(0, false));
+    EXPECT_EQ(fs::status(state / "saves").permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(state).permissions(), exists ? former : fs::perms::owner_all);
+  }
+}
+
 }  // namespace
 }  // namespace chanplan

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/file_descriptor.h"
 #include "core/file_system.h"
 #include "core/sig_file.h"
 #include "tests/core/other_user.h"
@@ -418,6 +419,31 @@ TEST(ReplaceFile, SweepsWhatDeadProcessesLeftInTheFolder) {
   Names kept = others;
   kept.insert({".chanplan-999999999-1", "table.sig"});
   EXPECT_EQ(NamesIn(folder.Path()), kept);
+}
+
+// On another machine, say, whose processes are not seen here.
+TEST(ReplaceFile, LeavesWhatIsStillBeingWrittenInTheFolder) {
+  const TempFolder folder;
+  const fs::path unfinished = folder / ".chanplan-999999999-0";
+  WriteFile(unfinished, "half");
+  FileDescriptor writer(open(unfinished.c_str(), O_WRONLY | O_CLOEXEC));
+  ASSERT_TRUE(MarkInUse(writer));
+  ASSERT_FALSE(ReplaceFile(folder / "table.sig", "table"));
+  EXPECT_TRUE(fs::exists(unfinished));
+  writer.Close();
+  ASSERT_FALSE(ReplaceFile(folder / "table.sig", "table"));
+  EXPECT_FALSE(fs::exists(unfinished));
+}
+
+TEST(FileStamp, ChangesWithinASecond) {
+  const TempFolder folder;
+  const fs::path file = folder / "table.sig";
+  WriteFile(file, "one");
+  const auto time = std::chrono::floor<std::chrono::seconds>(fs::last_write_time(file));
+  fs::last_write_time(file, time);
+  const auto stamp = ReadFileStamp(file);
+  fs::last_write_time(file, time + std::chrono::milliseconds(1));
+  EXPECT_NE(ReadFileStamp(file), stamp);
 }
 
 TEST(FileStamp, ChangesWithTheFile) {

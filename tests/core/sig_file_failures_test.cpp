@@ -176,6 +176,12 @@ TEST(ReadSigTable, NotesWhatItDidNotTakeAsItStands) {
   EXPECT_EQ(Read(row + row).Notes, Lines{"line 1 looks like a row, and was left out as the header"});
 }
 
+TEST(ReadSigTable, TellsAHundredOfTheValuesThatItDidNotTake) {
+  std::string text = Header;
+  for (int row = 0; row < 60; ++row) text += "2\t0\tGSM\t890,2\t935,2\t1\t124\t0.2\t0.2\t1\r\n";
+  EXPECT_EQ(Read(text).Notes.size(), 100u);
+}
+
 TEST(ReadSigTable, TellsTheRowsBeyondTheTwoHundredth) {
   for (const int count : {199, 200, 201, 250}) {
     const ReadOutcome outcome = Read(Header + Rows(count));

@@ -89,6 +89,7 @@ TEST(StateValue, RoundsAndStaysWithin64Bits) {
   EXPECT_EQ(StateValue(RowWithState("2.5")), 2);
   EXPECT_EQ(StateValue(RowWithState("3.5")), 4);
   EXPECT_EQ(StateValue(RowWithState("4294967298")), 4294967298);
+  EXPECT_EQ(StateValue(RowWithState("9223372036854775808")), std::numeric_limits<std::int64_t>::max());  // 2^63
   EXPECT_EQ(StateValue(RowWithState("1E+30")), std::numeric_limits<std::int64_t>::max());
   EXPECT_EQ(StateValue(RowWithState("-1E+30")), std::numeric_limits<std::int64_t>::min());
   EXPECT_EQ(StateValue(RowWithState("1E+400")), std::numeric_limits<std::int64_t>::max());

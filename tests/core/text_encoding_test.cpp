@@ -83,5 +83,17 @@ TEST(Utf32FromUtf8, ReplacesEveryByteThatIsNoCharacter) {
     EXPECT_EQ(Utf32FromUtf8(bytes), codes) << fact;
 }
 
+TEST(HarmlessText, HasNoControlCharacterButLineEndsAndTabs) {
+  struct Case {
+    const char* Text;
+    const char* Harmless;
+  };
+  for (const auto& [text, harmless] :
+       {Case{"a\tb\nc ~", "a\tb\nc ~"}, Case{"\x1B[31m\r\x01", "?[31m??"}, Case{"a\x7Fz", "a?z"},
+        Case{"\xC2\x80\xC2\x9B[31m", "??[31m"}, Case{"\xC2\xA0\xC3\x9B\xE2\x82\xAC", "\xC2\xA0\xC3\x9B\xE2\x82\xAC"},
+        Case{"cut \xC2", "cut \xC2"}})
+    EXPECT_EQ(HarmlessText(text), harmless);
+}
+
 }  // namespace
 }  // namespace chanplan

@@ -73,6 +73,8 @@ TEST(FindInPlan, FindsPartsOfNamesInWhateverCase) {
   EXPECT_EQ(Find("UMTS"), Places());
   EXPECT_EQ(Find(" "), Places());
   EXPECT_EQ(FindInPlan(TableOf({NamedRow("\xC4RGER")}), ReadPlanQuery("\xE4rg")), Places{{0}});
+  EXPECT_EQ(FindInPlan(TableOf({NamedRow("2\xD7"), NamedRow("2\xF7")}), ReadPlanQuery("\xF7")), Places{{1}})
+      << "signs have no case";
 }
 
 TEST(FindInPlan, FindsWhoHoldsAFrequencyFromTheFirstCarrierToTheLast) {

@@ -168,6 +168,9 @@ TEST(ListingMargins, AreAQuarterOfAnInchWhereThePrinterReachesAsFar) {
   EXPECT_EQ(margins.top(), 0.25);
   EXPECT_NEAR(margins.right(), 7 * millimetre, 0.01);
   EXPECT_NEAR(margins.bottom(), 0.5, 0.01);
+  const QPageLayout otherEdges(size, QPageLayout::Portrait, {20, 20, 20, 20}, QPageLayout::Millimeter, {7, 12.7, 3, 5});
+  EXPECT_NEAR(ListingMargins(otherEdges).left(), 7 * millimetre, 0.01);
+  EXPECT_NEAR(ListingMargins(otherEdges).top(), 0.5, 0.01);
   QPageLayout page = reachesLess;
   page.setUnits(QPageLayout::Inch);
   EXPECT_TRUE(page.setMargins(margins)) << "the printer takes them";

@@ -25,6 +25,7 @@ class HandDrivenClock {
   using Duration = std::chrono::nanoseconds;
 
   Duration Time{};
+  Duration LastPass{};      ///< when events were let run last
   int Passes = 0;           ///< how often events were let run
   Duration GivenAway{};     ///< the processor time offered to others, all passes together
   Duration LongestPause{};  ///< the most that one pass offered
@@ -43,6 +44,7 @@ class HandDrivenClock {
     GivenAway += longest;
     LongestPause = std::max(LongestPause, longest);
     Time += Advance(longest);
+    LastPass = Time;
     // A wait that does not end has to fail its test instead of hanging it.
     if (Time > 1h) throw std::logic_error("a wait does not end");
   }
@@ -82,6 +84,7 @@ class FakePort : public PortObject {
   std::size_t BreaksAfterBytes = std::string::npos;                     ///< as soon as so many were sent
   std::chrono::nanoseconds BreaksAt = std::chrono::nanoseconds::max();  ///< by the clock
   bool KeepsInputWhileClosed = false;                                   ///< as pseudo-terminals do
+  bool ReadsWhileEventsRun = false;  ///< and not meanwhile, as the platform library's ports do
   void Arrive(const std::string& bytes, std::chrono::nanoseconds delay = {}) {
     incoming.emplace(clock.Time + delay, bytes);
   }
@@ -145,7 +148,8 @@ class FakePort : public PortObject {
   }
   bool Broken() const { return clock.Time >= BreaksAt; }
   Incoming::iterator Arrived() {
-    return open ? incoming.upper_bound(std::min(clock.Time, BreaksAt)) : incoming.begin();
+    const auto read = ReadsWhileEventsRun ? clock.LastPass : clock.Time;
+    return open ? incoming.upper_bound(std::min(read, BreaksAt)) : incoming.begin();
   }
 
   const HandDrivenClock& clock;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/core/table_of.h"
@@ -214,6 +215,28 @@ TEST(Line, IsNotTakenForQuietByAProgramThatWasHeldUp) {
   std::string rest;
   EXPECT_TRUE(rig.Link.ReadUntilQuiet(rest));
   EXPECT_EQ(rest.size(), 300u);
+}
+
+TEST(Line, IsNotTakenForQuietWhereWhatCameIsNotReadYet) {
+  HandDrivenClock clock;
+  FakePort port(clock);
+  port.ReadsWhileEventsRun = true;
+  LinkTiming timing = clock.Timing();
+  bool heldUp = true;  // until the port is open
+  timing.Now = [&] {
+    if (clock.LastPass == clock.Time && !std::exchange(heldUp, true)) {
+      port.Arrive("?", 50ms);
+      clock.Time += 200ms;
+    }
+    return clock.Time;
+  };
+  UnitLink link(port, timing);
+  link.OpenCommPort(1);
+  clock.Time += 1us;  // so that the program is held up right behind the next pass
+  heldUp = false;
+  std::string rest;
+  EXPECT_TRUE(link.ReadUntilQuiet(rest));
+  EXPECT_EQ(rest, "?");
 }
 
 TEST(CloseCommPort, WaitsLongerForTheEchoOfAUnitThatAnswers) {

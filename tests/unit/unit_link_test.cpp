@@ -368,6 +368,20 @@ TEST(ReadUnitIdentity, KeepsWhatFollowsTheThirteenBytesInTheReplyOnly) {
   EXPECT_EQ(rig.Link.UnitFirmwareVersion, 3.0);
 }
 
+TEST(ReadUnitIdentity, AsksAThirdTimeWhereEchoesStandInTwoAnswers) {
+  HandDrivenLink rig;
+  rig.Open();
+  rig.Port.Script = [](std::string_view sent) {
+    std::string identity = IdentityReply("XY1234D", "3.00");
+    if (sent.size() < 3) identity.insert(3 + sent.size(), 1, '\xFF');
+    return std::vector<DelayedBytes>{{identity, 1}};
+  };
+  std::string reply;
+  EXPECT_EQ(rig.Link.ReadUnitIdentity(10000, reply), LinkTrue);
+  EXPECT_EQ(rig.Port.SentBytes(), "EEE");
+  EXPECT_EQ(rig.Link.UnitModel, "XY1234D");
+}
+
 TEST(ReadUnitIdentity, TimesOutJustAfterItsTime) {
   struct Incomplete {
     const char* Description;
