@@ -105,6 +105,7 @@ QString PromptTableFile(CommandFrame& frame, const RecentFileList& recent) {
   OpenDialog dialog(&frame);
   SetUp(dialog, frame, recent, QFileDialog::AcceptOpen, TableFiles);
   dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.setWindowTitle("Compare With");
   return ChosenFiles(dialog).value(0);
 }
 

@@ -163,6 +163,7 @@ void frmMain::Warnings(const QString& WarningText, qint16 SelIndex) { lstWarning
 // A line: what is quoted may have more, which would push everything else out of the frame.
 void frmMain::ShowStatus(const QString& text) {
   sbStatusBarPanel1->setText(QString(text).replace('\n', ' ').remove('\r'));
+  sbStatusBarPanel1->setToolTip(sbStatusBarPanel1->text());  // the bar may have no room for all of it
 }
 
 void frmMain::WithdrawStatus(const QString& text) {
@@ -333,8 +334,6 @@ void frmMain::closeEvent(QCloseEvent* event) {
   SavePlacement(*this, app.Settings);
   app.Settings.SetNumber(CommPortSetting, app.Link.CommPort);
   app.Settings.SetBaudRate(QString::fromStdString(app.Link.BaudRate));
-  app.Settings.SetNumber(UploadKeepCopySetting, app.Transfers.UploadKeepCopy ? 1 : 0);
-  app.Settings.SetNumber(UploadReadBackSetting, app.Transfers.UploadReadBack ? 1 : 0);
   if (!app.Settings.Write()) {
     ShowMessage(
         *this,

@@ -119,6 +119,8 @@ void frmMain::mnuToolsUpload_Click() {
   if (transfer || document == nullptr) return;
   transfer.emplace(*this, app.Link, app.Transfers, app.Shared);
   transfer->Upload(*document);
+  app.Settings.SetNumber(UploadKeepCopySetting, app.Transfers.UploadKeepCopy ? 1 : 0);
+  app.Settings.SetNumber(UploadReadBackSetting, app.Transfers.UploadReadBack ? 1 : 0);
   transfer.reset();
 }
 

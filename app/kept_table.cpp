@@ -24,6 +24,7 @@ QString MakeNewFile(QFile& file, const QString& name) {
 
 KeptTable KeepTable(const SignalStandardTable& table, const QDateTime& now) {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  QDir().mkpath(folder);  // a new user may have none
   QFile file;
   const QString failure = MakeNewFile(file, folder + "/Unit " + now.toString("yyyy-MM-dd HH.mm"));
   const KeptTable kept{QDir::toNativeSeparators(file.fileName()), failure};

@@ -23,6 +23,12 @@ constexpr char NotConfirmedText[] =
     "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
     "the cable sits, and upload the table again.";
 
+constexpr char NotArrivedText[] =
+    "The table of the unit did not arrive whole within 30 s, so none of it is shown: check that the cable sits and "
+    "start "
+    "again.";
+
+constexpr char NotReadBackText[] = " It was not read back to compare it.";
 constexpr char NotComparedText[] = " The table was uploaded, but not read back to compare it.";
 
 // The first of `lines`, one below the other: a message box has no room for many.
@@ -70,16 +76,23 @@ bool TransferCommand::eventFilter(QObject* watched, QEvent* event) {
   return true;
 }
 
-void TransferCommand::Download() { ReceiveInNewDocument(false); }
+void TransferCommand::Download() {
+  const std::optional<TransferOutcome> outcome = ReceiveInNewDocument(false);
+  // The status bar counts the records that are shown, as behind every download.
+  if (outcome && outcome->Message.empty() && outcome->Result == LinkTimeout && !flags.AbortRequested)
+    ShowMessage(frame, NotArrivedText, frame.ApplicationTitle(), QMessageBox::Warning);
+}
 
 void TransferCommand::Upload(DocumentWindow& document) {
   moved = &document;
   if (!Connect()) return;
   frmUploadOptns(&frame, flags).exec();
   if (flags.AbortRequested) return;
-  if (flags.UploadAppend ? !Append() : flags.UploadKeepCopy && !ReadAndKeep()) return;
-  const std::optional<std::string> message = Encode(*moved);
-  if (message && ConfirmLosses(moved->Table())) Send(*moved, *message);
+  // What is not appended to the unit's table goes out as it is now, however long that is read before.
+  std::optional<std::string> message;
+  const auto isReady = [&] { return (message = Encode(*moved)) && ConfirmLosses(moved->Table()); };
+  const bool ready = flags.UploadAppend ? Append() && isReady() : isReady() && (!flags.UploadKeepCopy || ReadAndKeep());
+  if (ready) Send(*moved, *message);
 }
 
 // The user may have wished to stop while the unit was waited for.
@@ -184,8 +197,8 @@ bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
   if (text.isEmpty()) return true;
   text += merged.Dropped > 0 ? QString("Upload the first %1 all the same?").arg(MaxRecords)
                              : QString("Upload the others all the same?");
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel) ==
-         QMessageBox::Ok;
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
+             QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 // What would be left out is asked about before the merge says what it did.
@@ -216,8 +229,8 @@ bool TransferCommand::ConfirmLosses(const SignalStandardTable& table) {
   if (losses.empty()) return true;
   const QString text = "The unit cannot hold these values as they stand in the table:\n\n" + ListText(losses) +
                        "\n\nUpload the table all the same?";
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel) ==
-         QMessageBox::Ok;
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
+             QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
@@ -242,7 +255,7 @@ TransferOutcome TransferCommand::Receive(DocumentWindow& document) {
 }
 
 TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view message) {
-  const int records = document.Table().Count;  // it may be edited meanwhile
+  const int records = static_cast<int>((message.size() - WireHeaderSize) / WireRecordSize);
   const TransferOutcome outcome = RunUpload(link, message, Begin(), [this] { return flags.AbortRequested; });
   if (outcome.Moved()) document.UnitTableTag = UploadTag(document.UnitTableTag);
   const QString end = EndText(outcome, records);
@@ -250,7 +263,8 @@ TransferOutcome TransferCommand::Send(DocumentWindow& document, std::string_view
   const LinkResult sync = AwaitConfirmation(outcome, end);
   Tell(outcome);
   if (outcome.Done() && sync != LinkAck)
-    ShowMessage(frame, WithKept(NotConfirmedText, "\n\n"), frame.ApplicationTitle(), QMessageBox::Warning);
+    ShowMessage(frame, WithKept(QString(NotConfirmedText) + (flags.UploadReadBack ? NotReadBackText : ""), "\n\n"),
+                frame.ApplicationTitle(), QMessageBox::Warning);
   else if (outcome.Done() && flags.UploadReadBack)
     ReadBack(message, records);
   else if (outcome.Message.empty() && !kept.isEmpty())
@@ -271,14 +285,15 @@ void TransferCommand::ReadBack(std::string_view message, int records) {
   const SignalStandardTable sent = SentTable(message);
   const std::vector<std::string> differences = RowDifferences(sent, held.Table);
   if (differences.empty())
-    return Say(CompletedText(records) + " The unit's table was read back: it is the same.", QMessageBox::Information);
+    return Say(CompletedText(records) + " The unit's table was read back: it is what was sent.",
+               QMessageBox::Information);
   Say("The unit's table is not the one that was sent:\n\n" + ListText(differences) + "\n\nUpload the table again.",
       QMessageBox::Warning);
   ShowDifferences(sent);
 }
 
-// The unit's table comes into a document, as after a download. Values that are not a sub-band's own are its
-// standard's there: what differs in those alone, the message has said.
+// The unit's table comes into a document, as after a download; the one to upload again stays the active one. Values
+// that are not a sub-band's own are its standard's there: what differs in those alone, the message has said.
 void TransferCommand::ShowDifferences(const SignalStandardTable& sent) {
   DocumentWindow& document = frame.CreateDocument(false, "Untitled(Query) ");
   document.UnitTableTag = held.UnitTableTag;
@@ -286,6 +301,7 @@ void TransferCommand::ShowDifferences(const SignalStandardTable& sent) {
   frame.ShowDocument(document);
   const ComparedTable right{nullptr, {}, sent, {}, "the sent table"};
   if (!FindDifferences(ComparedTable{&document}.Rows(), right.Rows()).empty()) Compare(frame, document, right);
+  if (moved != nullptr) frame.ShowDocument(*moved);
 }
 
 TransferProgress& TransferCommand::Begin() {
@@ -310,12 +326,14 @@ void TransferCommand::ShowEnd(const QString& text) {
 // The dialog is hidden by then, so that the status bar says what is waited for when it takes long.
 LinkResult TransferCommand::AwaitConfirmation(const TransferOutcome& outcome, const QString& end) {
   QTimer silence;
-  QObject::connect(&silence, &QTimer::timeout, this,
-                   [&] { frame.ShowStatus(WithKept(end, " ") + " Waiting for the unit ... (Esc cancels)"); });
-  silence.setSingleShot(true);
+  bool waited = false;
+  QObject::connect(&silence, &QTimer::timeout, this, [&] {
+    waited = true;
+    frame.ShowStatus((flags.AbortRequested ? "Canceling ... " : "Waiting for the unit ... (Esc cancels) ") + end);
+  });
   silence.start(Silence);
   const LinkResult sync = FinishTransfer(link, outcome);
-  if (!silence.isActive()) frame.ShowStatus(WithKept(end, " "));
+  if (waited) frame.ShowStatus(WithKept(end, " "));
   return sync;
 }
 

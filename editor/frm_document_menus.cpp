@@ -70,6 +70,9 @@ void frmDocument::ShowContextMenu(Grid& grid, const QPoint& at, bool onCell) {
     action->setEnabled((onCell || (item.ShownIn & OnCell) == 0) && (this->*item.IsPossible)());
     connect(action, &QAction::triggered, this, item.Run);
   }
+  auto& chartItem = *menu->findChild<QAction*>("mnuContextChart");
+  chartItem.setCheckable(true);
+  chartItem.setChecked(ChartIsShown());
   menu->popup(at);
 }
 

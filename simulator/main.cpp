@@ -192,6 +192,9 @@ Settings ParseArguments(CLI::App& app, int argc, char** argv) {
   CheckRange("--nth", settings.Unit.DropInterval, 1, INT_MAX);
   settings.Unit.Tag = static_cast<std::uint16_t>(settings.Tag);
   if (!settings.FaultText.empty()) ChooseFault(settings);
+  for (const char* name : {"--link", "--table", "--save", "--fault"})
+    for (const std::string& value : app.get_option(name)->results())
+      if (value.empty()) throw CLI::ValidationError(name, "is given without a value");
   CheckLength("--model", settings.Unit.Model, SimulatedUnit::ModelSize);
   CheckLength("--firmware", settings.Unit.Firmware, SimulatedUnit::FirmwareSize);
   if (nth->count() > 0 && settings.Unit.Misbehaviour != Fault::DropEveryNthByte)
@@ -204,7 +207,7 @@ void LoadTable(Settings& settings) {
   ReadOutcome outcome = LoadSigFile(settings.TableFile);
   if (!outcome.Ok()) throw std::runtime_error(settings.TableFile + ": " + outcome.Reason);
   settings.Unit.Table = outcome.Table;
-  settings.TableIsCut = outcome.Truncated;
+  settings.TableIsCut = outcome.RowsLeftOut > 0;
 }
 
 std::string HeldText(const Settings& settings) {

@@ -81,7 +81,7 @@ bool SimulatedUnit::LosesByte(int command) {
 }
 
 void SimulatedUnit::ReceiveByte(char byte, std::string& reply) {
-  if (off) return;
+  if (off || hangsUp) return;
   if (!receivesTable) ++commands;
   if (Has(Fault::Echo)) reply += byte;
   if (receivesTable)
@@ -123,7 +123,8 @@ void SimulatedUnit::ReceiveTableByte(char byte) {
   upload += byte;
   if (upload.size() < WireHeaderSize) return;
   const std::size_t size = TableSize(upload);
-  hangsUp = hangsUp || (Has(Fault::HangUp) && upload.size() >= size / 2);
+  if (Has(Fault::HangUp) && upload.size() >= size / 2) hangsUp = true;
+  if (hangsUp) return;
   if (Has(Fault::OffInUpload) && upload.size() >= size / 2) return SwitchOff();
   if (upload.size() < size) return;
   receivesTable = false;

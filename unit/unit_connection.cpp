@@ -34,6 +34,8 @@ std::string RefusalReason(const UnitLink& link, ConnectRefusal refusal, std::str
   if (const auto failure = link.PortFailure()) return failure->what();
   if (refusal != ConnectRefusal::NoProperResponse) return std::string(RefusalText(refusal));
   if (IsSentBack(reply)) return std::string(SentBackText);
+  if (reply.empty() && link.IsNoisy())
+    return "the unit sends without being asked: wait until it has ended, or switch it off and on";
   if (reply.empty())
     return "no unit answered within 10 s: check that it is switched on and that the cable sits; after an upload that "
            "was broken off, switch it off and on";

@@ -114,11 +114,12 @@ LinkResult UnitLink::AwaitEcho(int timeoutMs, std::chrono::milliseconds silence)
 
 bool UnitLink::ReadUntilQuiet(std::string& rest, std::chrono::milliseconds quiet) {
   return WaitUntil(Now(), LongestUnrestMs, [&] {
-    // What had come by `now` is seen, however long the program was held up before it.
+    // What had come by `now` is seen, however long the program was held up before it; what is read may have come
+    // since.
     const auto now = Now();
     LetEventsRun();
     const std::string bytes = CommControl.ReadInput();
-    line.Heard(bytes, now);
+    line.Heard(bytes, Now());
     rest += bytes;
     return line.IsQuiet(now, quiet);
   });

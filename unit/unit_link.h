@@ -90,6 +90,8 @@ class UnitLink {
   bool WaitUntil(std::chrono::nanoseconds start, int timeoutMs, const std::function<bool()>& enough,
                  std::chrono::milliseconds silence = Silence);
   std::chrono::nanoseconds Now() const { return timing.Now(); }
+  /// Whether bytes that nothing had asked for came until just now.
+  bool IsNoisy() const { return Now() - line.LastHeard() < Silence; }
   /// Whether an echo that came now may be one that another program asked for.
   bool MayHearOthers() const { return line.MayHearOthers(Now()); }
 

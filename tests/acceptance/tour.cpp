@@ -159,7 +159,7 @@ class Tour {
     frame.ShowDocument(*app.Registry.Document(1));
     Must(Document().windowTitle() == "Factory Default (Read-Only)", "the factory table is active");
     Upload("optnAppend", true, "safe-upload");
-    Must(Panel1().contains("it is the same. The unit's table from before is in " + folder + "/documents/Unit "),
+    Must(Panel1().contains("it is what was sent. The unit's table from before is in " + folder + "/documents/Unit "),
          "the unit's table was kept and read back");
     const QStringList kept = QDir(folder + "/documents").entryList({"Unit *.sig"});
     Must(kept.size() == 1, "there is one copy");

@@ -205,6 +205,23 @@ TEST_F(Menus, LookForPortsWheneverTheyDropDown) {
   for (int port = 1; port <= 6; ++port) EXPECT_FALSE(Item("menuOptionsCom" + QString::number(port)).isVisible());
 }
 
+TEST_F(Menus, KeepThePortsWhileOneIsInUseByATransfer) {
+  Start();
+  const QStringList before = VisibleItems(Get<QMenu>("menuOptionsComPort"));
+  QStringList meanwhile;
+  AnswerMessage();  // nobody is there
+  QTimer::singleShot(0, [&] {
+    absentPorts = {1, 2, 3, 4, 5};
+    ASSERT_TRUE(Frame().Transferring());
+    DropDown("menuOptions");
+    meanwhile = VisibleItems(Get<QMenu>("menuOptionsComPort"));
+    PullUp();
+    QTest::keyClick(&Frame(), Qt::Key_Escape);
+  });
+  Choose("mnuToolsQuery");
+  EXPECT_EQ(meanwhile, before);
+}
+
 TEST_F(Menus, SayWhyThereIsNoPort) {
   absentPorts = {1, 2, 3, 4, 5, 6};
   Start();

@@ -17,6 +17,10 @@ const QString NoAnswer = "Error establishing communication with Handheld Product
 const QString NotWhole =
     "The table of the unit could not be read whole, so nothing was uploaded: check the cable and start again.";
 
+const QString NotArrived =
+    "The table of the unit did not arrive whole within 30 s, so none of it is shown: check that the cable sits and "
+    "start "
+    "again.";
 const QString NotConfirmed =
     "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
     "the cable sits, and upload the table again.";
@@ -131,12 +135,14 @@ TEST_F(FaultyUnit, ThatFallsSilentStopsAnAppendBeforeItsDownload) {
   ExpectNothingMoved();
 }
 
-// The status bar reports completion with the record count, which says that nothing came.
+// The status bar reports completion with the record count, a message that nothing came.
 TEST_F(FaultyUnit, ThatSpoilsItsReplyLeavesAnEmptyDocument) {
   for (const char* fault : {"truncate-reply", "wrong-count", "garbage"}) {
     SCOPED_TRACE(fault);
     StartFaulty({"--fault", fault});
+    AnswerMessage();
     Download();
+    ExpectMessage(NotArrived, QMessageBox::Warning);
     EXPECT_EQ(Status(), CompletedText(0));
     EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
     EXPECT_EQ(ActiveNames(), QStringList());
@@ -148,7 +154,9 @@ TEST_F(FaultyUnit, ThatSpoilsItsReplyLeavesAnEmptyDocument) {
 
 TEST_F(FaultyUnit, ThatLosesBytesLeavesAnEmptyDocument) {
   StartFaulty({"--fault", "drop-every-nth-byte", "--nth", "50"});
+  AnswerMessage();
   Download();
+  ExpectMessage(NotArrived, QMessageBox::Warning);
   EXPECT_EQ(Status(), CompletedText(0));
   EXPECT_EQ(ActiveNames(), QStringList());
   ExpectNothingMoved();
@@ -460,7 +468,7 @@ TEST_F(SilentWait, ForTheLastEchoComesWhenTheTableIsOnTheScreen) {
   watch.start(5);
   QTimer hint;
   QObject::connect(&hint, &QTimer::timeout, [&] {
-    if (Status() != CompletedText(4) + " Waiting for the unit ... (Esc cancels)") return;
+    if (Status() != "Waiting for the unit ... (Esc cancels) " + CompletedText(4)) return;
     hint.stop();
     QTest::keyClick(&Frame(), Qt::Key_Escape);
   });

@@ -23,7 +23,7 @@ const QString NotWhole =
 const QString NotConfirmed =
     "The unit did not confirm the upload, so its table may be incomplete: check that the unit is switched on and that "
     "the cable sits, and upload the table again.";
-const QString ReadBackSame = " The unit's table was read back: it is the same.";
+const QString ReadBackSame = " The unit's table was read back: it is what was sent.";
 const QString NotCompared = " The table was uploaded, but not read back to compare it.";
 
 const std::vector<std::string> WithSubbands = {"2|2|X|1850.2|1930.2|512|810|0.2|0.25|1",
@@ -285,8 +285,18 @@ TEST_F(KeepingACopy, OfAUnitThatIsUnpluggedUploadsNothing) {
   ExpectNothingUploaded();
 }
 
-TEST_F(KeepingACopy, WithoutADocumentsFolderAsksBeforeAnythingIsUploaded) {
+TEST_F(KeepingACopy, MakesTheDocumentsFolderOfANewUser) {
   std::filesystem::remove(documentsFolder);
+  StartUnit(NumberedRows(4));
+  Start({TableFile("mine.sig", NumberedRows(2, 100))});
+  UploadWith({Keep}, Choice::Overwrite, {QMessageBox::Ok});
+  EXPECT_EQ(KeptFiles().size(), 1);
+  messages.clear();
+}
+
+TEST_F(KeepingACopy, WhereNoFolderCanBeMadeAsksBeforeAnythingIsUploaded) {
+  std::filesystem::remove(documentsFolder);
+  WriteFile(documentsFolder, "");
   for (const Choice choice : {Choice::Overwrite, Choice::Append})
     for (const auto answer : {QMessageBox::Cancel, QMessageBox::Ok}) {
       StartUnit(NumberedRows(4));
@@ -294,7 +304,7 @@ TEST_F(KeepingACopy, WithoutADocumentsFolderAsksBeforeAnythingIsUploaded) {
       UploadWith({Keep}, choice, answer == QMessageBox::Ok ? Buttons{answer, QMessageBox::Ok} : Buttons{answer});
       EXPECT_TRUE(messages.front().Text.startsWith("The unit's table cannot be kept in " +
                                                    QString::fromStdString(documentsFolder) + "/Unit "));
-      EXPECT_TRUE(messages.front().Text.endsWith(".sig.\nNo such file or directory.\n\nUpload the table all the same?"))
+      EXPECT_TRUE(messages.front().Text.endsWith(".sig.\nNot a directory.\n\nUpload the table all the same?"))
           << messages.front().Text.toStdString();
       EXPECT_EQ(messages.front().Icon, QMessageBox::Warning);
       messages.clear();
@@ -350,7 +360,7 @@ TEST_F(KeepingACopy, AbortedInTheUploadNamesTheFile) {
 TEST_F(KeepingACopy, NamesTheFileWhenTheUploadGoesNoFurther) {
   StartUnit(NumberedRows(1));
   Start({TableFile("mine.sig", {"2|0|High|5000|935|1|124|0.2|0.2|1"})});
-  UploadWith({Keep}, Choice::Overwrite, {QMessageBox::Cancel});
+  UploadWith({Keep}, Choice::Append, {QMessageBox::Cancel});
   EXPECT_EQ(Status(), KeptText());
   ExpectNothingUploaded();
 }
@@ -358,10 +368,34 @@ TEST_F(KeepingACopy, NamesTheFileWhenTheUploadGoesNoFurther) {
 TEST_F(KeepingACopy, NamesTheFileWhenTheTableDoesNotFit) {
   StartUnit(NumberedRows(1));
   Start({TableFile("mine.sig", {"2|0|Bad|890|935|1|70000|0.2|0.2|1"})});
-  UploadWith({Keep});
-  EXPECT_TRUE(messages.back().Text.startsWith("row 1 (Bad): Stop Channel")) << messages.back().Text.toStdString();
+  UploadWith({Keep}, Choice::Append);
+  EXPECT_TRUE(messages.back().Text.startsWith("row 2 (Bad): Stop Channel")) << messages.back().Text.toStdString();
   EXPECT_TRUE(messages.back().Text.endsWith("\n\n" + KeptText()));
   ExpectNothingUploaded();
+}
+
+TEST_F(KeepingACopy, IsNotBegunForATableThatDoesNotFit) {
+  StartUnit(NumberedRows(1));
+  Start({TableFile("mine.sig", {"2|0|Bad|890|935|1|70000|0.2|0.2|1"})});
+  UploadWith({Keep});
+  EXPECT_TRUE(messages.back().Text.startsWith("row 1 (Bad): Stop Channel")) << messages.back().Text.toStdString();
+  EXPECT_EQ(KeptFiles(), QStringList());
+  EXPECT_EQ(CountOf("sends its table"), 0);
+  ExpectNothingUploaded();
+}
+
+TEST_F(KeepingACopy, LeavesTheUploadTheTableOfItsBeginning) {
+  StartUnit(NumberedRows(4), {"--baud", "9600"});
+  Start({TableFile("mine.sig", NumberedRows(3, 100))});
+  During([this] { return IsDownloading(); },
+         [this] { QTest::keyClick(Frame().ActiveDocument()->findChild<Grid*>("GridList"), Qt::Key_Delete); });
+  UploadWith({Keep, ReadBack});
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_EQ(ActiveNames().size(), 2) << "it was edited meanwhile";
+  EXPECT_EQ(LoadSigFile(unitFolder / "held.sig").Table.Count, 3);
+  EXPECT_TRUE(Status().startsWith(CompletedText(3))) << Status().toStdString();
+  app->Registry.DocumentStates[0].Changed = false;
+  messages.clear();
 }
 
 TEST_F(KeepingACopy, NamesTheFileWhenTheMergeIsNotWanted) {
@@ -377,7 +411,7 @@ TEST_F(KeepingACopy, NamesTheFileWhenTheUploadIsNotConfirmed) {
   StartUnit(NumberedRows(1), {"--fault", "off-in-upload"});
   Start({TableFile("mine.sig", NumberedRows(3))});
   UploadWith({Keep, ReadBack});
-  ExpectMessage(NotConfirmed + "\n\n" + KeptText());
+  ExpectMessage(NotConfirmed + " It was not read back to compare it.\n\n" + KeptText());
   EXPECT_EQ(Status(), CompletedText(3) + " " + KeptText());
   EXPECT_EQ(CountOf("sends its table"), 1);
   EXPECT_EQ(LoadSigFile(KeptPath().toStdString()).Table.Count, 1);
@@ -441,7 +475,8 @@ TEST_F(ReadingBack, ShowsWhatDiffersInTheComparison) {
   ExpectMessage(differs + "row 2 (S101): Name: S101 -> R101\n\nUpload the table again.");
   EXPECT_TRUE(Status().startsWith("The unit's table is not the one that was sent:")) << Status().toStdString();
   EXPECT_EQ(Captions(), QStringList({mine, "Untitled(Query) 2"}));
-  EXPECT_EQ(ActiveNames(), QStringList({"S100", "R101"})) << "as the unit has it";
+  EXPECT_EQ(ActiveNames(), QStringList({"S100", "S101"})) << "to be uploaded again";
+  EXPECT_EQ(app->Registry.Document(2)->Table().Row(1).Name, "R101") << "as the unit has it";
   EXPECT_TRUE(app->Registry.DocumentStates[1].Changed);
   auto* window = Frame().findChild<CompareWindow*>();
   ASSERT_NE(window, nullptr);
@@ -475,7 +510,7 @@ TEST_F(ReadingBack, ListsWhatNoWindowShows) {
   UploadWith({ReadBack});
   EXPECT_TRUE(messages.back().Text.contains("row 2 (X): Bandwidth: 0.2 -> 0.200001"))
       << messages.back().Text.toStdString();
-  EXPECT_EQ(ActiveCaption(), "Untitled(Query) 2");
+  EXPECT_EQ(Captions().back(), "Untitled(Query) 2");
   EXPECT_EQ(Frame().findChild<CompareWindow*>(), nullptr) << "it would say that they are alike";
 }
 

@@ -58,6 +58,7 @@ TEST(SimulatorProgram, DoesNotStartWithOptionsThatAreWrong) {
       WrongOptions{{"--baud", "1000001"}, "--baud: 1000001 is out of its range, 0 to 1000000\n"},
       WrongOptions{{"--loud"}, "The following argument was not expected: --loud"},
       WrongOptions{{"--\x1B[31mloud"}, "The following argument was not expected: --?[31mloud\n"},
+      WrongOptions{{"--fault", ""}, "--fault: is given without a value\n"},
       WrongOptions{{"--table", "missing.sig"}, "handheld-simulator: missing.sig: No such file or directory\n"},
       WrongOptions{{"--table", "short.sig"},
                    "handheld-simulator: short.sig: line 2 has 2 fields where 10 are needed\n"},
@@ -101,9 +102,11 @@ TEST(SimulatorProgram, TellsItsFaultsInItsHelp) {
 TEST(SimulatorProgram, TellsTheTableThatItHolds) {
   const TempFolder folder;
   WriteFile(folder / "small.sig", SigText(NumberedRows(3)));
+  WriteFile(folder / "full.sig", SigText(NumberedRows(200)));
   WriteFile(folder / "large.sig", SigText(NumberedRows(201)));
-  for (const auto& [file, told] :
-       {std::pair{"small.sig", "\nholds 3 records of "}, {"large.sig", "\nholds the first 200 records of "}}) {
+  for (const auto& [file, told] : {std::pair{"small.sig", "\nholds 3 records of "},
+                                   {"full.sig", "\nholds 200 records of "},
+                                   {"large.sig", "\nholds the first 200 records of "}}) {
     const RunningSimulator simulator({"--table", folder / file});
     EXPECT_TRUE(simulator.WaitForOutput(told)) << simulator.Output();
     EXPECT_EQ(simulator.Output().find("which has more") != std::string::npos, file == std::string("large.sig"));

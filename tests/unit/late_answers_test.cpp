@@ -217,6 +217,20 @@ TEST(Line, IsNotTakenForQuietByAProgramThatWasHeldUp) {
   EXPECT_EQ(rest.size(), 300u);
 }
 
+// What is read behind a hold-up came while it lasted, up to its end.
+TEST(Line, IsNotTakenForQuietRightBehindAHoldUp) {
+  HandDrivenLink rig;
+  rig.Open();
+  bool heldUp = false;
+  rig.Clock.Advance = [&](std::chrono::nanoseconds longest) {
+    return std::exchange(heldUp, true) ? std::max<std::chrono::nanoseconds>(longest, 10us) : 200ms;
+  };
+  for (int ms = 0; ms < 300; ms += 10) rig.Port.Arrive("?", std::chrono::milliseconds(ms));
+  std::string rest;
+  EXPECT_TRUE(rig.Link.ReadUntilQuiet(rest));
+  EXPECT_EQ(rest.size(), 30u);
+}
+
 TEST(Line, IsNotTakenForQuietWhereWhatCameIsNotReadYet) {
   HandDrivenClock clock;
   FakePort port(clock);

@@ -159,5 +159,13 @@ TEST(IsCompatibleUnit, DrawsTheLineAtFirmwareThree) {
   EXPECT_TRUE(IsCompatibleUnit("D", 3.0));
 }
 
+TEST(ConnectToUnit, NamesAUnitThatDoesNotStopSending) {
+  HandDrivenLink rig;
+  for (int ms = 0; ms < 40000; ms += 10) rig.Port.Arrive("?", std::chrono::milliseconds(ms));
+  const ConnectOutcome outcome = ConnectToUnit(rig.Link);
+  EXPECT_EQ(outcome.Refusal, ConnectRefusal::NoProperResponse);
+  EXPECT_EQ(outcome.Reason, "the unit sends without being asked: wait until it has ended, or switch it off and on");
+}
+
 }  // namespace
 }  // namespace chanplan::testing
