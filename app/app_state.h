@@ -35,7 +35,7 @@ struct AppState {
     return !QFileInfo(own).isFile() && QFileInfo(installed).isFile() ? installed : own;
   }
 
-  QString ProgramFolder = QCoreApplication::applicationDirPath();
+  QString ProgramFolder = QCoreApplication::applicationDirPath();  ///< the current one while it runs
   AppSettings Settings;
   RecentFileList Recent{Settings};
   SharedTables Shared;
