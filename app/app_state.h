@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <functional>
 #include <memory>
 
@@ -25,8 +27,15 @@ struct AppState {
   AppState(std::unique_ptr<PortObject> serialPort, LinkTiming timing, DocumentFactory factory)
       : MSComm1(std::move(serialPort)), Link(*MSComm1, std::move(timing)), MakeDocument(std::move(factory)) {}
 
-  /// Where the program looks for its factory table and its help.
-  QString ProgramFolder = QCoreApplication::applicationDirPath();
+  /// Path of the file `name` that the program comes with: beside the program, or in the data folder of what is
+  /// installed. Where it is in neither, beside the program.
+  QString OwnFile(const QString& name) const {
+    const QString installed = QDir::cleanPath(ProgramFolder + "/../share/chanplan-editor/" + name);
+    const QString own = ProgramFolder + "/" + name;
+    return !QFileInfo(own).isFile() && QFileInfo(installed).isFile() ? installed : own;
+  }
+
+  QString ProgramFolder = QCoreApplication::applicationDirPath();  ///< the current one while it runs
   AppSettings Settings;
   RecentFileList Recent{Settings};
   SharedTables Shared;

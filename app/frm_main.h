@@ -61,7 +61,7 @@ class frmMain : public CommandFrame {
   /// Whether a transfer command runs.
   bool Transferring() const { return transfer.has_value(); }
 
-  /// The help file, in the program's folder; empty when the program has none.
+  /// The help file, one of the program's own; empty when the program has none.
   QString HelpFile = "Chanplan.hlp";
 
  signals:

@@ -67,7 +67,7 @@ void frmMain::mnuFilePrint_Click() {
 }
 
 void frmMain::menuFileDefault_Click() {
-  const QString path = app.ProgramFolder + "/" + TextOf(FactoryFileName);
+  const QString path = app.OwnFile(TextOf(FactoryFileName));
   if (QFileInfo(path).isFile()) OpenTableFile(*this, path);
 }
 
@@ -159,7 +159,7 @@ HelpViewer* frmMain::ShowHelp() {
   }
   if (help == nullptr) {
     QString failure;
-    auto file = std::make_unique<HelpResource>(app.ProgramFolder + "/" + HelpFile, failure);
+    auto file = std::make_unique<HelpResource>(app.OwnFile(HelpFile), failure);
     if (!failure.isEmpty()) {
       ShowMessage(*this, failure, ApplicationTitle());
       return nullptr;

@@ -398,6 +398,20 @@ TEST_F(Files, WithoutAFactoryTableTheCommandDoesNothing) {
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
 }
 
+TEST_F(Files, OnesOwnAreTakenFromBesideTheProgramElseFromTheDataFolderOfWhatIsInstalled) {
+  std::filesystem::create_directories(folder / "bin");
+  std::filesystem::create_directories(folder / "share/chanplan-editor");
+  Start();
+  app->ProgramFolder = InFolder("bin");
+  EXPECT_EQ(app->OwnFile("Matrivim.dgc"), InFolder("bin/Matrivim.dgc")) << "nowhere";
+  const QString installed = Table("share/chanplan-editor/Matrivim.dgc");
+  EXPECT_EQ(app->OwnFile("Matrivim.dgc"), installed);
+  Choose("menuFileDefault");
+  EXPECT_EQ(Captions(), QStringList({"Factory Default (Read-Only)"}));
+  const QString beside = Table("bin/Matrivim.dgc");
+  EXPECT_EQ(app->OwnFile("Matrivim.dgc"), beside);
+}
+
 TEST_F(Files, FactoryTableIsNeverOverwrittenBySave) {
   FactoryTable();
   const std::string former = ReadFile(folder / "Matrivim.dgc");

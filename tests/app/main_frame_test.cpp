@@ -560,6 +560,17 @@ TEST_F(Help, FileThatIsDamagedAnywhereIsRefused) {
   }
 }
 
+TEST_F(Help, IsFoundInTheDataFolderOfWhatIsInstalled) {
+  std::filesystem::create_directories(folder / "bin");
+  std::filesystem::create_directories(folder / "share/chanplan-editor");
+  std::filesystem::copy((QCoreApplication::applicationDirPath() + "/Chanplan.hlp").toStdString(),
+                        folder / "share/chanplan-editor");
+  Start();
+  app->ProgramFolder = InFolder("bin");
+  Choose("mnuHelpContents");
+  EXPECT_TRUE(Get<QTextBrowser>("txtHelpGuide").isVisible());
+}
+
 // The help that the programs come with.
 struct Guide : Help {
   void SetUp() override {

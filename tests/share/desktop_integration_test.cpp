@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
+#include <QtEndian>
 #include <array>
 
 #include "core/sig_file.h"
@@ -25,12 +26,24 @@ QString Entry(const char* key) {
 }
 
 TEST(DesktopIntegration, XmlIsWellFormed) {
-  for (const char* name : {"chanplan-mime.xml", "icons/chanplan-editor.svg"}) {
+  for (const char* name : {"chanplan-mime.xml", "chanplan-editor.metainfo.xml", "icons/chanplan-editor.svg"}) {
     QFile file(Share + "/" + name);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name;
     QXmlStreamReader reader(&file);
     while (!reader.atEnd()) reader.readNext();
     EXPECT_FALSE(reader.hasError()) << name << ": " << reader.errorString().toStdString();
+  }
+}
+
+TEST(DesktopIntegration, PicturesOfTheIconHaveTheSizesOfTheirNames) {
+  for (const int size : {48, 128}) {
+    QFile file(Share + QString("/icons/chanplan-editor-%1.png").arg(size));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << size;
+    const QByteArray head = file.read(24);  // it ends with width and height
+    ASSERT_EQ(head.size(), 24);
+    EXPECT_EQ(head.left(8), "\x89PNG\r\n\x1A\n");
+    EXPECT_EQ(qFromBigEndian<quint32>(head.data() + 16), quint32(size));
+    EXPECT_EQ(qFromBigEndian<quint32>(head.data() + 20), quint32(size));
   }
 }
 
