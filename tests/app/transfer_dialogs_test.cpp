@@ -109,6 +109,18 @@ TEST_F(ProgressDialog, StaysWhateverTheUserClosesItWith) {
   }
 }
 
+TEST_F(ProgressDialog, IsNotAbortedByEnter) {
+  Start();
+  Shown().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+  ASSERT_EQ(QApplication::focusWidget(), dialog->findChild<QPushButton*>("CmdAbort"));
+  Key(Qt::Key_Return);
+  EXPECT_EQ(dialog->findChild<QMessageBox*>(), nullptr);
+  Key(Qt::Key_Space);
+  ASSERT_NE(dialog->findChild<QMessageBox*>(), nullptr);
+  dialog->Finish();
+}
+
 TEST_F(ProgressDialog, AsksOnlyOnce) {
   Start();
   Shown();

@@ -393,6 +393,21 @@ TEST_F(MeanwhileInATransfer, AFileThatIsOpenedGetsAWindowOfItsOwn) {
   app->Registry.DocumentStates[0].Changed = false;
 }
 
+TEST_F(MeanwhileInATransfer, WarningsStayThoseOfTheDocumentThatBecameActive) {
+  std::vector<std::string> rows = NumberedRows(60);
+  rows.emplace_back("2|0|Far|9850|1805.2|512|885|0.2|0.2|1");
+  StartUnit(rows, {"--baud", "38400"});
+  Start({TableFile("mine.sig", {"2|0|Low|1|935.2|1|124|0.2|0.2|1"})});
+  During([this] { return IsDownloading(); }, [this] { Frame().ShowDocument(*app->Registry.Document(1)); });
+  Download();
+  EXPECT_EQ(interruptions, 1);
+  EXPECT_TRUE(app->Registry.Document(2)->WarningsText().contains("Far"));
+  const QString shown = Get<WarningsPane>("lstWarnings").Text();
+  EXPECT_TRUE(shown.contains("Low"));
+  EXPECT_EQ(shown, app->Registry.Document(1)->WarningsText());
+  app->Registry.DocumentStates[1].Changed = false;
+}
+
 TEST_F(MeanwhileInATransfer, APortThatIsChosenIsForTheNextOne) {
   StartUnit(NumberedRows(40), {"--baud", "19200"});
   Start({TableFile("mine.sig", Rows({"C"}))});

@@ -364,6 +364,8 @@ TEST(Diff, DoesNotCallAlikeWhatItHasNotSeen) {
   const ProgramRun run = chanplan.Run({"diff", "a.sig", "b.sig"});
   EXPECT_EQ(run.ExitStatus, 3);
   EXPECT_TRUE(run.Errors.ends_with("chanplan: rows beyond the 200th were not compared\n")) << run.Errors;
+  EXPECT_EQ(chanplan.Run({"diff", "--format", "json", "a.sig", "b.sig"}).Output,
+            "{\"alike\": false, \"differences\": []}\n");
 }
 
 // JSON
