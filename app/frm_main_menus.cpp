@@ -195,7 +195,6 @@ void frmMain::mnuView_DropDown() {
 
 // Why a port cannot be opened is told where there is none to choose: of ports that exist before others.
 void frmMain::LookForPorts() {
-  if (Transferring()) return;  // its port could not be opened now
   std::optional<PortError> problem;
   QString place;
   bool found = false;

@@ -25,8 +25,7 @@ constexpr char NotConfirmedText[] =
 
 constexpr char NotArrivedText[] =
     "The table of the unit did not arrive whole within 30 s, so none of it is shown: check that the cable sits and "
-    "start "
-    "again.";
+    "start again.";
 
 constexpr char NotReadBackText[] = " It was not read back to compare it.";
 constexpr char NotComparedText[] = " The table was uploaded, but not read back to compare it.";
@@ -144,7 +143,7 @@ TransferOutcome TransferCommand::Fetch() {
   held = {};
   const TransferOutcome outcome = RunDownload(link, held, Begin(), [this] { return flags.AbortRequested; });
   progress->Finish();
-  FinishTransfer(link, outcome);
+  AwaitConfirmation(outcome, QString());
   return outcome;
 }
 
@@ -352,7 +351,8 @@ void TransferCommand::Say(const QString& text, QMessageBox::Icon icon) {
 // With every outcome: the former table may be needed now.
 QString TransferCommand::WithKept(const QString& text, const char* between) const {
   if (kept.isEmpty()) return text;
-  return text + (text.endsWith('.') || text.endsWith('!') ? "" : ".") + between + kept;
+  const bool ends = text.isEmpty() || text.endsWith('.') || text.endsWith('!');
+  return (ends ? text : text + '.') + (text.isEmpty() ? "" : between) + kept;
 }
 
 void TransferCommand::Abort() {

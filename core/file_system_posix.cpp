@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <sys/xattr.h>
@@ -7,6 +6,7 @@
 
 #include <array>
 #include <charconv>
+#include <csignal>
 #include <string>
 #include <vector>
 

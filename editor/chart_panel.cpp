@@ -35,9 +35,7 @@ QFont FontOf(const QWidget& widget, double size, bool bold = false) {
 }
 
 QString TextFrom(const std::string& utf8) { return QString::fromStdString(utf8); }
-QColor ColourFrom(std::string_view name) {
-  return QColor(QLatin1String(name.data(), static_cast<qsizetype>(name.size())));
-}
+QColor ColourFrom(std::string_view name) { return {QLatin1String(name.data(), static_cast<qsizetype>(name.size()))}; }
 
 // Ground and letters are the desktop's own, marks those of the scheme that goes with them.
 struct Colours {
@@ -328,7 +326,7 @@ void ChartPanel::DrawSharing(QPainter& painter) const {
   };
   const Lane* lane = CurrentLane();
   if (lane == nullptr) return draw("There are no standards.", false);
-  const qsizetype others = static_cast<qsizetype>(lane->SharesWith.size());
+  const auto others = static_cast<qsizetype>(lane->SharesWith.size());
   const QString sharing =
       others == 0 ? "no frequencies" : QString("with %1 standard").arg(others) + (others > 1 ? "s" : "");
   draw(TextFrom(NameText(table, lane->Standard)) + " shares " + sharing, true);

@@ -27,7 +27,7 @@ constexpr HistoryCommand Commands[] = {
 }  // namespace
 
 void AddHistoryKeys(QWidget& place, const std::function<DocumentWindow*()>& document) {
-  for (const HistoryCommand& command : Commands)
+  for (const HistoryCommand& command : Commands) {
     for (int key = 0; key < command.KeyCount; ++key) {
       auto* shortcut = new QShortcut(command.Keys[key], &place);
       shortcut->setContext(Qt::WidgetWithChildrenShortcut);
@@ -35,6 +35,7 @@ void AddHistoryKeys(QWidget& place, const std::function<DocumentWindow*()>& docu
         if (DocumentWindow* changed = document()) (changed->*command.Run)();
       });
     }
+  }
 }
 
 void AddHistoryItems(QMenu& menu, DocumentWindow* document) {

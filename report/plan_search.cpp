@@ -91,11 +91,11 @@ PlanQuery ReadPlanQuery(std::string_view text) {
   PlanQuery query;
   query.Name = SmallLetters(Trimmed(text));
   const std::string_view all = query.Name;
-  for (const std::string_view word : {"channel", "ch.", "ch"})
-    if (all.starts_with(word)) {
-      query.Channel = NumberIn<int>(all.substr(word.size()));
-      return query;
-    }
+  for (const std::string_view word : {"channel", "ch.", "ch"}) {
+    if (!all.starts_with(word)) continue;
+    query.Channel = NumberIn<int>(all.substr(word.size()));
+    return query;
+  }
   const bool megahertz = all.ends_with("mhz");
   query.Megahertz = MegahertzIn(megahertz ? all.substr(0, all.size() - 3) : all);
   if (!megahertz) query.Channel = NumberIn<int>(all);

@@ -13,6 +13,7 @@
 #include <sstream>
 #include <utility>
 
+#include "core/file_system.h"
 #include "core/sig_file.h"
 #include "core/text_encoding.h"
 #include "simulator/pseudo_terminal.h"
@@ -26,7 +27,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto QuietLine = 3s;   // an upload that pauses for so long has ended; a busy machine may stall for less
+constexpr auto QuietLine = 3s;   // an upload that pauses for so long has ended
 constexpr auto SlowAnswer = 2s;  // how late a slow unit answers
 constexpr auto LateEcho = 1500ms;
 constexpr int BitsPerByte = 10;  // with start and stop bit
@@ -216,9 +217,10 @@ std::string HeldText(const Settings& settings) {
          " records of " + settings.TableFile + (settings.TableIsCut ? ", which has more" : "");
 }
 
+// A unit does not wait for a disk: whoever uploaded to it would wait for the echo.
 void SaveTable(const Settings& settings, const SimulatedUnit& unit) {
   if (settings.SaveFile.empty()) return;
-  if (const auto error = SaveSigFile(settings.SaveFile, unit.Table()))
+  if (const auto error = ReplaceFileUnflushed(settings.SaveFile, WriteSigTable(unit.Table())))
     std::cerr << "handheld-simulator: " << settings.SaveFile << ": " << error.message() << std::endl;
 }
 
@@ -229,20 +231,21 @@ void Serve(const Settings& settings) {
   std::cout << "unit ready on " << terminal.Path() << "\n" << HeldText(settings) << std::endl;
   ReplyLine replies(terminal, trace, settings.Baud);
   int savedUploads = 0;
-  auto lastByte = Clock::now();
+  Clock::duration lookedInVain{};  // not the time since the last byte: a busy machine may hold up both ends
   bool inUse = false;
   while (!stopRequested && !(unit.HangsUp() && replies.Empty())) {
-    const std::string received = terminal.Read(!replies.Empty() ? 1ms : unit.ReceivesTable() ? 5ms : 50ms);
+    const std::chrono::milliseconds look = !replies.Empty() ? 1ms : unit.ReceivesTable() ? 5ms : 50ms;
+    const std::string received = terminal.Read(look);
     if (!received.empty()) {
       const std::string reply = unit.Receive(received);
       replies.Add(reply, unit.Has(Fault::Slow));
       replies.AddLate(unit.TakeLateEchoes());
-      lastByte = Clock::now();
+      lookedInVain = {};
       inUse = true;
     } else if (inUse && terminal.IsUnused()) {
       inUse = false;
       unit.LineIsQuiet();
-    } else if (Clock::now() - lastByte > QuietLine) {
+    } else if ((lookedInVain += look) > QuietLine) {
       unit.LineIsQuiet();
     }
     replies.Send();

@@ -175,9 +175,15 @@ class AppTest : public ::testing::Test {
   /// From now on dialogs are left to the test.
   void AnswerNothing() { answers.Stop(); }
   void AnswerMessage(QMessageBox::StandardButton button = QMessageBox::Ok) {
-    answers.Give([this, button](QMessageBox& box) {
+    AnswerMessage([button](QMessageBox& box) { QTest::mouseClick(box.button(button), Qt::LeftButton); });
+  }
+  void AnswerMessageWithEnter() {
+    AnswerMessage([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); });
+  }
+  void AnswerMessage(std::function<void(QMessageBox&)> answer) {
+    answers.Give([this, answer = std::move(answer)](QMessageBox& box) {
       messages.push_back({box.windowTitle(), box.text(), box.icon()});
-      QTest::mouseClick(box.button(button), Qt::LeftButton);
+      answer(box);
     });
   }
   /// Types `name` into the file dialog and presses Enter.

@@ -22,7 +22,7 @@ class Comparing : public TransferTest {
     });
     look.start(1);
     done();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }));
     return shown;
   }
   QMenu& CompareMenuOf(DocumentWindow& document) { return *document.systemMenu()->findChild<QMenu*>("mnuCompare"); }
@@ -235,6 +235,16 @@ TEST_F(Comparing, FileIsReadAgainWhenItHasChanged) {
   EXPECT_EQ(Lines().size(), 1);
   EXPECT_EQ(Get<QLabel>("lblCompareCount").text(),
             "1 difference. A click goes to it. The file cannot be read any more: it is compared as it was.");
+}
+
+TEST_F(Comparing, FileIsAskedForWithWhatItIsFor) {
+  Start({A()});
+  Answer([](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Compare With");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  ChooseIn(CompareMenuOf(*app->Registry.Document(1)), "&File");
+  EXPECT_EQ(Window(), nullptr);
 }
 
 // What was changed since the last save.

@@ -200,7 +200,7 @@ TEST_F(Files, AllFilesAreThoseWithoutATypeToo) {
         if (list->model()->index(row, 0, list->rootIndex()).data() == "table") return true;
       return false;
     };
-    EXPECT_TRUE(QTest::qWaitFor(shown, 3000));
+    EXPECT_TRUE(QTest::qWaitFor(shown));
   });
   Choose("mnuFileOpen");
 }

@@ -506,7 +506,7 @@ TEST_F(Splitter, LayoutIsRepeatedAndRepairsThePaneButPaintsNothingInVain) {
   QTest::qWait(50);
   QWidget& list = Get<QWidget>("lstWarnings");
   list.resize(10, 10);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return list.width() == Pane().width(); }, 1000));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return list.width() == Pane().width(); }));
   QTest::qWait(100);
   PaintCounter counter;
   for (QWidget* widget : Frame().findChildren<QWidget*>()) widget->installEventFilter(&counter);

@@ -189,6 +189,16 @@ TEST_F(Uploading, AsksBeforeAValueArrivesAsAnother) {
   EXPECT_EQ(UnitsTable().Row(0).UplinkStartFreq, 0);
 }
 
+TEST_F(Uploading, SendsNothingForAnEnterAtTheQuestionAboutLosses) {
+  StartUnit(Rows({"Old"}));
+  Start({TableFile("mine.sig", {"2|0|High|5000|935|1|124|0.2|0.2|1"})});
+  AnswerOptions(Choice::Overwrite);
+  AnswerMessageWithEnter();
+  Choose("mnuToolsUpload");
+  EXPECT_TRUE(messages.back().Text.endsWith("Upload the table all the same?")) << messages.back().Text.toStdString();
+  EXPECT_FALSE(UnitGotATable());
+}
+
 TEST_F(Uploading, ListsTenValuesThatArriveAsOthersAndNoMore) {
   StartUnit();
   const std::vector<std::string> rows(12, "2|0|High|5000|935|1|124|0.2|0.2|1");
@@ -220,6 +230,7 @@ TEST_F(Uploading, LeavesItsOutcomeInTheStatusBarWhereverTheFocusWas) {
   AnswerMessage();
   Choose("mnuToolsUpload");
   EXPECT_EQ(Status(), messages.back().Text);
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").toolTip(), Status()) << "the bar may have no room for all of it";
 }
 
 TEST_F(Appending, KeepsTheUnitsStandards) {
@@ -278,6 +289,17 @@ TEST_F(Appending, ThatWouldDropRowsSendsNothingUnlessTheUserSaysSo) {
   EXPECT_EQ(messages.back().Text, "1 record finds no room in the unit. Upload the first 200 all the same?");
   EXPECT_EQ(Status(), CanceledText);
   EXPECT_EQ(ActiveNames().size(), 150) << "the unit's";
+  EXPECT_FALSE(UnitGotATable());
+  app->Registry.DocumentStates[1].Changed = false;
+}
+
+TEST_F(Appending, SendsNothingForAnEnterAtTheQuestionAboutRows) {
+  StartUnit(NumberedRows(150));
+  Start({TableFile("mine.sig", NumberedRows(51, 151))});
+  AnswerOptions(Choice::Append);
+  AnswerMessageWithEnter();
+  Choose("mnuToolsUpload");
+  ASSERT_EQ(messages.size(), 1u);
   EXPECT_FALSE(UnitGotATable());
   app->Registry.DocumentStates[1].Changed = false;
 }
@@ -508,11 +530,12 @@ TEST_F(MeanwhileInATransfer, AnotherDocumentCanBeClosed) {
 
 TEST_F(MeanwhileInATransfer, ClosingTheFrameIsRefusedUntilItsEnd) {
   StartUnit();
-  Start({TableFile("mine.sig", NumberedRows(10))});
+  Start({TableFile("other.sig", Rows({"Other"})), TableFile("mine.sig", NumberedRows(10))});
   During([this] { return IsUploading(); },
          [this] {
            Frame().close();
            EXPECT_TRUE(Frame().isVisible());
+           EXPECT_EQ(Captions().size(), 2) << "nor does any other document go";
            EXPECT_EQ(Label(), "Aborting...");
          });
   Upload(Choice::Overwrite);
@@ -546,10 +569,10 @@ TEST_F(MeanwhileInATransfer, AnUploadThatIsHeldUpIsGivenUp) {
   bool heldUp = false;
   During([this] { return IsUploading(); }, [this] { Choose("mnuHelpAbout"); });
   AnswerOptions(Choice::Overwrite);
-  Answer([&heldUp](QWidget& about) {
+  Answer([this, &heldUp](QWidget& about) {
     EXPECT_EQ(about.objectName(), "frmAbout");
-    QTest::qWait(2500);
-    heldUp = true;
+    const auto start = ran.Now();
+    heldUp = QTest::qWaitFor([&] { return ran.Now() - start > 2500ms; }, 60000);
     QTest::keyClick(&about, Qt::Key_Escape);
   });
   AnswerMessage();

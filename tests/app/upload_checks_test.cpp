@@ -132,6 +132,7 @@ TEST_F(UploadOptions, BoxesAreRememberedFromOneStartToTheNext) {
   StartUnit();
   Start({TableFile("mine.sig", NumberedRows(1))});
   UploadWith({ReadBack});
+  EXPECT_EQ(Stored("Settings/UploadReadBack"), "1") << "already, should the program be killed";
   UploadWith({}, Choice::Cancel, {});
   Exit();
   EXPECT_EQ(Stored("Settings/UploadKeepCopy"), "0");
@@ -318,6 +319,18 @@ TEST_F(KeepingACopy, WhereNoFolderCanBeMadeAsksBeforeAnythingIsUploaded) {
       std::filesystem::remove(unitFolder / "held.sig");
       unit.reset();
     }
+}
+
+TEST_F(KeepingACopy, ThatFailsUploadsNothingForAnEnter) {
+  std::filesystem::remove(documentsFolder);
+  WriteFile(documentsFolder, "");
+  StartUnit(NumberedRows(4));
+  Start({TableFile("mine.sig", NumberedRows(2, 100))});
+  AnswerOptions(Choice::Overwrite, {Keep});
+  AnswerMessageWithEnter();
+  Choose("mnuToolsUpload");
+  EXPECT_TRUE(messages.front().Text.endsWith("Upload the table all the same?"));
+  ExpectNothingUploaded();
 }
 
 // No file can have more than a kilobyte, which is enough for a port's lock.

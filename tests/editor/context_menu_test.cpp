@@ -123,10 +123,15 @@ TEST_F(ContextMenu, BesideTheCellsOffersNothingOfACell) {
 
 TEST_F(ContextMenu, ShowsTheChart) {
   const Document document = OpenPlan();
-  Choose(RightClick(document.List, 1), "mnuContextChart");
+  const auto isChecked = [](QMenu& menu) { return menu.findChild<QAction*>("mnuContextChart")->isChecked(); };
+  QMenu& unshown = RightClick(document.List, 1);
+  EXPECT_FALSE(isChecked(unshown));
+  Choose(unshown, "mnuContextChart");
   ASSERT_NE(document.Window->findChild<QWidget*>("ChartPanel"), nullptr);
   EXPECT_TRUE(document.Window->findChild<QWidget*>("ChartPanel")->isVisible());
-  Choose(RightClick(document.List, 1), "mnuContextChart");
+  QMenu& shown = RightClick(document.List, 1);
+  EXPECT_TRUE(isChecked(shown));
+  Choose(shown, "mnuContextChart");
   EXPECT_FALSE(document.Window->findChild<QWidget*>("ChartPanel")->isVisible());
 }
 
