@@ -1,4 +1,4 @@
-# Sourced by ./run and ./test: installs what is missing on Debian 12 and configures the build.
+# Sourced by ./run, ./test and others: installs what is missing on Debian 12, configures the build and builds.
 
 packages=(
   g++ cmake ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev libcli11-dev libgtest-dev libbenchmark-dev
@@ -30,4 +30,10 @@ build() {
   shift
   cmake --preset "$preset"
   cmake --build --preset "$preset" ${1:+--target "$@"}
+}
+
+# install_programs FOLDER: builds what users get, and installs it there as `cmake --install` does
+install_programs() {
+  build release chanplan handheld-simulator chanplan-editor chanplan_help
+  cmake --install build/release --prefix "$1"
 }
