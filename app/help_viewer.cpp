@@ -106,11 +106,11 @@ HelpViewer::HelpViewer(QWidget* owner, std::unique_ptr<HelpResource> file)
 }
 
 void HelpViewer::FillChapters() {
-  for (QTextBlock block = guide->document()->begin(); block.isValid(); block = block.next())
-    if (block.blockFormat().headingLevel() == ChapterLevel) {
-      auto* item = new QListWidgetItem(block.text(), chapters);
-      item->setData(Qt::UserRole, block.position());
-    }
+  for (QTextBlock block = guide->document()->begin(); block.isValid(); block = block.next()) {
+    if (block.blockFormat().headingLevel() != ChapterLevel) continue;
+    auto* item = new QListWidgetItem(block.text(), chapters);
+    item->setData(Qt::UserRole, block.position());
+  }
 }
 
 void HelpViewer::GoToChapter(int chapter) {

@@ -14,9 +14,9 @@ void AddIdentifyCommand(CLI::App& app, int& /*exitCode*/) {
     UnitSession session(*arguments);
     const bool accepted = session.Identify();
     if (*json) {
-      std::cout << "{\"model\": " << JsonString(PrintedText(session.Link().UnitModel)) << ", \"firmware\": \""
-                << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00")
-                << "\", \"accepted\": " << (accepted ? "true" : "false") << "}\n";
+      std::cout << R"({"model": )" << JsonString(PrintedText(session.Link().UnitModel)) << R"(, "firmware": ")"
+                << FormatNumber(session.Link().UnitFirmwareVersion, "#0.00") << R"(", "accepted": )"
+                << (accepted ? "true" : "false") << "}\n";
       return;
     }
     std::cout << "Model:    " << PrintedText(session.Link().UnitModel) << '\n'

@@ -30,7 +30,7 @@ FindBar::FindBar(QWidget* parent)
   txtFind->setObjectName("txtFind");
   txtFind->setAccessibleName("Find");
   txtFind->setPlaceholderText("Name, MHz or channel");
-  txtFind->setToolTip("A part of a name, \"935.2\", \"935 MHz\" or \"channel 700\"");
+  txtFind->setToolTip(R"(A part of a name, "935.2", "935 MHz" or "channel 700")");
   chkFindAll->setObjectName("chkFindAll");
   chkFindAll->setToolTip("Look in all tables that are open");
   chkFindAll->setFocusPolicy(Qt::TabFocus);  // Alt+A leaves the keyboard to the field

@@ -17,11 +17,12 @@ struct Difference {
 // The first value that differs between tables of one shape.
 std::optional<Difference> FirstDifference(const SignalStandardTable& one, const SignalStandardTable& other) {
   if (one.Count != other.Count) return std::nullopt;
-  for (int index = 0; index < one.Count; ++index)
+  for (int index = 0; index < one.Count; ++index) {
     for (const RecordField& field : RecordFields) {
       const auto same = [&](auto member) { return one.Row(index).*member == other.Row(index).*member; };
       if (!std::visit(same, field.Member)) return Difference{index, field.Id};
     }
+  }
   return std::nullopt;
 }
 

@@ -245,8 +245,9 @@ void Serve(const Settings& settings) {
     } else if (inUse && terminal.IsUnused()) {
       inUse = false;
       unit.LineIsQuiet();
-    } else if ((lookedInVain += look) > QuietLine) {
-      unit.LineIsQuiet();
+    } else {
+      lookedInVain += look;
+      if (lookedInVain > QuietLine) unit.LineIsQuiet();
     }
     replies.Send();
     if (unit.Uploads() != savedUploads) {
