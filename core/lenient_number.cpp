@@ -78,7 +78,8 @@ Number ReadNumber(std::string_view field) {
     if (exponent < text.size() && (text[exponent] == '+' || text[exponent] == '-')) ++exponent;
     if (exponent < text.size() && IsDigit(text[exponent])) {
       text[end] = 'e';
-      end = std::find_if_not(text.begin() + static_cast<std::ptrdiff_t>(exponent), text.end(), IsDigit) - text.begin();
+      end = exponent;
+      while (end < text.size() && IsDigit(text[end])) ++end;
     }
   }
 
