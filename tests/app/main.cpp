@@ -8,6 +8,7 @@
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("TMPDIR", "/tmp");  // of longer paths menus show the end only
   // Nothing of the user who runs the tests is read or written.
   const chanplan::testing::TempFolder home;
   for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
