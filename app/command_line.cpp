@@ -15,7 +15,7 @@ constexpr char Help[] =
     "  --help     print this\n"
     "  --version  print the version\n";
 
-QString PathOf(const QString& file) {
+QString PathGiven(const QString& file) {
   const QString path = file.startsWith("file:") ? LocalPathOf(QUrl(file)) : QString();
   return path.isEmpty() ? QFileInfo(file).absoluteFilePath() : path;
 }
@@ -30,7 +30,7 @@ CommandLine ReadCommandLine(const QStringList& arguments) {
   bool onlyFiles = false;
   for (const QString& argument : arguments) {
     if (onlyFiles || !argument.startsWith("--"))
-      line.Files += PathOf(argument);
+      line.Files += PathGiven(argument);
     else if (argument == "--")
       onlyFiles = true;
     else if (argument == "--help")

@@ -35,7 +35,7 @@ constexpr Picture Pictures[] = {
      "M 15 21 L 15 17 M 18 21 L 18 13 M 21 21 L 21 9"},
 };
 
-QPainterPath PathOf(const char* text) {
+QPainterPath PainterPath(const char* text) {
   const QStringList words = QString(text).split(' ');
   QPainterPath path;
   for (qsizetype word = 0; word < words.size();) {
@@ -90,7 +90,7 @@ class PictureEngine : public QIconEngine {
 
  private:
   static void Stroke(QPainter& painter, const char* path, const QColor& colour) {
-    painter.strokePath(PathOf(path), QPen(colour, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.strokePath(PainterPath(path), QPen(colour, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   }
 
   const Picture& picture;

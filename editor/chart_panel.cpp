@@ -17,7 +17,7 @@
 namespace chanplan {
 namespace {
 
-constexpr int Margin = 2;           // pixels; all others are lengths of the chart
+constexpr int PanelMargin = 2;      // pixels; all others are lengths of the chart
 constexpr double LeastWidth = 300;  // of a panel beside the grids
 constexpr double UsualWidth = 480;
 constexpr double LeastDrawn = 240;  // what is narrower is cut
@@ -223,11 +223,11 @@ void ChartPanel::Describe() {
 QSize ChartPanel::TakePlace(const QSize& area, const QSize& least, const QSize& natural) {
   const int beside = qMax(area.width() - natural.width(), qMin(Pixels(UsualWidth), area.width() - least.width()));
   if (beside >= Pixels(LeastWidth)) {
-    setGeometry(area.width() - beside, Margin, beside - Margin, area.height() - 2 * Margin);
+    setGeometry(area.width() - beside, PanelMargin, beside - PanelMargin, area.height() - 2 * PanelMargin);
     return {area.width() - beside, area.height()};
   }
   const int below = qMax(area.height() - natural.height(), area.height() / 2);
-  setGeometry(Margin, area.height() - below, area.width() - 2 * Margin, below - Margin);
+  setGeometry(PanelMargin, area.height() - below, area.width() - 2 * PanelMargin, below - PanelMargin);
   return {area.width(), area.height() - below};
 }
 

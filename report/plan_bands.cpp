@@ -5,10 +5,10 @@
 #include <optional>
 
 namespace chanplan {
-namespace {
 
-// Sums of decimal numbers differ in the last digits although they mean the same carrier.
 double ToWholeHertz(double megahertz) { return std::round(megahertz * 1e6) / 1e6; }
+
+namespace {
 
 std::optional<FrequencyRange> Intersection(const FrequencyRange& a, const FrequencyRange& b) {
   const FrequencyRange common{std::max(a.Low, b.Low), std::min(a.High, b.High)};

@@ -8,6 +8,9 @@
 
 namespace chanplan {
 
+/// Sums of decimal numbers differ in the last digits although they mean the same carrier.
+double ToWholeHertz(double megahertz);
+
 /// From the first carrier to the last, both included, in MHz rounded to whole hertz.
 struct FrequencyRange {
   double Low = 0;

@@ -12,8 +12,6 @@ namespace {
 
 constexpr std::string_view Blanks = " \t\xA0";
 
-double ToWholeHertz(double megahertz) { return std::round(megahertz * 1e6) / 1e6; }
-
 // The accented capitals of the code page stand 32 before their small letters, as those of ASCII do.
 char SmallLetter(char letter) {
   const auto code = static_cast<unsigned char>(letter);
