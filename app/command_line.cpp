@@ -29,7 +29,7 @@ CommandLine ReadCommandLine(const QStringList& arguments) {
   CommandLine line;
   bool onlyFiles = false;
   for (const QString& argument : arguments) {
-    if (onlyFiles || !argument.startsWith("--"))
+    if (onlyFiles || !argument.startsWith('-'))
       line.Files += PathGiven(argument);
     else if (argument == "--")
       onlyFiles = true;

@@ -102,7 +102,8 @@ HelpViewer::HelpViewer(QWidget* owner, std::unique_ptr<HelpResource> file)
   guide->setSource(QUrl(Start), QTextDocument::MarkdownResource);
   GiveTablesRoom(*guide->document());
   FillChapters();
-  resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 38);
+  const QSize wanted(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 38);
+  resize(wanted.boundedTo(screen()->availableSize() * 9 / 10));
 }
 
 void HelpViewer::FillChapters() {

@@ -79,7 +79,9 @@ void AddUnitsCommand(CLI::App& app, int& /*exitCode*/) {
       ++answered;
     }
     if (*json) std::cout << "]\n";
-    if (answered == 0) Note("no unit answered on " + std::to_string(devices.size()) + " serial ports");
+    if (answered == 0)
+      Note("no unit answered on " + std::to_string(devices.size()) +
+           (devices.size() == 1 ? " serial port" : " serial ports"));
   });
 }
 

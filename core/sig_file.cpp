@@ -120,9 +120,14 @@ bool LooksLikeARow(std::string_view line) {
                              [](std::string_view text) { return !text.empty() && LeadingNumber(text) != 0; });
 }
 
+bool IsText(std::string_view line) {
+  return std::ranges::none_of(line, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; });
+}
+
 void LookAtHeader(std::string_view line, const LineReader& reader, std::vector<std::string>& notes) {
   if (LooksLikeUtf16(line)) reader.Fail(ReadFailure::Utf16, " is text of 16-bit characters (UTF-16), not of bytes");
   if (LooksLikeARow(line)) notes.emplace_back("line 1 looks like a row, and was left out as the header");
+  if (!IsText(line)) notes.emplace_back("line 1 is no text, so that this may be no table but a signature");
 }
 
 SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader, std::vector<std::string>& notes) {

@@ -589,6 +589,8 @@ TEST_F(Guide, IsShownFromItsStart) {
   EXPECT_TRUE(guide.isVisible());
   EXPECT_TRUE(guide.toPlainText().startsWith("User guide\n"));
   EXPECT_EQ(guide.verticalScrollBar()->value(), 0);
+  const QSize room = guide.screen()->availableSize();
+  EXPECT_EQ(guide.window()->size().boundedTo(room), guide.window()->size()) << "it would reach beyond the screen";
   EXPECT_FALSE(
       guide.document()->resource(QTextDocument::ImageResource, QUrl("images/upload.png")).value<QImage>().isNull());
   // All pictures are in the file, so that none is looked for elsewhere.

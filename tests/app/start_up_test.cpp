@@ -95,7 +95,8 @@ TEST(EditorCommandLine, TakesNamesAddressesAndQuestions) {
   EXPECT_TRUE(ReadCommandLine({"a.sig", "--help"}).Answer.startsWith("Usage: chanplan-editor"));
   EXPECT_TRUE(ReadCommandLine({"--version"}).Answer.startsWith("Chanplan Editor "));
   EXPECT_FALSE(ReadCommandLine({"--version"}).Wrong);
-  EXPECT_TRUE(ReadCommandLine({"--loud", "a.sig"}).Wrong);
+  for (const char* option : {"--loud", "-x", "-"}) EXPECT_TRUE(ReadCommandLine({option, "a.sig"}).Wrong) << option;
+  EXPECT_EQ(ReadCommandLine({"--", "-x.sig"}).Files, QStringList({here + "/-x.sig"}));
   EXPECT_EQ(ReadCommandLine({"--\x1B[31mloud"}).Answer,
             "There is no option --?[31mloud; chanplan-editor --help names them all.\n");
 }

@@ -174,6 +174,9 @@ TEST(ReadSigTable, NotesWhatItDidNotTakeAsItStands) {
             (Lines{"line 2: \"1e400\" was read as 1.79769313486232E+308",
                    "line 2: \"-1e999\" was read as -1.79769313486232E+308"}));
   EXPECT_EQ(Read(row + row).Notes, Lines{"line 1 looks like a row, and was left out as the header"});
+  const Lines noText{"line 1 is no text, so that this may be no table but a signature"};
+  EXPECT_EQ(Read(std::string("\x89\x01\x1C\x04\x00\x01\x02\x00\x06", 9)).Notes, noText);
+  EXPECT_EQ(Read("Name\tType\xE9\r\n").Notes, Lines());
 }
 
 TEST(ReadSigTable, TellsAHundredOfTheValuesThatItDidNotTake) {
