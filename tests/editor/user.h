@@ -8,11 +8,11 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QTest>
 #include <QTimer>
-#include <QWindow>
 #include <deque>
 #include <functional>
 #include <ostream>
@@ -134,11 +134,15 @@ inline void Type(std::string_view text) {
 }
 
 /// Moves the mouse over a menu to an item, and clicks it. A menu takes the release of a mouse that it has not
-/// seen moving for that of the click that brought it up, and closes.
+/// seen moving for that of the click that brought it up, and closes. No other events run meanwhile.
 inline void ClickItem(QMenu& menu, QAction& item) {
   const QPoint place = menu.actionGeometry(&item).center();
   constexpr int steps = 10;
-  for (int step = 1; step <= steps; ++step) QTest::mouseMove(menu.windowHandle(), place * step / steps);
+  for (int step = 1; step <= steps; ++step) {
+    const QPoint at = place * step / steps;
+    QMouseEvent move(QEvent::MouseMove, at, menu.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&menu, &move);
+  }
   QTest::mouseClick(&menu, Qt::LeftButton, {}, place);
 }
 
