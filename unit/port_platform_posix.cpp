@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <grp.h>
+#include <poll.h>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -63,6 +65,13 @@ std::optional<std::string> PortProblem(const std::string& device) {
 }
 
 bool WriteByteAtOnce(std::intptr_t handle, char byte) { return write(static_cast<int>(handle), &byte, 1) == 1; }
+
+bool HasHungUp(std::intptr_t handle) {
+  pollfd line{static_cast<int>(handle), POLLIN, 0};
+  if (poll(&line, 1, 0) != 1 || (line.revents & POLLHUP) == 0) return false;
+  int waiting = 0;
+  return ioctl(line.fd, FIONREAD, &waiting) != 0 || waiting == 0;
+}
 
 void ShortSleep(std::chrono::nanoseconds duration) {
 #ifdef __linux__

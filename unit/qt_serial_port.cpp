@@ -23,7 +23,7 @@ QtSerialPort::QtSerialPort(DeviceOfNumber portDevices)
     : deviceOf(std::move(portDevices)), port(std::make_unique<QSerialPort>()) {
   QObject::connect(port.get(), &QSerialPort::errorOccurred, port.get(), [this](QSerialPort::SerialPortError error) {
     if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !port->isOpen() || failure) return;
-    failure.emplace(device + " stopped working: was the cable pulled? Plug it in and start again");
+    SayItStoppedWorking();
   });
 }
 
@@ -66,7 +66,10 @@ void QtSerialPort::Close() { port->close(); }
 
 bool QtSerialPort::IsOpen() const { return port->isOpen(); }
 
-std::size_t QtSerialPort::BytesWaiting() { return IsOpen() ? static_cast<std::size_t>(port->bytesAvailable()) : 0; }
+std::size_t QtSerialPort::BytesWaiting() {
+  NoticeHangUp();
+  return IsOpen() ? static_cast<std::size_t>(port->bytesAvailable()) : 0;
+}
 
 void QtSerialPort::DiscardReceived() {
   if (IsOpen()) port->clear(QSerialPort::Input);
@@ -76,7 +79,10 @@ void QtSerialPort::DiscardReceived() {
 // the system has not put on the line yet would cut off the end of an upload.
 void QtSerialPort::DiscardTransmitted() {}
 
-std::string QtSerialPort::ReadInput() { return IsOpen() ? port->readAll().toStdString() : std::string(); }
+std::string QtSerialPort::ReadInput() {
+  NoticeHangUp();
+  return IsOpen() ? port->readAll().toStdString() : std::string();
+}
 
 std::intptr_t QtSerialPort::Handle() const { return (std::intptr_t)port->handle(); }
 
@@ -89,6 +95,15 @@ void QtSerialPort::TransmitCommChar(std::intptr_t handle, char byte) {
 }
 
 std::optional<PortError> QtSerialPort::Failure() const { return failure; }
+
+// Newer libraries keep reading nothing from a line that has hung up, and tell it only when something is written.
+void QtSerialPort::NoticeHangUp() {
+  if (!failure && IsOpen() && HasHungUp(Handle())) SayItStoppedWorking();
+}
+
+void QtSerialPort::SayItStoppedWorking() {
+  failure.emplace(device + " stopped working: was the cable pulled? Plug it in and start again");
+}
 
 LinkTiming SystemTiming() {
   const auto now = [] { return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()); };

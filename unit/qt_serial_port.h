@@ -41,6 +41,9 @@ class QtSerialPort : public PortObject {
   std::optional<PortError> Failure() const override;
 
  private:
+  void NoticeHangUp();
+  void SayItStoppedWorking();
+
   DeviceOfNumber deviceOf;
   std::string device;
   std::unique_ptr<QSerialPort> port;

@@ -152,7 +152,7 @@ class AppTest : public ::testing::Test {
         top->setActiveAction(menu->menuAction());
         QTest::keyClick(top, Qt::Key_Right);
       }
-      QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(&Item(name)).center());
+      ClickItem(*menu, Item(name));
       PullUp();
       QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
       return;

@@ -31,7 +31,7 @@ class Comparing : public TransferTest {
     menu.popup(Frame().mapToGlobal(QPoint(50, 50)));
     for (QAction* item : menu.actions())
       if (item->text().endsWith(caption)) {
-        QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(item).center());
+        ClickItem(menu, *item);
         PullUp();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return;

@@ -249,7 +249,7 @@ TEST_F(Pane, ContextMenuCopiesWarningsAndTakesChangesBack) {
   const auto choose = [this](const char* name) {
     Key(Qt::Key_F10, Qt::ShiftModifier);
     auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
-    QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(menu.findChild<QAction*>(name)).center());
+    ClickItem(menu, *menu.findChild<QAction*>(name));
   };
   Key(Qt::Key_F6);
   Key(Qt::Key_F10, Qt::ShiftModifier);

@@ -755,7 +755,9 @@ TEST(Arguments, ThatAreWrongFailWithAReason) {
       WrongArguments{{"upload", "1", "a.sig", "--replace-matching"}, "--replace-matching requires --append\n"},
       WrongArguments{{"check", "a.sig", "--loud"}, "The following argument was not expected: --loud\n"},
       WrongArguments{{"\x1B[31mfoo"}, "chanplan: there is no command \"?[31mfoo\"; chanplan --help names them all\n"},
-      WrongArguments{{"check", "a.sig", "--\x1B[31mfoo"}, "The following argument was not expected: --?[31mfoo\n"},
+      // Newer CLI11 takes "--" for the start of an option only where a printable character follows.
+      WrongArguments{{"check", "a.sig", "--loud\x1B[31mfoo"},
+                     "The following argument was not expected: --loud?[31mfoo\n"},
       WrongArguments{{"diff", "a.sig", "b.sig", "\x1B]0;foo\x07"},
                      "The following argument was not expected: ?]0;foo?\n"},
       WrongArguments{{"check", "a.sig", "--format",

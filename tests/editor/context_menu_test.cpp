@@ -56,7 +56,7 @@ class ContextMenu : public DocumentTest {
   static void Choose(QMenu& menu, const char* name) {
     auto* item = menu.findChild<QAction*>(name);
     ASSERT_NE(item, nullptr) << name;
-    QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(item).center());
+    ClickItem(menu, *item);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
   }
 };

@@ -161,7 +161,7 @@ TEST_P(Pasting, FromTheContextMenuDoesTheSame) {
     for (QAction* action : menu->actions())
       if (action->text().startsWith("&Paste")) paste = action;
     ASSERT_NE(paste, nullptr);
-    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(paste).center());
+    ClickItem(*menu, *paste);
   });
   QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(1, 1), box->mapToGlobal(QPoint(1, 1)));
   QApplication::sendEvent(box, &event);

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QMenu>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QTest>
@@ -128,6 +131,19 @@ inline void PressTimes(int times, Qt::Key key) {
 
 inline void Type(std::string_view text) {
   for (const char character : text) QTest::keyClick(FocusWindow(), character);
+}
+
+/// Moves the mouse over a menu to an item, and clicks it. A menu takes the release of a mouse that it has not
+/// seen moving for that of the click that brought it up, and closes. No other events run meanwhile.
+inline void ClickItem(QMenu& menu, QAction& item) {
+  const QPoint place = menu.actionGeometry(&item).center();
+  constexpr int steps = 10;
+  for (int step = 1; step <= steps; ++step) {
+    const QPoint at = place * step / steps;
+    QMouseEvent move(QEvent::MouseMove, at, menu.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&menu, &move);
+  }
+  QTest::mouseClick(&menu, Qt::LeftButton, {}, place);
 }
 
 }  // namespace chanplan::testing
