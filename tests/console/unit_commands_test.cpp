@@ -798,8 +798,8 @@ TEST(Units, OfWhichThereAreNoneAreANote) {
   if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
   const ProgramRun run = Chanplan().Run({"units"}, {.Unprivileged = true});
   if (!run.Output.empty()) GTEST_SKIP() << "this machine has a unit: " << run.Output;
-  EXPECT_TRUE(std::regex_match(run.Errors,
-                               std::regex("(chanplan: [^\n]+\n)*chanplan: no unit answered on (1 serial port|\\d+ serial ports)\n")))
+  EXPECT_TRUE(std::regex_match(
+      run.Errors, std::regex("(chanplan: [^\n]+\n)*chanplan: no unit answered on (1 serial port|\\d+ serial ports)\n")))
       << run.Errors;
   EXPECT_EQ(run.ExitStatus, 0);
 }
