@@ -139,7 +139,7 @@ TEST_F(SerialPath, EveryByteValuePassesBothWays) {
   std::string received;
   UnitLink silent(port, SystemTiming());
   for (const char byte : all) {
-    silent.SendCommString(silent.CommHandle, {&byte, 1});
+    silent.SendCommString(link.CommHandle, {&byte, 1});
     received += terminal->Read(1000ms);
   }
   EXPECT_EQ(received, all);
