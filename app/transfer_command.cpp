@@ -43,6 +43,12 @@ QString CompletedText(int records) {
   return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
 }
 
+// Asks about a loss: Enter uploads nothing.
+bool Confirm(CommandFrame& frame, const QString& text) {
+  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
+             QMessageBox::Cancel) == QMessageBox::Ok;
+}
+
 }  // namespace
 
 TransferCommand::TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, TransferFlags& transferFlags,
@@ -173,8 +179,7 @@ bool TransferCommand::Keep() {
     kept = "The unit's table from before was not kept.";
     const QString text = "The unit's table cannot be kept in " + file.Path + ".\n" + Sentence(file.Failure) +
                          "\n\nUpload the table all the same?";
-    if (Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
-            QMessageBox::Cancel) != QMessageBox::Ok) {
+    if (!Confirm(frame, text)) {
       frame.ShowStatus(CanceledText);
       return false;
     }
@@ -196,8 +201,7 @@ bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
   if (text.isEmpty()) return true;
   text += merged.Dropped > 0 ? QString("Upload the first %1 all the same?").arg(MaxRecords)
                              : QString("Upload the others all the same?");
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
-             QMessageBox::Cancel) == QMessageBox::Ok;
+  return Confirm(frame, text);
 }
 
 // What would be left out is asked about before the merge says what it did.
@@ -228,8 +232,7 @@ bool TransferCommand::ConfirmLosses(const SignalStandardTable& table) {
   if (losses.empty()) return true;
   const QString text = "The unit cannot hold these values as they stand in the table:\n\n" + ListText(losses) +
                        "\n\nUpload the table all the same?";
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
-             QMessageBox::Cancel) == QMessageBox::Ok;
+  return Confirm(frame, text);
 }
 
 bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {
