@@ -40,7 +40,7 @@ struct Interruption {
     return Command.Run(arguments, {.Meanwhile = interrupt});
   }
   void ExpectServesTheNextProgram() {
-    EXPECT_TRUE(IsFree(Unit->Device()));
+    EXPECT_TRUE(Unit->LetsGo());
     const ProgramRun run = Command.Run({"identify", Unit->Link()});
     EXPECT_EQ(run.ExitStatus, 0) << run.Errors;
   }
@@ -55,7 +55,7 @@ TEST(Interrupted, WaitForASilentUnitEndsInOrder) {
     EXPECT_EQ(run.Errors, "chanplan: interrupted\n");
     EXPECT_LT(run.Elapsed, 9s) << "instead of ten seconds";
     EXPECT_TRUE(interruption.Unit->WaitForOutput("received FF")) << "the end of the exchange";
-    EXPECT_TRUE(IsFree(interruption.Unit->Device()));
+    EXPECT_TRUE(interruption.Unit->LetsGo());
   }
 }
 

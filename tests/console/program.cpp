@@ -146,6 +146,15 @@ void ReadUntil(Clock::time_point end, Descriptor& output, std::string& outputTex
   }
 }
 
+// Root always may open it, so the mark of exclusive use is looked at.
+bool IsFree(const std::string& device) {
+  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  int exclusive = 0;
+  const bool free = opened >= 0 && ioctl(opened, TIOCGEXCL, &exclusive) == 0 && exclusive == 0;
+  close(opened);
+  return free;
+}
+
 }  // namespace
 
 ProgramRun RunProgram(std::vector<std::string> command, const RunOptions& options) {
@@ -233,21 +242,16 @@ long RunningSimulator::Waits() const {
   return ended ? Ended : std::stol(status.substr(place + field.size()));
 }
 
+bool RunningSimulator::LetsGo() {
+  return WaitFor(5s, [this] { return IsFree(device) || WaitForEnd(0ms); });
+}
+
 int RunningSimulator::Stop() {
   for (const int signal : {SIGTERM, SIGKILL}) {
     if (!WaitForEnd(0ms)) kill(process, signal);
     if (WaitForEnd()) break;
   }
   return exitStatus.value_or(-SIGKILL);
-}
-
-// Root always may open it, so the mark of exclusive use is looked at.
-bool IsFree(const std::string& device) {
-  const int opened = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  int exclusive = 0;
-  const bool free = opened >= 0 && ioctl(opened, TIOCGEXCL, &exclusive) == 0 && exclusive == 0;
-  close(opened);
-  return free;
 }
 
 }  // namespace chanplan::testing

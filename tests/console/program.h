@@ -95,6 +95,9 @@ class RunningSimulator {
   /// machine.
   long Waits() const;
   static constexpr long Ended = -1;
+  /// Waits until the next program may open its device, which no other one has kept for itself, or it has ended. It may
+  /// take the mark of one that is gone for some 50 ms more.
+  bool LetsGo();
   /// Asks it to end and waits for that; its exit status.
   int Stop();
 
@@ -105,8 +108,5 @@ class RunningSimulator {
   pid_t process = -1;
   std::optional<int> exitStatus;
 };
-
-/// Whether a program may open the device, that is whether no other one has kept it for itself.
-bool IsFree(const std::string& device);
 
 }  // namespace chanplan::testing

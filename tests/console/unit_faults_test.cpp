@@ -71,7 +71,8 @@ class FaultyUnit {
     EXPECT_EQ(NamesIn(chanplan.Folder.Path()), (std::set<std::string>{"out.sig", "table.sig"}));
     EXPECT_FALSE(fs::exists(folder / "held.sig")) << "the unit keeps its table";
     if (fault.UnitStays) {
-      EXPECT_TRUE(IsFree(simulator->Device()));
+      EXPECT_TRUE(simulator->LetsGo());
+      EXPECT_FALSE(simulator->WaitForEnd(0ms));
     } else {
       EXPECT_EQ(simulator->WaitForEnd(), 0);
     }
