@@ -39,7 +39,7 @@ std::optional<UnsavedTable> ReadCopyText(const std::string& text) {
   std::getline(input, line);
   if (!input || title != Title) return std::nullopt;
   unsaved.Caption = QUrl::fromPercentEncoding(QByteArray::fromStdString(caption));
-  ReadOutcome read = ReadSigTable(input);
+  ReadOutcome read = ReadSigTable(input, text.size());  // a table that no file takes is to be had again, too
   if (!read.Ok()) return std::nullopt;
   unsaved.Table = std::move(read.Table);
   return unsaved;

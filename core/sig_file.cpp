@@ -22,7 +22,7 @@ struct Failure {
 
 class LineReader {
  public:
-  explicit LineReader(std::istream& input) : bytes(*input.rdbuf()) {}
+  LineReader(std::istream& input, std::size_t longestLine) : bytes(*input.rdbuf()), longest(longestLine) {}
 
   // The next line without its end, which stays valid until the next call; nothing at the end.
   std::optional<std::string_view> Next() {
@@ -32,12 +32,12 @@ class LineReader {
     bool ended = false;
     int byte = 0;
     // One more than the limit is let in, for the CR of the line's end.
-    while (!ended && line.size() <= MaxLineLength + 1 && (byte = bytes.sbumpc()) != Traits::eof()) {
+    while (!ended && line.size() <= longest + 1 && (byte = bytes.sbumpc()) != Traits::eof()) {
       ended = byte == '\n';
       if (!ended) line += Traits::to_char_type(byte);
     }
     while (ended && line.ends_with('\r')) line.pop_back();  // more than one where line ends were converted twice
-    if (line.size() > MaxLineLength) Fail(ReadFailure::LineTooLong, " is longer than 64 KiB");
+    if (line.size() > longest) Fail(ReadFailure::LineTooLong, " is longer than 64 KiB");
     if (!ended && line.empty()) return std::nullopt;
     return line;
   }
@@ -62,6 +62,7 @@ class LineReader {
 
  private:
   std::streambuf& bytes;
+  std::size_t longest;
   std::string line;
   int number = 0;
 };
@@ -177,8 +178,8 @@ ReadOutcome Failed(ReadFailure failure, int line, std::string reason) {
 
 }  // namespace
 
-ReadOutcome ReadSigTable(std::istream& input) {
-  LineReader reader(input);
+ReadOutcome ReadSigTable(std::istream& input, std::size_t longestLine) {
+  LineReader reader(input, longestLine);
   try {
     const auto header = reader.Next();
     if (!header) return Failed(ReadFailure::Empty, 0, "the file is empty, not even a header line is there");

@@ -49,8 +49,9 @@ struct ReadOutcome {
 };
 
 /// Reads a table from `input`. CR LF and a bare LF end a line; the last line needs no end. Text of 16-bit
-/// characters and lines that end in a lone CR are failures: they would be read as something else.
-ReadOutcome ReadSigTable(std::istream& input);
+/// characters and lines that end in a lone CR are failures: they would be read as something else. So are lines of more
+/// than `longestLine` bytes.
+ReadOutcome ReadSigTable(std::istream& input, std::size_t longestLine = MaxLineLength);
 ReadOutcome LoadSigFile(const std::filesystem::path& path);
 
 /// A record's ten fields as they are written to a file.

@@ -75,6 +75,11 @@ TEST(RecoveryCopy, HoldsAllOfADocument) {
   EXPECT_EQ(ReadCopyText(CopyText(unsaved)), unsaved);
 }
 
+TEST(RecoveryCopy, HoldsATableThatNoFileTakes) {
+  const UnsavedTable unsaved{"Untitled 1", 0, {}, TableOfNames({std::string(MaxLineLength + 1, 'A'), "B"})};
+  EXPECT_EQ(ReadCopyText(CopyText(unsaved)), unsaved);
+}
+
 TEST(RecoveryCopy, IsNothingWhenItIsCutShortOrSomethingElse) {
   const std::string text = CopyText({"a.sig", 0, FileStamp{1, 2, 3, 4}, TableOfNames({"A"})});
   for (const std::size_t length : {std::size_t{0}, std::size_t{10}, std::size_t{30}, std::size_t{38}, text.size() - 20})
