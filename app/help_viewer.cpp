@@ -41,13 +41,14 @@ class Guide : public QTextBrowser {
 };
 
 void GiveTablesRoom(QTextDocument& document) {
-  for (QTextFrame* frame : document.rootFrame()->childFrames())
-    if (auto* table = qobject_cast<QTextTable*>(frame)) {
-      QTextTableFormat format = table->format();
-      format.setCellPadding(4);
-      format.setBorderCollapse(true);
-      table->setFormat(format);
-    }
+  for (QTextFrame* frame : document.rootFrame()->childFrames()) {
+    auto* table = qobject_cast<QTextTable*>(frame);
+    if (table == nullptr) continue;
+    QTextTableFormat format = table->format();
+    format.setCellPadding(4);
+    format.setBorderCollapse(true);
+    table->setFormat(format);
+  }
 }
 
 }  // namespace
