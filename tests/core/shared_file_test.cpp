@@ -96,7 +96,7 @@ std::string IdentityOf(const fs::path& file) {
 // A folder with a table in it, and the state folder of those who save it.
 class SharedFile : public ::testing::Test {
  protected:
-  SharedFile() {
+  explicit SharedFile(const fs::path& parent = fs::temp_directory_path()) : folder(parent) {
     setenv("XDG_STATE_HOME", (folder / "state").c_str(), 1);
     fs::create_directory(folder / "state");
     fs::create_directory(folder / "plans");
@@ -244,7 +244,12 @@ SignalStandardTable BigTable(char letter) {
   return table;
 }
 
-TEST_F(SharedFile, IsWholeAgainWhereverAChangeInPlaceWasKilled) {
+class SharedFileInMemory : public SharedFile {
+ protected:
+  SharedFileInMemory() : SharedFile(testing::FolderInMemory()) {}
+};
+
+TEST_F(SharedFileInMemory, IsWholeAgainWhereverAChangeInPlaceWasKilled) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
   using Clock = std::chrono::steady_clock;
   constexpr int rounds = 200;
@@ -295,7 +300,7 @@ TEST_F(SharedFile, IsWholeAgainWhereverAChangeInPlaceWasKilled) {
 }
 
 // Two users whose folder takes no new file: one saves again and again, the other reads.
-TEST_F(SharedFile, IsNeverReadHalfChanged) {
+TEST_F(SharedFileInMemory, IsNeverReadHalfChanged) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
   TempFolder::Allow(table, static_cast<fs::perms>(0666));
   TempFolder::Allow(folder / "plans", static_cast<fs::perms>(0555));

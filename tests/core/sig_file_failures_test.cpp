@@ -568,7 +568,7 @@ class SharedCounter {
 TEST(SaveSigFile, LeavesOneWholeFileWhereverItIsKilled) {
   using Clock = std::chrono::steady_clock;
   constexpr int rounds = 200;
-  const TempFolder folder;
+  const TempFolder folder(testing::FolderInMemory());
   const fs::path file = folder / "table.sig";
   const SignalStandardTable tables[] = {BigTable('a'), BigTable('b')};
   const std::string contents[] = {WriteSigTable(tables[0]), WriteSigTable(tables[1])};
