@@ -78,7 +78,7 @@ TEST_F(KilledEditor, OffersWhatWasStoredAfterItsScreenHasGone) {
   const fs::path file = folder / "plan.sig";
   ASSERT_FALSE(SaveSigFile(file, TableOfNames({"A", "B"})));
   QProcess screen;
-  screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x1024x24"});
+  screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-r", "-noreset"});
   ASSERT_TRUE(QTest::qWaitFor([&] { return screen.canReadLine(); }, LongestWait));
   QProcessEnvironment there = editor.processEnvironment();
   there.insert("DISPLAY", ":" + QString::fromLatin1(screen.readLine()).trimmed());
