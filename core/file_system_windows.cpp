@@ -1,5 +1,6 @@
 #define NOMINMAX
 #include <windows.h>
+#undef ReplaceFile  // which would rename ours
 
 #include <array>
 #include <charconv>
