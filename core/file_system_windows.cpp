@@ -141,8 +141,7 @@ bool Repeated(const Call& call) {
   constexpr DWORD pause = 50;  // ms
   for (int attempt = 1; !call(); ++attempt) {
     const DWORD error = GetLastError();
-    const bool isHeld = error == ERROR_SHARING_VIOLATION || error == ERROR_UNABLE_TO_REMOVE_REPLACED;
-    if (!isHeld || attempt == attempts) return false;
+    if (error != ERROR_SHARING_VIOLATION || attempt == attempts) return false;
     Sleep(pause);
     SetLastError(error);
   }
@@ -157,18 +156,18 @@ bool TakePlace(FreshFile& fresh, const fs::path& target, bool exists, bool flush
   const auto replace = [&] {
     return ReplaceFileW(target.c_str(), fresh.Name.c_str(), nullptr, 0, nullptr, nullptr) != 0;
   };
-  // The former file may be gone, and the new one still have its own name.
-  const auto replaceOrMove = [&] {
-    return replace() || (GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT && move());
-  };
-  if (!(exists ? Repeated(replaceOrMove) : Repeated(move))) return false;
+  if (exists && !Repeated([&] { return OpenExisting(target, DELETE).IsOpen(); })) return false;
+  // The former file may be gone then, and the new one still have its own name.
+  if (exists && !replace() && (GetLastError() != ERROR_UNABLE_TO_MOVE_REPLACEMENT || !move())) return false;
+  if (!exists && !move()) return false;
   fresh.Name.clear();
   return true;
 }
 
 std::error_code Replace(const fs::path& file, std::string_view bytes, bool flush) {
-  const fs::path target = FollowLinks(UnlimitedPath(file));
-  if (target.native().starts_with(L"\\\\.\\")) return WriteDevice(target, bytes);
+  const fs::path named = UnlimitedPath(file);
+  if (named.native().starts_with(L"\\\\.\\")) return WriteDevice(named, bytes);
+  const fs::path target = FollowLinks(named);
   const DWORD attributes = GetFileAttributesW(target.c_str());
   const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
   if (!exists && GetLastError() != ERROR_FILE_NOT_FOUND) return LastError();  // it may be there
