@@ -155,8 +155,7 @@ bool frmDocument::SigReport(const QString& ReportName) {
     return false;
   }
   const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());
-  if (error)
-    ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromStdString(error.message()));
+  if (error) ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromStdString(error.message()));
   return !error;
 }
 

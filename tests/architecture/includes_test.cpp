@@ -28,7 +28,9 @@ const std::vector<Folder> Folders = {
     {"settings", {"unit"}, {"*"}},
     {"report", {"core"}, {"pdf_listing.cpp", "qt_print_surface.h", "qt_print_surface.cpp"}},
     {"simulator", {"core", "unit"}, {}},
-    {"console", {"core", "unit", "report", "settings"}, {"qt_application.h", "qt_application.cpp", "show_file_posix.cpp"}},
+    {"console",
+     {"core", "unit", "report", "settings"},
+     {"qt_application.h", "qt_application.cpp", "show_file_posix.cpp"}},
     {"editor", {"core", "report"}, {"*"}},
     {"app", {"core", "unit", "report", "settings", "editor"}, {"*"}},
 };
