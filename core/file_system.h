@@ -61,7 +61,11 @@ struct FileStamp {
 std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file);
 
 /// The name by which the system takes `file` however long it is: on Windows the ordinary ones end at 259 characters.
+/// Not for the standard library's functions that look at files: they take a "?" for a wildcard there.
 std::filesystem::path UnlimitedPath(const std::filesystem::path& file);
+
+/// Whether `file` is there, and no folder.
+bool IsFile(const std::filesystem::path& file);
 
 /// Whether both names lead to one file that exists.
 bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other);

@@ -214,6 +214,11 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
 
 fs::path UnlimitedPath(const fs::path& file) { return file; }
 
+bool IsFile(const fs::path& file) {
+  std::error_code ignored;
+  return fs::exists(file, ignored) && !fs::is_directory(file, ignored);
+}
+
 bool AreSameFile(const fs::path& one, const fs::path& other) {
   const auto first = ReadFileStamp(one), second = ReadFileStamp(other);
   return first && second && first->SameFile(*second);

@@ -225,6 +225,11 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
       joined(facts.nFileSizeHigh, facts.nFileSizeLow)};
 }
 
+bool IsFile(const fs::path& file) {
+  const DWORD attributes = GetFileAttributesW(UnlimitedPath(file).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 bool AreSameFile(const fs::path& one, const fs::path& other) {
   const auto first = ReadFileStamp(one), second = ReadFileStamp(other);
   return first && second && first->SameFile(*second);

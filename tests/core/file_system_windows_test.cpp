@@ -136,6 +136,8 @@ TEST(ReplaceFile, TakesPathsOfAnyLengthAndLetters) {
   EXPECT_EQ(ReadFile(file), "second");
   EXPECT_EQ(ReadFileFacts(plain).value_or(FileFacts{}).Size, 6u);
   EXPECT_TRUE(AreSameFile(plain, file));
+  EXPECT_TRUE(IsFile(plain));
+  EXPECT_FALSE(IsFile(deep));
   // The library's own way to remove folders ends at the ordinary length.
   EXPECT_TRUE(DeleteFileW(file.c_str()));
   for (; deep != UnlimitedPath(folder.Path()); deep = deep.parent_path()) EXPECT_TRUE(RemoveDirectoryW(deep.c_str()));
