@@ -28,12 +28,15 @@ fetch_qt_source() {
   (cd "$cache/source" && apt-get "${options[@]}" source --download-only "qt6-base=$1")
 }
 
-# build_qt VERSION FOLDER: takes the better part of an hour on two cores
+# build_qt VERSION FOLDER: takes the better part of an hour on two cores; one that was interrupted goes on
 build_qt() {
-  local work=$cache/build
-  rm -rf "$work"
+  local work=$2-build
   mkdir -p "$work"
-  dpkg-source -x "$cache/source/qt6-base_$1.dsc" "$work/source"
+  if [ ! -e "$work/source" ]; then
+    rm -rf "$work/unpacked"
+    dpkg-source -x "$cache/source/qt6-base_$1.dsc" "$work/unpacked"
+    mv "$work/unpacked" "$work/source"
+  fi
   cmake -S "$work/source" -B "$work/build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$PWD/packaging/windows/mingw.cmake" \
     -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR="/usr/lib/$(dpkg-architecture -q DEB_BUILD_MULTIARCH)/cmake" \
     -DCMAKE_INSTALL_PREFIX="$2" "${qt_options[@]}"
