@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "settings/user_settings.h"
+#include "settings/settings_store.h"
 
 namespace chanplan {
 namespace {
@@ -18,12 +18,7 @@ QString RecentFileKey(int number) { return "Recent Files/RecentFile" + QString::
 
 }  // namespace
 
-AppSettings::AppSettings()
-#ifdef Q_OS_WIN
-    : store(QString("HKEY_CURRENT_USER\\Software\\") + ApplicationName, QSettings::NativeFormat) {
-#else
-    : store(QString::fromStdString(SettingsFile()), QSettings::IniFormat) {
-#endif
+AppSettings::AppSettings() : store(SettingsStore()) {
   store.allKeys();  // sections are looked into once they are needed
   if (store.status() == QSettings::NoError) return;
   QString complaint =
@@ -59,7 +54,7 @@ QStringList AppSettings::Complaints() const {
 // A store that was damaged when it was read says so for ever, and nothing else: a new one tells of this write.
 bool AppSettings::Write() {
   store.sync();
-  QSettings writing(store.fileName(), store.format());
+  QSettings writing = SettingsStore();
   writing.sync();
   return writing.status() != QSettings::AccessError;
 }

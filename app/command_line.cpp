@@ -1,5 +1,6 @@
 #include "app/command_line.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include "app/file_io.h"
@@ -17,7 +18,7 @@ constexpr char Help[] =
 
 QString PathGiven(const QString& file) {
   const QString path = file.startsWith("file:") ? LocalPathOf(QUrl(file)) : QString();
-  return path.isEmpty() ? QFileInfo(file).absoluteFilePath() : path;
+  return QDir::toNativeSeparators(path.isEmpty() ? QFileInfo(file).absoluteFilePath() : path);
 }
 
 // A terminal obeys control characters.

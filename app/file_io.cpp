@@ -92,7 +92,7 @@ QString LocalPathOf(QUrl address) {
     if (address.host().compare(host, Qt::CaseInsensitive) == 0) address.setHost("");
   const QFileInfo file(address.toLocalFile());
   const bool local = address.isLocalFile() && (address.host().isEmpty() || file.exists());  // on a share
-  return local ? file.absoluteFilePath() : QString();
+  return local ? QDir::toNativeSeparators(file.absoluteFilePath()) : QString();
 }
 
 void PromptOpenFileName(CommandFrame& frame, RecentFileList& recent) {

@@ -33,7 +33,7 @@ KeptTable KeepTable(const SignalStandardTable& table, const QDateTime& now) {
   const std::error_code error = SaveSigFile(PathOf(file.fileName()), table);
   if (!error) return kept;
   file.remove();
-  return {kept.Path, QString::fromLocal8Bit(error.message().c_str())};
+  return {kept.Path, QString::fromStdString(error.message())};
 }
 
 }  // namespace chanplan

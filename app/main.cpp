@@ -6,7 +6,8 @@
 #include "app/frm_main.h"
 #include "editor/frm_document.h"
 #include "settings/user_settings.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
+#include "unit/system_timing.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ int main(int argc, char* argv[]) {
   // The platform library has taken out the options that are its own.
   const CommandLine line = ReadCommandLine(QApplication::arguments().mid(1));
   if (!line.Answer.isEmpty()) return Print(line);
-  AppMain app(std::make_unique<QtSerialPort>(CommDevice), SystemTiming(), frmDocument::Make);
+  AppMain app(std::make_unique<SerialPort>(CommDevice), SystemTiming(), frmDocument::Make);
   app.Main(line.Files);
   QObject::connect(app.Frame.get(), &frmMain::Ended, &application, [] { QApplication::exit(); });
   return QApplication::exec();

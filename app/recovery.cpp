@@ -78,7 +78,7 @@ bool RecoveryCopies::Write(int slot, const DocumentWindow& document) {
   QString failure = Claim();
   if (failure.isEmpty())
     if (const std::error_code error = ReplaceFileUnflushed(FileOf(slot), text))
-      failure = QString::fromLocal8Bit(error.message().c_str());
+      failure = QString::fromStdString(error.message());
   if (!failure.isEmpty() && !failed) emit Failed(failure);
   failed = !failure.isEmpty();
   if (failed) {

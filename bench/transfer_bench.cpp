@@ -15,7 +15,8 @@
 #include "app/frm_main.h"
 #include "core/sig_file.h"
 #include "editor/frm_document.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
+#include "unit/system_timing.h"
 #include "unit/transfer.h"
 #include "unit/wire_encoding.h"
 
@@ -102,7 +103,7 @@ void Measure(benchmark::State& state, double floorSeconds, const Transfer& trans
 
 void LinkUpload(benchmark::State& state) {
   const UnitProcess unit;
-  QtSerialPort port(unit.Path().toStdString());
+  SerialPort port(unit.Path().toStdString());
   UnitLink link(port, SystemTiming());
   const std::string message = EncodeTable(FullTable(), 1);
   TransferProgress progress;
@@ -114,7 +115,7 @@ void LinkUpload(benchmark::State& state) {
 // The editor with a full table.
 class Editor {
  public:
-  Editor() : app(std::make_unique<QtSerialPort>(unit.Path().toStdString()), SystemTiming(), frmDocument::Make) {
+  Editor() : app(std::make_unique<SerialPort>(unit.Path().toStdString()), SystemTiming(), frmDocument::Make) {
     app.Main();
     app.Registry.Document(1)->ShowUnitTable(FullTable());
   }

@@ -6,8 +6,8 @@ namespace chanplan {
 void AddChartCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("chart", "Draw a table's bands along the spectrum, as SVG");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
-  command->add_option("FILE", files->first, "the table")->required();
-  command->add_option("OUT", files->second, "where to write the chart")->required();
+  AddFileArgument(*command, "FILE", files->first, "the table");
+  AddFileArgument(*command, "OUT", files->second, "where to write the chart");
   const auto open = AddOpenOption(*command);
   command->callback([files, open, &exitCode] {
     const auto& [file, out] = *files;

@@ -63,7 +63,7 @@ int CheckFiles(const std::vector<std::filesystem::path>& files, bool json) {
 void AddCheckCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("check", "Print the warnings about tables");
   const auto files = std::make_shared<std::vector<std::filesystem::path>>();
-  command->add_option("FILE", *files, "tables to check")->required();
+  AddFilesArgument(*command, "FILE", *files, "tables to check");
   const auto json = AddFormatOption(*command);
   command->footer("Exit status: 0 no warnings, 1 warnings, 2 a file could not be read.");
   command->callback([files, json, &exitCode] { exitCode = CheckFiles(*files, *json); });

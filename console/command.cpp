@@ -62,6 +62,31 @@ int ExitCodeAfterMerge(int withoutRoom, int nameless) {
   return ExitRowsLost;
 }
 
+// The library would have its texts taken for another encoding on Windows.
+void AddFilesArgument(CLI::App& command, const std::string& name, std::vector<std::filesystem::path>& files,
+                      const std::string& description) {
+  const auto take = [&files](const std::vector<std::string>& given) {
+    for (const std::string& file : given) files.emplace_back(std::u8string(file.begin(), file.end()));
+  };
+  command.add_option_function<std::vector<std::string>>(name, take, description)->required();
+}
+
+void AddFileArgument(CLI::App& command, const std::string& name, std::filesystem::path& file,
+                     const std::string& description) {
+  const auto take = [&file](const std::string& given) { file = std::u8string(given.begin(), given.end()); };
+  command.add_option_function<std::string>(name, take, description)->required();
+}
+
+std::shared_ptr<bool> AddOpenOption(CLI::App& command) {
+  auto open = std::make_shared<bool>(false);
+  command.add_flag("--open", *open, "show OUT in the program that the desktop has for it");
+  return open;
+}
+
+void RefuseToShow(const std::filesystem::path& out) {
+  if (out == StandardStream) throw CommandFailure("standard output cannot be opened: name a file with --open");
+}
+
 std::shared_ptr<bool> AddFormatOption(CLI::App& command, const std::string& plain) {
   auto json = std::make_shared<bool>(false);
   command
@@ -111,8 +136,8 @@ void FailUnlessSaved(const std::filesystem::path& file, std::error_code error) {
 }
 
 void RefuseOwnTable(const std::filesystem::path& file, const std::filesystem::path& out) {
-  const std::filesystem::path from = file == StandardStream ? "/dev/stdin" : file;
-  const std::filesystem::path to = out == StandardStream ? "/dev/stdout" : out;
+  const std::filesystem::path from = file == StandardStream ? FileOfStandardInput() : file;
+  const std::filesystem::path to = out == StandardStream ? FileOfStandardOutput() : out;
   // A terminal or a null device may well be both.
   if (std::error_code none; std::filesystem::is_regular_file(from, none) && AreSameFile(from, to))
     throw CommandFailure(to.string() + " is the table itself, which it would take the place of: nothing was written");

@@ -95,6 +95,12 @@ std::string PrintedName(const std::filesystem::path& file);
 /// Adds the option --format to `command`; what it sets is true when JSON is asked for instead of `plain`.
 std::shared_ptr<bool> AddFormatOption(CLI::App& command, const std::string& plain = "text");
 
+/// Adds the required argument `name`, which becomes `file`; `files` are one or more.
+void AddFileArgument(CLI::App& command, const std::string& name, std::filesystem::path& file,
+                     const std::string& description);
+void AddFilesArgument(CLI::App& command, const std::string& name, std::vector<std::filesystem::path>& files,
+                      const std::string& description);
+
 /// Adds the option --open to `command`, which is followed by RefuseToShow before and ShowFile after writing.
 std::shared_ptr<bool> AddOpenOption(CLI::App& command);
 

@@ -9,8 +9,8 @@ namespace chanplan {
 void AddDiffCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("diff", "Print what differs between two tables");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
-  command->add_option("A", files->first, "a table")->required();
-  command->add_option("B", files->second, "the table to compare it with")->required();
+  AddFileArgument(*command, "A", files->first, "a table");
+  AddFileArgument(*command, "B", files->second, "the table to compare it with");
   const auto json = AddFormatOption(*command);
   command->footer(
       "Exit status: 0 the tables are alike, 1 they differ, 2 a file could not be read, 3 they are alike as far as "

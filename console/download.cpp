@@ -67,7 +67,7 @@ void AddDownloadCommand(CLI::App& app, int& /*exitCode*/) {
   CLI::App* command = app.add_subcommand("download", "Save the table of a unit to a file");
   const auto arguments = std::make_shared<DownloadArguments>();
   arguments->Port.AddTo(*command);
-  command->add_option("OUT", arguments->Out, "where to save the table")->required();
+  AddFileArgument(*command, "OUT", arguments->Out, "where to save the table");
   command->add_flag("--force", arguments->Force, "replace a file that is not empty also by an empty table");
   command->callback([arguments] { Download(*arguments); });
 }

@@ -80,7 +80,7 @@ std::string JsonText(const SignalStandardTable& table) {
 void AddListCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("list", "Print a table's standards and sub-bands");
   const auto file = std::make_shared<std::filesystem::path>();
-  command->add_option("FILE", *file, "the table")->required();
+  AddFileArgument(*command, "FILE", *file, "the table");
   const auto json = AddFormatOption(*command, "table");
   command->footer(
       "A line per record with its values between TABs, in MHz and channels; the first line names them.\n"

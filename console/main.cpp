@@ -5,15 +5,17 @@
 #include "console/arguments.h"
 #include "console/command.h"
 #include "console/interruption.h"
+#include "console/terminal.h"
 #include "core/text_encoding.h"
 
 int main(int argc, char** argv) {
   using namespace chanplan;
+  PrepareStandardStreams();
   int exitCode = ExitDone;
   const auto commands = MakeCommands(exitCode);
   try {
     try {
-      RunCommand(*commands, {argv + 1, argv + argc});
+      RunCommand(*commands, ProgramArguments(argc, argv));
     } catch (const CLI::ParseError& error) {  // a request for help is one, too
       std::ostringstream wrong;
       const bool failed = commands->exit(error, std::cout, wrong) != 0;

@@ -65,9 +65,9 @@ int Merge(const MergeArguments& arguments) {
 void AddMergeCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("merge", "Merge the standards of one table into another");
   const auto arguments = std::make_shared<MergeArguments>();
-  command->add_option("BASE", arguments->Base, "the table to merge into")->required();
-  command->add_option("SOURCE", arguments->Source, "the table whose standards are added")->required();
-  command->add_option("OUT", arguments->Out, "where to save the merged table")->required();
+  AddFileArgument(*command, "BASE", arguments->Base, "the table to merge into");
+  AddFileArgument(*command, "SOURCE", arguments->Source, "the table whose standards are added");
+  AddFileArgument(*command, "OUT", arguments->Out, "where to save the merged table");
   command->add_flag("--replace-matching", arguments->ReplaceMatching,
                     "standards of SOURCE replace those of the same name in BASE");
   command->add_flag("--dry-run", arguments->DryRun, "only tell what would become of each standard");

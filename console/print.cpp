@@ -24,8 +24,8 @@ int Print(const PrintArguments& arguments) {
 void AddPrintCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("print", "Write a table's printed listing as PDF");
   const auto arguments = std::make_shared<PrintArguments>();
-  command->add_option("FILE", arguments->File, "the table")->required();
-  command->add_option("OUT", arguments->Out, "where to write the listing")->required();
+  AddFileArgument(*command, "FILE", arguments->File, "the table");
+  AddFileArgument(*command, "OUT", arguments->Out, "where to write the listing");
   command
       ->add_option_function<std::string>(
           "--paper",

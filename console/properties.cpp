@@ -9,7 +9,7 @@ namespace chanplan {
 void AddPropertiesCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("properties", "Print a summary of a table and its file");
   const auto file = std::make_shared<std::filesystem::path>();
-  command->add_option("FILE", *file, "the table")->required();
+  AddFileArgument(*command, "FILE", *file, "the table");
   command->callback([file, &exitCode] {
     const OpenedTable opened = OpenWithNotes(*file);
     std::cout << HarmlessText(WithLfLineEnds(TableProperties(opened.Table, CaptionOf(*file)))) << '\n';

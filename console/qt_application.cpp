@@ -9,8 +9,8 @@ namespace {
 // The library keeps references to both.
 char programName[] = "chanplan";
 char platformOption[] = "-platform";
-char offscreen[] = "offscreen";
-char* arguments[] = {programName, platformOption, offscreen, nullptr};
+char printPlatform[] = PRINT_PLATFORM;
+char* arguments[] = {programName, platformOption, printPlatform, nullptr};
 int argumentCount = 3;
 
 }  // namespace

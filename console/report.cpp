@@ -6,8 +6,8 @@ namespace chanplan {
 void AddReportCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("report", "Write a table as an HTML report");
   const auto files = std::make_shared<std::pair<std::filesystem::path, std::filesystem::path>>();
-  command->add_option("FILE", files->first, "the table")->required();
-  command->add_option("OUT", files->second, "where to write the report")->required();
+  AddFileArgument(*command, "FILE", files->first, "the table");
+  AddFileArgument(*command, "OUT", files->second, "where to write the report");
   const auto open = AddOpenOption(*command);
   command->callback([files, open, &exitCode] {
     const auto& [file, out] = *files;

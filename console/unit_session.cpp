@@ -8,6 +8,7 @@
 #include "core/number_picture.h"
 #include "core/text_encoding.h"
 #include "settings/user_settings.h"
+#include "unit/system_timing.h"
 
 namespace chanplan {
 namespace {

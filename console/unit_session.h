@@ -7,7 +7,7 @@
 
 #include "console/command.h"
 #include "console/qt_application.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
 #include "unit/tracing_port.h"
 #include "unit/transfer.h"
 #include "unit/unit_connection.h"
@@ -53,7 +53,7 @@ class UnitSession {
 
   std::unique_ptr<QCoreApplication> application = MakePortApplication();
   std::string portName;
-  QtSerialPort port;
+  SerialPort port;
   std::unique_ptr<TracingPort> tracing;
   UnitLink link;
 };

@@ -7,7 +7,8 @@
 #include "core/number_picture.h"
 #include "core/text_encoding.h"
 #include "settings/user_settings.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
+#include "unit/system_timing.h"
 #include "unit/unit_connection.h"
 
 namespace chanplan {
@@ -25,7 +26,7 @@ struct FoundUnit {
 
 // The unit that answered; says why a port could not be asked.
 std::optional<FoundUnit> FindUnit(const std::string& device) {
-  QtSerialPort port(device);
+  SerialPort port(device);
   UnitLink link(port, SystemTiming());
   link.StopRequested = [] { return Interruptions() > 0; };
   std::string reply;

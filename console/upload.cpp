@@ -75,7 +75,7 @@ void AddUploadCommand(CLI::App& app, int& exitCode) {
   CLI::App* command = app.add_subcommand("upload", "Put a table into a unit");
   const auto arguments = std::make_shared<UploadArguments>();
   arguments->Port.AddTo(*command);
-  command->add_option("FILE", arguments->File, "the table")->required();
+  AddFileArgument(*command, "FILE", arguments->File, "the table");
   CLI::Option* append =
       command->add_flag("--append", arguments->Append, "keep the unit's standards and add the table's");
   command

@@ -15,8 +15,8 @@ namespace chanplan {
 /// content is safely on the disk, and stays for good when anything fails or the program is killed.
 /// Its owner, group, mode, access list and attributes are kept, and a symbolic link stays a link.
 /// Where no new file can take its place with all of them, the content is changed in place behind a
-/// copy of the former one, which HealInterruptedSaves puts back when the program was killed. A device
-/// is written directly, and so is what a name such as /dev/stdout stands for.
+/// copy of the former one, which HealInterruptedSaves puts back when the program was killed; on Windows that is an
+/// error. A device is written directly, and so is what a name such as /dev/stdout stands for.
 std::error_code ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
 
 /// As ReplaceFile, for a program's own file that must survive the program's end at once and a loss of power
@@ -59,6 +59,13 @@ struct FileStamp {
 
 /// Nothing when there is no such file. Symbolic links are followed.
 std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file);
+
+/// The name by which the system takes `file` however long it is: on Windows the ordinary ones end at 259 characters.
+/// Not for the standard library's functions that look at files: they take a "?" for a wildcard there.
+std::filesystem::path UnlimitedPath(const std::filesystem::path& file);
+
+/// Whether `file` is there, and no folder.
+bool IsFile(const std::filesystem::path& file);
 
 /// Whether both names lead to one file that exists.
 bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other);

@@ -212,6 +212,13 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
                    static_cast<std::uint64_t>(facts.st_size)};
 }
 
+fs::path UnlimitedPath(const fs::path& file) { return file; }
+
+bool IsFile(const fs::path& file) {
+  std::error_code ignored;
+  return fs::exists(file, ignored) && !fs::is_directory(file, ignored);
+}
+
 bool AreSameFile(const fs::path& one, const fs::path& other) {
   const auto first = ReadFileStamp(one), second = ReadFileStamp(other);
   return first && second && first->SameFile(*second);

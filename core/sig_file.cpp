@@ -214,7 +214,7 @@ ReadOutcome LoadSigFile(const std::filesystem::path& path) {
   HealInterruptedSaves();
   const auto still = HoldStill(path);
   errno = 0;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(UnlimitedPath(path), std::ios::binary);
   if (!file) return Failed(ReadFailure::CannotOpen, 0, std::generic_category().message(errno));
   return ReadSigTable(file);
 }

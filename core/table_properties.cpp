@@ -40,9 +40,7 @@ std::string FileHead(const std::string& caption, const std::filesystem::path& fi
 std::string Head(const std::string& caption) {
   if (caption.find(ReadOnlyMark) != std::string::npos) return "Factory Default Signal Standards\r\n\r\n";
   const std::filesystem::path file(std::u8string(caption.begin(), caption.end()));
-  std::error_code ignored;
-  if (std::filesystem::exists(file, ignored) && !std::filesystem::is_directory(file, ignored))
-    return FileHead(caption, file);
+  if (IsFile(file)) return FileHead(caption, file);
   return "File:             \tUnsaved\r\n\r\n";
 }
 

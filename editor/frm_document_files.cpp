@@ -127,7 +127,7 @@ frmDocument::SaveResult frmDocument::Write(const QString& path) {
   // Some scripts have a separator of their own, for which a table's 8-bit text has no character.
   const char separator = QLocale().decimalPoint() == "," ? ',' : '.';
   if (const std::error_code error = SaveSigFile(PathOf(path), table, separator)) {
-    ShowFailure(*this, "Error Saving File", QString::fromLocal8Bit(error.message().c_str()));
+    ShowFailure(*this, "Error Saving File", QString::fromStdString(error.message()));
     return SaveResult::Failed;
   }
   KnownFile = ReadFileStamp(PathOf(path));
@@ -155,8 +155,7 @@ bool frmDocument::SigReport(const QString& ReportName) {
     return false;
   }
   const std::error_code error = SaveReport(PathOf(ReportName), table, windowTitle().toStdString());
-  if (error)
-    ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromLocal8Bit(error.message().c_str()));
+  if (error) ShowFailure(*this, "Error Saving Report", ReportName + ": " + QString::fromStdString(error.message()));
   return !error;
 }
 

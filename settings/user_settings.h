@@ -1,12 +1,9 @@
-// Where the user's settings are, and the one that every program reads.
+// The setting that every program reads.
 #pragma once
 
 #include <string>
 
 namespace chanplan {
-
-/// The INI file that holds the user's settings. UTF-8.
-std::string SettingsFile();
 
 /// The device of port `number` (1 to 6): the one that the setting "CommDevice<number>" in section
 /// "Settings" names, otherwise the platform's usual one; "" for other numbers. UTF-8.

@@ -1,46 +1,39 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include "core/windows_text.h"
 #include "unit/port_platform.h"
 
 namespace chanplan {
-namespace {
-
-// Opens the device just to see what the system says.
-DWORD OpenError(const std::string& device) {
-  const HANDLE opened =
-      CreateFileA(("\\\\.\\" + device).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (opened == INVALID_HANDLE_VALUE) return GetLastError();
-  CloseHandle(opened);
-  return ERROR_SUCCESS;
-}
-
-}  // namespace
 
 std::string UsualDevice(int number) {
   return number >= 1 && number <= 6 ? "COM" + std::to_string(number) : std::string();
 }
 
-std::string DevicePath(const std::string& name) { return name; }
+std::string DevicePath(const std::string& name) { return name.starts_with("\\\\.\\") ? name.substr(4) : name; }
 
-bool PortExists(const std::string& device) { return OpenError(device) != ERROR_FILE_NOT_FOUND; }
+// Without opening it, which a unit would notice.
+bool PortExists(const std::string& device) {
+  wchar_t target[MAX_PATH];
+  return QueryDosDeviceW(WideFromUtf8(device).c_str(), target, std::size(target)) != 0 ||
+         GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+}
 
 std::optional<std::string> PortProblem(const std::string& device) {
-  switch (OpenError(device)) {
-    case ERROR_FILE_NOT_FOUND:
-      return "there is no port " + device + ": check the cable and the name";
-    case ERROR_ACCESS_DENIED:
-      return device + " is in use by another program: close that first";
-    default:
-      return std::nullopt;
+  if (!PortExists(device)) return "there is no port " + device + ": check the cable and the name";
+  const HANDLE opened = CreateFileW(WideFromUtf8("\\\\.\\" + device).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) {
+    if (GetLastError() == ERROR_ACCESS_DENIED) return device + " is in use by another program: close that first";
+    return device + " cannot be opened: " + LastError().message();
   }
+  DCB settings{};
+  settings.DCBlength = sizeof settings;
+  const bool isPort = GetCommState(opened, &settings) != 0;
+  CloseHandle(opened);
+  if (!isPort) return device + " is not a serial port, or nothing is connected to it";
+  return std::nullopt;
 }
-
-bool WriteByteAtOnce(std::intptr_t handle, char byte) {
-  return TransmitCommChar(reinterpret_cast<HANDLE>(handle), byte) != 0;
-}
-
-bool HasHungUp(std::intptr_t /*handle*/) { return false; }  // the library tells
 
 void ShortSleep(std::chrono::nanoseconds duration) {
   // The ordinary sleep lasts up to 16 ms; a high-resolution timer keeps to the duration.

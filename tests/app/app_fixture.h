@@ -22,7 +22,7 @@
 #include "app/app_main.h"
 #include "app/frm_main.h"
 #include "editor/frm_document.h"
-#include "settings/user_settings.h"
+#include "settings/settings_store.h"
 #include "tests/app/stand_in_document.h"
 #include "tests/core/temp_folder.h"
 #include "tests/editor/user.h"
@@ -84,7 +84,8 @@ class AppTest : public ::testing::Test {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
   }
   frmMain& Frame() { return *app->Frame; }
-  QSettings Store() { return {QString::fromStdString(SettingsFile()), QSettings::IniFormat}; }
+  QSettings Store() { return SettingsStore(); }
+  std::string SettingsFile() { return Store().fileName().toStdString(); }
   void SetStored(const QString& key, const QString& value) {
     QSettings store = Store();
     store.setValue(key, value);

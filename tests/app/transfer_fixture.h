@@ -14,15 +14,16 @@
 #include "tests/console/program.h"
 #include "tests/console/sig_text.h"
 #include "tests/core/table_of.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
+#include "unit/system_timing.h"
 
 namespace chanplan::testing {
 
 /// A serial port that knows what was sent, when the last byte moved and which numbers it was opened by. Its line can
 /// be noisy.
-class WatchedPort : public QtSerialPort {
+class WatchedPort : public SerialPort {
  public:
-  using QtSerialPort::QtSerialPort;
+  using SerialPort::SerialPort;
 
   std::chrono::steady_clock::time_point LastByte = std::chrono::steady_clock::now();
   std::vector<int> Numbers;
@@ -33,17 +34,17 @@ class WatchedPort : public QtSerialPort {
 
   void SetPortNumber(int number) override {
     Numbers.push_back(number);
-    QtSerialPort::SetPortNumber(number);
+    SerialPort::SetPortNumber(number);
   }
 
   void TransmitCommChar(std::intptr_t handle, char byte) override {
     LastByte = std::chrono::steady_clock::now();
     Sent += byte;
     received = 0;
-    QtSerialPort::TransmitCommChar(handle, byte);
+    SerialPort::TransmitCommChar(handle, byte);
   }
   std::string ReadInput() override {
-    std::string input = QtSerialPort::ReadInput();
+    std::string input = SerialPort::ReadInput();
     if (!input.empty()) LastByte = std::chrono::steady_clock::now();
     for (char& byte : input)
       if (const int place = received++ - NoiseAt; NoiseAt >= 0 && place >= 0 && place % NoiseEvery == 0)

@@ -24,11 +24,13 @@ struct Folder {
 
 const std::vector<Folder> Folders = {
     {"core", {}, {}},
-    {"unit", {"core"}, {"qt_serial_port.h", "qt_serial_port.cpp"}},
+    {"unit", {"core"}, {"serial_port_qt.cpp", "system_timing.cpp"}},
     {"settings", {"unit"}, {"*"}},
     {"report", {"core"}, {"pdf_listing.cpp", "qt_print_surface.h", "qt_print_surface.cpp"}},
     {"simulator", {"core", "unit"}, {}},
-    {"console", {"core", "unit", "report", "settings"}, {"qt_application.h", "qt_application.cpp", "show_file.cpp"}},
+    {"console",
+     {"core", "unit", "report", "settings"},
+     {"qt_application.h", "qt_application.cpp", "show_file_posix.cpp"}},
     {"editor", {"core", "report"}, {"*"}},
     {"app", {"core", "unit", "report", "settings", "editor"}, {"*"}},
 };

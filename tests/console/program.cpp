@@ -13,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <future>
 #include <iterator>
@@ -190,7 +191,8 @@ std::optional<std::string> WhyNotUnprivileged() {
 }
 
 ProgramRun Chanplan::Run(std::vector<std::string> arguments, RunOptions options) const {
-  fs::path program = CHANPLAN_PROGRAM;
+  const char* const other = std::getenv("CHANPLAN_PROGRAM");  // such as one for another system
+  fs::path program = other != nullptr ? other : CHANPLAN_PROGRAM;
   if (options.Unprivileged) {
     // Where it was built, others may not be let in.
     program = configuration / "chanplan";

@@ -7,6 +7,7 @@
 
 #include "app/app_settings.h"
 #include "app/placement.h"
+#include "settings/settings_store.h"
 #include "settings/user_settings.h"
 #include "tests/core/temp_folder.h"
 #include "tests/fuzz/fuzz_target.h"
@@ -55,7 +56,7 @@ void CheckDevices() {
 
 // Whether others than the program itself have put values among the recent files.
 bool HasForeignRecentFiles() {
-  const QSettings store(QString::fromStdString(SettingsFile()), QSettings::IniFormat);
+  const QSettings store = SettingsStore();
   return std::ranges::any_of(store.allKeys(), [](const QString& key) {
     return key.startsWith("Recent Files/") &&
            (key.size() != 24 || !key.startsWith("Recent Files/RecentFile") || key.back() < '1' || key.back() > '5');
@@ -98,8 +99,9 @@ void FuzzSettings(const std::uint8_t* data, std::size_t size) {
   // A folder for each: the library remembers what was in a file of the same name, size and time.
   const testing::TempFolder folder;
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-  Require(SettingsFile() == (folder / "Chanplans.ini").string(), "the user's own settings are left alone");
-  testing::WriteFile(SettingsFile(), input.substr(std::min(path.size() + 1, input.size())));
+  const std::string file = SettingsStore().fileName().toStdString();
+  Require(file == (folder / "Chanplans.ini").string(), "the user's own settings are left alone");
+  testing::WriteFile(file, input.substr(std::min(path.size() + 1, input.size())));
   {
     AppSettings settings;
     CheckNumbers(settings);

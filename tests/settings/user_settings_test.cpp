@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "settings/settings_store.h"
 #include "tests/core/temp_folder.h"
 
 namespace chanplan::testing {
@@ -32,10 +33,10 @@ TEST(CommDevice, MayHaveACommaInItsName) {
   unsetenv("XDG_CONFIG_HOME");
 }
 
-TEST(SettingsFile, IsInTheUsersConfiguration) {
+TEST(SettingsStore, IsInTheUsersConfiguration) {
   const TempFolder folder;
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-  EXPECT_EQ(SettingsFile(), (folder / "Chanplans.ini").string());
+  EXPECT_EQ(SettingsStore().fileName().toStdString(), (folder / "Chanplans.ini").string());
   unsetenv("XDG_CONFIG_HOME");
 }
 

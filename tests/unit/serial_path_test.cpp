@@ -16,7 +16,8 @@
 #include "simulator/simulated_unit.h"
 #include "tests/core/random_table.h"
 #include "tests/core/temp_folder.h"
-#include "unit/qt_serial_port.h"
+#include "unit/serial_port.h"
+#include "unit/system_timing.h"
 #include "unit/transfer.h"
 #include "unit/unit_connection.h"
 #include "unit/wire_encoding.h"
@@ -27,25 +28,25 @@ namespace {
 using namespace std::chrono_literals;
 
 // A port that counts the bytes that went through it.
-class CountingPort : public QtSerialPort {
+class CountingPort : public SerialPort {
  public:
-  using QtSerialPort::QtSerialPort;
+  using SerialPort::SerialPort;
 
   std::size_t Sent = 0;
   std::size_t Received = 0;
 
   void TransmitCommChar(std::intptr_t handle, char byte) override {
     ++Sent;
-    QtSerialPort::TransmitCommChar(handle, byte);
+    SerialPort::TransmitCommChar(handle, byte);
   }
   std::string ReadInput() override {
-    std::string input = QtSerialPort::ReadInput();
+    std::string input = SerialPort::ReadInput();
     Received += input.size();
     return input;
   }
   void DiscardReceived() override {
     Received += BytesWaiting();
-    QtSerialPort::DiscardReceived();
+    SerialPort::DiscardReceived();
   }
 };
 
@@ -211,14 +212,14 @@ TEST_F(SerialPath, PortIsFreeAfterATransferFailed) {
   EXPECT_FALSE(ConnectToUnit(link).Accepted());
   EXPECT_FALSE(port.IsOpen());
   terminal.emplace(path);
-  QtSerialPort second(path);
+  SerialPort second(path);
   UnitLink secondLink(second, Timing());
   EXPECT_TRUE(ConnectToUnit(secondLink).Accepted());
 }
 
 TEST_F(SerialPath, PortInUseIsRefusedToASecondProgram) {
   ASSERT_EQ(link.OpenCommPort(1), 1);
-  QtSerialPort second(path);
+  SerialPort second(path);
   UnitLink secondLink(second, Timing());
   EXPECT_EQ(secondLink.OpenCommPort(1), 0);
   ASSERT_TRUE(secondLink.PortFailure());
@@ -231,7 +232,7 @@ TEST_F(SerialPath, PortInUseIsRefusedToASecondProgram) {
 TEST_F(SerialPath, ProbeTellsWhichPortsExist) {
   EXPECT_TRUE(link.ProbeCommPort(1));
   EXPECT_FALSE(port.IsOpen());
-  QtSerialPort missing("/dev/no-such-port");
+  SerialPort missing("/dev/no-such-port");
   UnitLink missingLink(missing, Timing());
   EXPECT_FALSE(missingLink.ProbeCommPort(1));
 }
@@ -249,7 +250,7 @@ TEST(SerialPort, OpenFailuresSayWhatToDo) {
       {"/dev/null", "/dev/null is not a serial port, or nothing is connected to it"},
   };
   for (const auto& [device, text] : cases) {
-    QtSerialPort port(device);
+    SerialPort port(device);
     UnitLink link(port, SystemTiming());
     EXPECT_EQ(link.OpenCommPort(1), 0) << device;
     ASSERT_TRUE(link.PortFailure()) << device;
@@ -258,14 +259,14 @@ TEST(SerialPort, OpenFailuresSayWhatToDo) {
 }
 
 TEST(SerialPort, OtherSettingsThanEightBitsWithoutParityAreRefused) {
-  QtSerialPort port("/dev/null");
+  SerialPort port("/dev/null");
   port.SetPortNumber(1);
   EXPECT_THROW(port.SetSettings("9600,E,7,1"), PortError);
   EXPECT_THROW(port.SetSettings("fast,N,8,1"), PortError);
 }
 
 TEST(SerialPort, NumbersStandForTheDevicesItIsGiven) {
-  QtSerialPort port([](int number) { return number == 2 ? "/dev/no-such-port" : ""; });
+  SerialPort port([](int number) { return number == 2 ? "/dev/no-such-port" : ""; });
   UnitLink link(port, SystemTiming());
   EXPECT_EQ(link.OpenCommPort(2), 0);
   EXPECT_EQ(std::string(link.PortFailure()->what()).find("there is no port /dev/no-such-port"), 0u);

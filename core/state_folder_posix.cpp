@@ -1,11 +1,9 @@
-#include "core/state_folder.h"
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
-#ifndef _WIN32
-#include <pwd.h>
-#include <unistd.h>
-#endif
+#include "core/state_folder.h"
 
 namespace chanplan {
 namespace {
@@ -19,15 +17,6 @@ fs::path Variable(const char* name) {
 
 }  // namespace
 
-#ifdef _WIN32
-
-fs::path StateFolder() {
-  const fs::path local = Variable("LOCALAPPDATA");
-  return local.empty() ? local : local / "Chanplans";
-}
-
-#else
-
 fs::path StateFolder() {
   if (const fs::path state = Variable("XDG_STATE_HOME"); state.is_absolute()) return state / "chanplans";
   fs::path home = Variable("HOME");
@@ -35,7 +24,5 @@ fs::path StateFolder() {
     if (const passwd* user = getpwuid(getuid())) home = user->pw_dir;
   return home.is_absolute() ? home / ".local" / "state" / "chanplans" : fs::path();
 }
-
-#endif
 
 }  // namespace chanplan

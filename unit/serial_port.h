@@ -1,4 +1,4 @@
-// The real serial port, on the platform library's serial port, and the link's timing with it.
+// The real serial port: what is common to all systems in serial_port.cpp, the rest in one file a kind of system.
 #pragma once
 
 #include <functional>
@@ -7,22 +7,19 @@
 #include <vector>
 
 #include "unit/port_object.h"
-#include "unit/unit_link.h"
-
-class QSerialPort;
 
 namespace chanplan {
 
 /// Names the device of a port number, "" for numbers that stand for none. UTF-8.
 using DeviceOfNumber = std::function<std::string(int number)>;
 
-/// A port of this machine. Needs a QCoreApplication, whose events move its bytes.
-class QtSerialPort : public PortObject {
+/// A port of this machine. Needs a QCoreApplication where the platform library's events move its bytes.
+class SerialPort : public PortObject {
  public:
-  explicit QtSerialPort(DeviceOfNumber portDevices);
+  explicit SerialPort(DeviceOfNumber portDevices);
   /// One device, whatever the port number.
-  explicit QtSerialPort(const std::string& devicePath);
-  ~QtSerialPort() override;
+  explicit SerialPort(const std::string& devicePath);
+  ~SerialPort() override;
 
   void SetPortNumber(int number) override;
   void SetSettings(std::string_view settings) override;
@@ -41,19 +38,25 @@ class QtSerialPort : public PortObject {
   std::optional<PortError> Failure() const override;
 
  private:
+  struct Line;  // what the system has to an open port
+
+  /// Whether the line takes `baud`, without parity, with 8 data bits, 1 stop bit and no handshaking.
+  bool SetUpLine(int baud);
+  /// Opens the device; otherwise says why not, as the end of a sentence that begins with it.
+  std::optional<std::string> OpenLine();
   void NoticeHangUp();
   void SayItStoppedWorking();
 
   DeviceOfNumber deviceOf;
   std::string device;
-  std::unique_ptr<QSerialPort> port;
+  std::unique_ptr<Line> line;
   std::optional<PortError> failure;
 };
 
-/// The monotonic clock; events of the QCoreApplication run, then the thread sleeps.
-LinkTiming SystemTiming();
-
 /// The device paths of all serial ports that this machine has, the numbered ones first.
 std::vector<std::string> SerialDevices(const DeviceOfNumber& deviceOf);
+
+/// The device paths that the system names, in its order.
+std::vector<std::string> DevicesOfSystem();
 
 }  // namespace chanplan
