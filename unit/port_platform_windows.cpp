@@ -1,6 +1,8 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include <thread>
+
 #include "core/windows_text.h"
 #include "unit/port_platform.h"
 
@@ -43,6 +45,8 @@ void ShortSleep(std::chrono::nanoseconds duration) {
   due.QuadPart = -duration.count() / 100;
   if (timer != nullptr && SetWaitableTimer(timer, &due, 0, nullptr, nullptr, FALSE))
     WaitForSingleObject(timer, INFINITE);
+  else  // before Windows 10 of 2018
+    std::this_thread::sleep_for(duration);
 }
 
 }  // namespace chanplan
