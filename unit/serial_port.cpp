@@ -31,10 +31,11 @@ void SerialPort::SetInputLength(int /*bytes*/) {}  // always all that is waiting
 void SerialPort::Open() {
   failure.reset();
   // Opening may begin with a lock file that is forced to the disk: not for a device that is not there.
-  std::optional<std::string> reason;
-  if (PortExists(device) && !(reason = OpenLine())) return;
+  std::optional<std::string> reason = " was not there a moment ago: start again";
+  if (PortExists(device)) reason = OpenLine();
+  if (!reason) return;
   if (const auto problem = PortProblem(device)) throw PortError(*problem, !PortExists(device));
-  throw PortError(device + reason.value_or(" was not there a moment ago: start again"));
+  throw PortError(device + *reason);
 }
 
 // Bytes go out one by one past the transmit buffer, so nothing is ever left in it. Discarding what

@@ -10,7 +10,7 @@ cache=${XDG_CACHE_HOME:-$HOME/.cache}/chanplan-windows
 # What the programs and their tests do without is left out.
 qt_options=(
   -DCMAKE_BUILD_TYPE=Release -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DINPUT_opengl=no
-  -DFEATURE_{concurrent,dbus,direct2d,gif,ico,icu,jpeg,network,sql,tabletevent,tuiotouch,vulkan,xml}=OFF
+  -DFEATURE_{concurrent,dbus,gif,ico,icu,jpeg,network,sql,tabletevent,tuiotouch,vulkan,xml}=OFF
 )
 
 # fetch_qt_source VERSION: Debian's own, from the mirror that the machine's packages come from, into $cache/source
