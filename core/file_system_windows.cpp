@@ -1,4 +1,3 @@
-#define NOMINMAX
 #include <windows.h>
 #undef ReplaceFile  // which would rename ours
 

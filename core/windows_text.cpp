@@ -1,4 +1,3 @@
-#define NOMINMAX
 #include "core/windows_text.h"
 
 #include <windows.h>

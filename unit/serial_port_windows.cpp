@@ -1,6 +1,5 @@
 // On the system's own calls: the platform library's serial port waits for its events to send a byte, where a unit is
 // sent one byte at a time.
-#define NOMINMAX
 #include <windows.h>
 
 #include <algorithm>

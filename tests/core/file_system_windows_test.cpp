@@ -1,5 +1,4 @@
 // What saves promise where files are those of Windows.
-#define NOMINMAX
 #include <windows.h>
 #undef ReplaceFile
 
