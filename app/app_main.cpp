@@ -40,13 +40,19 @@ void AppMain::KeepCopies() {
   });
   // The session ends, and may not wait for answers.
   QObject::connect(
-      qApp, &QGuiApplication::commitDataRequest, &Recovery,
-      [this] {
-        for (const QPointer<DocumentWindow>& document : Registry.Documents)
-          if (document != nullptr && !document->State().Released) document->CommitEdit();
-        Recovery.Update();
-      },
-      Qt::DirectConnection);
+      qApp, &QGuiApplication::commitDataRequest, &Recovery, [this] { KeepWhatWasTyped(); }, Qt::DirectConnection);
+}
+
+void AppMain::KeepWhatWasTyped() {
+  for (const QPointer<DocumentWindow>& document : Registry.Documents)
+    if (document != nullptr && !document->State().Released) document->CommitEdit();
+  Recovery.Update();
+}
+
+bool AppMain::PrepareToEnd() {
+  KeepWhatWasTyped();
+  if (Frame->Transferring()) Frame->close();  // which only aborts it
+  return !Link.CommControl.IsOpen();
 }
 
 void AppMain::OfferLeftTables() {

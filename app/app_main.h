@@ -19,10 +19,15 @@ class AppMain : public AppState {
   /// folder becomes the current one.
   void Main(const QStringList& paths = {});
 
+  /// For an end that asks nothing: what was typed is kept for the next start, and a transfer that runs is the last
+  /// one. Whether none runs any more.
+  bool PrepareToEnd();
+
   std::unique_ptr<frmMain> Frame;
 
  private:
   void KeepCopies();
+  void KeepWhatWasTyped();
   void OfferLeftTables();
   void Restore(const UnsavedTable& unsaved);
 };

@@ -116,11 +116,9 @@ QString RecoveryCopies::Claim() {
 }
 
 LeftTables RecoveryCopies::TakeLeftTables() const {
-  std::error_code none;
   std::map<std::string, std::set<fs::path>> sessions;
-  for (const auto& entry : fs::directory_iterator(folder, none))
-    if (entry.path().extension() == CopyEnding && SessionOf(entry.path()) != session)
-      sessions[SessionOf(entry.path())].insert(entry.path());
+  for (const fs::path& file : ContentOf(folder))
+    if (file.extension() == CopyEnding && SessionOf(file) != session) sessions[SessionOf(file)].insert(file);
   LeftTables left;
   for (const auto& [name, files] : sessions) {
     std::unique_ptr<QLockFile> lock = LockOf(folder, name);

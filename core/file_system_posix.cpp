@@ -64,16 +64,16 @@ bool IsAttempt(std::string_view text) {
 // in another container only: whoever still writes has marked the file.
 void SweepFolder(const fs::path& folder) {
   std::error_code none;
-  for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, none)) {
-    const std::string name = entry.path().filename().string();
+  for (const fs::path& file : ContentOf(folder.empty() ? "." : folder)) {
+    const std::string name = file.filename().string();
     if (!name.starts_with(FreshFilePrefix)) continue;
     int process = 0;
     const char* const end = name.data() + name.size();
     const auto [rest, error] = std::from_chars(name.data() + FreshFilePrefix.size(), end, process);
-    if (error != std::errc() || process <= 0 || !IsAttempt({rest, end}) || !entry.is_regular_file(none)) continue;
+    if (error != std::errc() || process <= 0 || !IsAttempt({rest, end}) || !fs::is_regular_file(file, none)) continue;
     if (kill(process, 0) == 0 || errno != ESRCH) continue;
-    const FileDescriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    if (file.IsOpen() && MarkInUse(file)) unlink(entry.path().c_str());
+    const FileDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (opened.IsOpen() && MarkInUse(opened)) unlink(file.c_str());
   }
 }
 
@@ -213,6 +213,14 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
 }
 
 fs::path UnlimitedPath(const fs::path& file) { return file; }
+
+std::vector<fs::path> ContentOf(const fs::path& folder) {
+  std::vector<fs::path> content;
+  std::error_code error;  // a folder far away may be lost in the middle
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+    content.push_back(entry->path());
+  return content;
+}
 
 bool IsFile(const fs::path& file) {
   std::error_code ignored;

@@ -205,8 +205,7 @@ std::shared_ptr<void> WaitForInPlaceSaves(const fs::path& file) {
 }
 
 void HealInPlaceSaves() {
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(CopyFolder(), none)) HealFrom(entry.path());
+  for (const fs::path& copy : ContentOf(CopyFolder())) HealFrom(copy);
 }
 
 }  // namespace chanplan

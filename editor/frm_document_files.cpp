@@ -1,6 +1,7 @@
 // The document window: loading, saving, properties, report, printing and closing.
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 #include <QScopedValueRollback>
@@ -27,7 +28,7 @@ QString FreeNameBeside(const QString& path) {
   for (int number = 2;; ++number)
     if (const QString name = QString("%1/%2 (%3)%4").arg(info.path(), info.completeBaseName()).arg(number).arg(type);
         !QFileInfo::exists(name))
-      return name;
+      return QDir::toNativeSeparators(name);
 }
 
 // What a reload changed, in lines that a message box has room for.

@@ -1,5 +1,6 @@
 // What a save asks of the system, and in what order: a machine that loses its power must find the
 // former file or the new one.
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -161,6 +162,11 @@ off_t lseek(int descriptor, off_t place, int from) noexcept {
 int flock(int descriptor, int operation) noexcept {
   static const auto own = SystemsOwn<int(int, int)>("flock");
   return Fails("flock") ? -1 : own(descriptor, operation);
+}
+
+dirent* readdir(DIR* folder) {
+  static const auto own = SystemsOwn<dirent*(DIR*)>("readdir");
+  return Fails("readdir") ? nullptr : own(folder);
 }
 
 int mkdir(const char* folder, mode_t mode) noexcept {

@@ -35,6 +35,7 @@ class AnotherProgram : public AppTest {
     Grid& grid = GridOf(name);
     grid.scrollToItem(grid.item(row, 1));
     desktop.Click(*grid.viewport(), grid.visualItemRect(grid.item(row, 1)).center() - QPoint(20, 0));
+    EXPECT_EQ(grid.currentRow(), row);
   }
   void GoAndComeBack() {
     desktop.GoToTheOtherProgram();
@@ -48,11 +49,13 @@ TEST_F(AnotherProgram, LeavesAnOpenEditOpen) {
   desktop.Type("12");
   auto* box = Frame().ActiveDocument()->findChild<QLineEdit*>("txtEntry");
   ASSERT_TRUE(box->isVisible());
+  EXPECT_EQ(box->text(), "12");
   desktop.GoToTheOtherProgram();
   EXPECT_TRUE(box->isVisible());
   EXPECT_EQ(Frame().ActiveDocument()->Table().Row(0).StopChannel, 810);
   desktop.ComeBack(Frame());
   desktop.Type("34");
+  EXPECT_EQ(box->text(), "1234");
   desktop.Press({"Return"});
   EXPECT_FALSE(box->isVisible());
   EXPECT_EQ(Frame().ActiveDocument()->Table().Row(0).StopChannel, 1234);

@@ -8,6 +8,7 @@
 #include "app/recovery.h"
 #include "core/sig_file.h"
 #include "editor/text_edge.h"
+#include "tests/console/program.h"
 #include "tests/core/table_of.h"
 #include "tests/core/temp_folder.h"
 #include "tests/desktop/desktop.h"
@@ -71,6 +72,37 @@ TEST_F(KilledEditor, OffersWhatWasStoredAtItsNextStartAndSavesIt) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return LoadSigFile(file).Table.Row(0).Name == "Stored"; }, LongestWait));
   EXPECT_EQ(LoadSigFile(file).Table.Row(1).Name, "B");
   EXPECT_TRUE(QTest::qWaitFor([&] { return CopiedName().empty(); }, LongestWait)) << CopiedName();
+}
+
+TEST_F(KilledEditor, HasStoredWhatWasTypedWhenItWasAskedToEnd) {
+  const fs::path file = folder / "plan.sig";
+  ASSERT_FALSE(SaveSigFile(file, TableOfNames({"A", "B"})));
+  Start({QString::fromStdString(file.string())}, "^Handheld Chanplan Editor$");
+  desktop.PressElsewhere({"Home", "Tab"});
+  desktop.TypeElsewhere("Typed");
+  editor.terminate();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return editor.state() == QProcess::NotRunning; }, LongestWait));
+  EXPECT_EQ(editor.exitStatus(), QProcess::CrashExit) << "by the signal, as its sender expects";
+  EXPECT_EQ(CopiedName(), "Typed");
+  EXPECT_EQ(LoadSigFile(file).Table.Row(0).Name, "A");
+}
+
+TEST_F(KilledEditor, HasFinishedAnUploadWhenItWasAskedToEnd) {
+  const fs::path file = folder / "plan.sig", held = folder / "held.sig";
+  ASSERT_FALSE(SaveSigFile(file, TableOfNames(std::vector<std::string>(100, "A"))));
+  RunningSimulator unit({"--trace", "--save", held});
+  WriteFile(folder / "Chanplans.ini", "[Settings]\nCommPort=1\nCommDevice1=" + unit.Link() + "\n");
+  QProcessEnvironment own = editor.processEnvironment();
+  own.insert("XDG_CONFIG_HOME", QString::fromStdString(folder.Path().string()));
+  editor.setProcessEnvironment(own);
+  Start({QString::fromStdString(file.string())}, "^Handheld Chanplan Editor$");
+  desktop.PressElsewhere({"alt+t", "u"});
+  ASSERT_TRUE(desktop.GoToWindow("^Upload Signal Standards$"));
+  desktop.PressElsewhere({"Down", "Return"});  // to overwrite
+  ASSERT_TRUE(unit.WaitForOutput("is to receive a table")) << unit.Output();
+  editor.terminate();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return editor.state() == QProcess::NotRunning; }, LongestWait));
+  EXPECT_EQ(LoadSigFile(held).Table.Count, 100) << unit.Output();
 }
 
 // A screen that goes away, as when its server is ended or a remote session is cut, takes the editor with it.

@@ -247,8 +247,9 @@ TEST_F(DocumentView, OnlyTheGridThatHasTheFocusShowsItsSelectionInFullColour) {
   document.Click(document.Details, UplinkRow);
   document.Click(document.Bands, 0, UplinkColumn);
   const auto colour = [](Grid* grid, int row) {
-    return grid->viewport()->grab().toImage().pixelColor(grid->visualItemRect(grid->item(row, 1)).center() *
-                                                         grid->devicePixelRatioF());
+    const QRect cell = grid->visualItemRect(grid->item(row, 1));
+    const QPoint aboveTheText(cell.center().x(), cell.top() + 2);
+    return grid->viewport()->grab().toImage().pixelColor(aboveTheText * grid->devicePixelRatioF());
   };
   const std::vector<std::pair<Grid*, int>> current = {
       {document.List, 0}, {document.Details, UplinkRow}, {document.Bands, 0}};

@@ -1,8 +1,11 @@
 #include "settings/user_settings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <string>
 
 #include "settings/settings_store.h"
 #include "tests/core/temp_folder.h"
@@ -37,6 +40,23 @@ TEST(SettingsStore, IsInTheUsersConfiguration) {
   const TempFolder folder;
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
   EXPECT_EQ(SettingsStore().fileName().toStdString(), (folder / "Chanplans.ini").string());
+  unsetenv("XDG_CONFIG_HOME");
+}
+
+TEST(SettingsStore, NeitherWaitsForAPipeNorReplacesIt) {
+  const TempFolder folder;
+  setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+  for (const std::string pipe : {"Chanplans.ini", "pipe"}) {
+    std::filesystem::remove(folder / "Chanplans.ini");
+    ASSERT_EQ(mkfifo((folder / pipe).c_str(), 0600), 0);
+    if (pipe == "pipe") std::filesystem::create_symlink(folder / "pipe", folder / "Chanplans.ini");
+    QSettings store = SettingsStore();
+    EXPECT_FALSE(store.contains("Settings/CommPort"));
+    store.setValue("Settings/CommPort", 2);
+    store.sync();
+    EXPECT_EQ(store.status(), QSettings::AccessError);
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "Chanplans.ini"));
+  }
   unsetenv("XDG_CONFIG_HOME");
 }
 
