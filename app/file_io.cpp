@@ -114,6 +114,8 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
   QFileDialog dialog(&frame);
   SetUp(dialog, frame, recent, QFileDialog::AcceptSave, fileType == ".sig" ? TableFiles : ReportFiles);
   const QString type = proposedName.endsWith(".htm") ? ".htm" : fileType;  // reports are asked for as tables are
+  // A system's own dialog would give a report the type of the filter, which is that of tables.
+  if (type != fileType) dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setDefaultSuffix(type);
   dialog.selectFile(proposedName);
   return WithType(frame, ChosenFiles(dialog).value(0), type);

@@ -53,6 +53,7 @@ std::unique_ptr<CLI::App> MakeCommands(int& exitCode) {
   app->set_version_flag("--version", version);
   for (CLI::App* command : app->get_subcommands({})) {
     command->set_version_flag("--version", version);
+    command->allow_windows_style_options(false);  // "/" begins names there, too
     TakeShieldsOff(*command);
   }
   return app;

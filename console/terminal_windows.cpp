@@ -5,7 +5,9 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iostream>
 
 #include "console/terminal.h"
 #include "core/windows_text.h"
@@ -28,6 +30,23 @@ std::filesystem::path FileOf(DWORD stream) {
   return name;
 }
 
+// No command prompt here knows files by wildcards. What fits none stays as it is.
+std::vector<std::string> FilesThatFit(const std::wstring& argument) {
+  const std::size_t name = argument.find_last_of(L"\\/:") + 1;
+  std::vector<std::string> files;
+  WIN32_FIND_DATAW found{};
+  const bool isWild = argument.find_first_of(L"*?", name) != std::wstring::npos && !argument.starts_with(L"-");
+  const HANDLE search = isWild ? FindFirstFileW(argument.c_str(), &found) : INVALID_HANDLE_VALUE;
+  if (search == INVALID_HANDLE_VALUE) return {Utf8FromWide(argument)};
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+      files.push_back(Utf8FromWide(argument.substr(0, name) + found.cFileName));
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
+  std::ranges::sort(files);
+  return files;
+}
+
 }  // namespace
 
 // Those of `main` are in the code page of the machine, which lacks most letters.
@@ -35,13 +54,15 @@ std::vector<std::string> ProgramArguments(int /*argc*/, char** /*argv*/) {
   int count = 0;
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
-  for (int index = 1; index < count; ++index) arguments.push_back(Utf8FromWide(wide[index]));
+  for (int index = 1; index < count; ++index)
+    for (std::string& file : FilesThatFit(wide[index])) arguments.push_back(std::move(file));
   LocalFree(wide);
   return arguments;
 }
 
 void PrepareStandardStreams() {
   for (const int stream : {0, 1, 2}) _setmode(stream, _O_BINARY);
+  std::ios::sync_with_stdio(false);  // which would put letters of several bytes on the console in pieces
   // The console is the user's, and stays when the program has ended.
   formerCodePage = GetConsoleOutputCP();
   if (formerCodePage == 0 || !SetConsoleOutputCP(CP_UTF8)) return;

@@ -11,7 +11,10 @@ std::string UsualDevice(int number) {
   return number >= 1 && number <= 6 ? "COM" + std::to_string(number) : std::string();
 }
 
-std::string DevicePath(const std::string& name) { return name.starts_with("\\\\.\\") ? name.substr(4) : name; }
+std::string DevicePath(const std::string& name) {
+  const std::string device = name.starts_with("\\\\.\\") ? name.substr(4) : name;
+  return device.substr(0, device.find_last_not_of(':') + 1);  // "COM5:" is an old way to say it
+}
 
 // Without opening it, which a unit would notice.
 bool PortExists(const std::string& device) {

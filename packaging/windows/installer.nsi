@@ -38,9 +38,14 @@ VIAddVersionKey LegalCopyright "The Chanplan Editor developers"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
+Var wanted
 Function .onInit
   SetRegView 64
+  StrCpy $wanted $INSTDIR ; what /D says, which the macro would forget
   !insertmacro MULTIUSER_INIT
+  ${If} $wanted != ""
+    StrCpy $INSTDIR $wanted
+  ${EndIf}
 FunctionEnd
 
 Function un.onInit
@@ -77,7 +82,9 @@ Section
     '"$INSTDIR\bin\chanplan-editor.exe" -- "%1"'
   WriteRegStr SHCTX "Software\Classes\.sig\OpenWithProgids" "Chanplans.Table" ""
   ReadRegStr $0 HKCR ".sig" ""
-  ${If} $0 == ""
+  ReadRegStr $1 HKCU "Software\Classes\.sig" ""
+  ReadRegStr $2 HKLM "Software\Classes\.sig" ""
+  ${If} "$0$1$2" == ""
     WriteRegStr SHCTX "Software\Classes\.sig" "" "Chanplans.Table"
   ${EndIf}
 
