@@ -41,7 +41,7 @@ void WhenAskedToEnd(QObject& owner, const std::function<bool()>& mayEnd) {
     sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;  // such as by `nohup`
     action.sa_handler = Tell;
-    action.sa_flags = SA_RESTART | SA_RESETHAND;
+    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
     sigaction(signal, &action, nullptr);
   }
 }

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
+#include "core/file_system.h"
 #include "core/state_folder.h"
 
 namespace chanplan {

@@ -222,7 +222,9 @@ TEST_F(FaultyUnit, ThatIsUnpluggedInTheMiddleIsTold) {
                                 {"mnuToolsUpload", Choice::Overwrite, 1},
                                 {"mnuToolsUpload", Choice::Append, 2}}) {
     SCOPED_TRACE(unplugged.Command);
-    StartFaulty({"--fault", "hang-up"});
+    // On a busy machine the unit may be so late that a small table is on the line before the cable is pulled.
+    StartUnit(NumberedRows(4), {"--fault", "hang-up"});
+    Start({TableFile("mine.sig", NumberedRows(40, 100))});
     if (unplugged.Options) AnswerOptions(*unplugged.Options);
     const bool append = unplugged.Options == Choice::Append;
     AnswerMessage();
