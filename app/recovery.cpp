@@ -6,6 +6,7 @@
 #include <QUuid>
 #include <set>
 
+#include "core/folder_content.h"
 #include "core/state_folder.h"
 
 namespace chanplan {

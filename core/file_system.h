@@ -8,7 +8,6 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
-#include <vector>
 
 namespace chanplan {
 
@@ -64,9 +63,6 @@ std::optional<FileStamp> ReadFileStamp(const std::filesystem::path& file);
 /// The name by which the system takes `file` however long it is: on Windows the ordinary ones end at 259 characters.
 /// Not for the standard library's functions that look at files: they take a "?" for a wildcard there.
 std::filesystem::path UnlimitedPath(const std::filesystem::path& file);
-
-/// What is in `folder`, as far as the system tells.
-std::vector<std::filesystem::path> ContentOf(const std::filesystem::path& folder);
 
 /// Whether `file` is there, and no folder.
 bool IsFile(const std::filesystem::path& file);

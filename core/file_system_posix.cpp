@@ -12,6 +12,7 @@
 
 #include "core/file_descriptor.h"
 #include "core/file_system.h"
+#include "core/folder_content.h"
 #include "core/in_place_save_posix.h"
 
 namespace chanplan {
@@ -213,14 +214,6 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
 }
 
 fs::path UnlimitedPath(const fs::path& file) { return file; }
-
-std::vector<fs::path> ContentOf(const fs::path& folder) {
-  std::vector<fs::path> content;
-  std::error_code error;  // a folder far away may be lost in the middle
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    content.push_back(entry->path());
-  return content;
-}
 
 bool IsFile(const fs::path& file) {
   std::error_code ignored;

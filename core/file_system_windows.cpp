@@ -224,14 +224,6 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
       joined(facts.nFileSizeHigh, facts.nFileSizeLow)};
 }
 
-std::vector<fs::path> ContentOf(const fs::path& folder) {
-  std::vector<fs::path> content;
-  std::error_code error;  // a folder far away may be lost in the middle
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-    content.push_back(entry->path());
-  return content;
-}
-
 bool IsFile(const fs::path& file) {
   const DWORD attributes = GetFileAttributesW(UnlimitedPath(file).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;

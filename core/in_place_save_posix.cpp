@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
-#include "core/file_system.h"
+#include "core/folder_content.h"
 #include "core/state_folder.h"
 
 namespace chanplan {
