@@ -199,6 +199,7 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   AddCompareMenu(*this, app.Recent, *document);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
   connect(document.get(), &DocumentWindow::TableChanged, this, &frmMain::OfferComparison);
+  connect(document.get(), &DocumentWindow::ChangedSignChanged, this, &frmMain::ShowTitle);
   connect(document.get(), &QWidget::windowTitleChanged, this, &frmMain::OfferComparison);
   document->setWindowIcon(DrawnIcon("New"));
   document->installEventFilter(this);
@@ -211,12 +212,13 @@ void frmMain::ShowTitle() {
   if (windowHandle() == nullptr || active == nullptr) return;
   QString title = windowTitle();
   const bool named = active->isMaximized() && title.endsWith(active->windowTitle() + "]");
-  if (named && active->isWindowModified()) title.insert(title.size() - 1, '*');
+  if (named && active->State().Changed) title.insert(title.size() - 1, '*');
   windowHandle()->setTitle(title);
 }
 
 void frmMain::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
+  // The library shows the title anew with the latter, which it sends whenever a document is maximised.
   if (event->type() == QEvent::WindowTitleChange || event->type() == QEvent::ModifiedChange) ShowTitle();
 }
 
@@ -274,7 +276,6 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == WarningHolder && event->type() == QEvent::Resize) LayOutPane();
-  if (event->type() == QEvent::ModifiedChange) ShowTitle();
   if (event->type() == QEvent::Close && transfer && transfer->Holds(watched)) {
     transfer->Abort();
     event->ignore();

@@ -6,6 +6,8 @@
 #include <QProxyStyle>
 #include <QStyleOptionTitleBar>
 
+#include "editor/document_window.h"
+
 namespace chanplan {
 namespace {
 
@@ -21,8 +23,9 @@ class CaptionStyle : public QProxyStyle {
     const QFontMetrics letters(painter->font());
     const int room =
         subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width() - 4 * letters.averageCharWidth();
-    // A caption holds no place for the sign: it is a file's name, in which any text may stand.
-    const bool marked = widget->isWindowModified() && styleHint(SH_TitleBar_ModifyNotification, option, widget);
+    const auto* document = qobject_cast<const DocumentWindow*>(widget);
+    const bool marked = document != nullptr && document->State().Changed &&
+                        styleHint(SH_TitleBar_ModifyNotification, option, widget);
     elided.text = letters.elidedText(widget->windowTitle() + (marked ? "*" : ""), Qt::ElideLeft, room);
     QProxyStyle::drawComplexControl(control, &elided, painter, widget);
   }

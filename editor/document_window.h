@@ -70,9 +70,11 @@ class DocumentWindow : public QMdiSubWindow {
  signals:
   /// The table is another one than before: it was loaded, received, or an edit was stored.
   void TableChanged();
+  /// `State().Changed` is another one than before.
+  void ChangedSignChanged();
 
  public:
-  virtual DocumentState& State() = 0;
+  virtual DocumentState& State() const = 0;
   /// The warnings of the last validation, a line each, ended by CR LF.
   virtual QString WarningsText() const = 0;
 

@@ -84,7 +84,7 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
   setMinimumSize(TwipsToPixelsX(LowestWidth, *this), TwipsToPixelsY(LowestHeight, *this));
   resize(TwipsToPixelsX(InitialWidth, *this), TwipsToPixelsY(InitialHeight, *this));
   ShowSelectedStandard();
-  state.Changed.Show = [this](bool changed) { setWindowModified(changed); };
+  state.Changed.Show = [this](bool) { ShowChangedSign(); };
   if (frame.ShowsCharts()) ShowChart(true);
 }
 
@@ -159,10 +159,14 @@ bool frmDocument::event(QEvent* event) {
 void frmDocument::changeEvent(QEvent* event) {
   DocumentWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) ColourTitles();
-  if (event->type() == QEvent::ModifiedChange) {
-    setAccessibleDescription(isWindowModified() ? "Has unsaved changes" : "");
-    update();  // of the title bar
-  }
+}
+
+// The library's own sign, that of modified windows, wants a place for it in the caption, which is a
+// file's name: any text may stand there.
+void frmDocument::ShowChangedSign() {
+  setAccessibleDescription(state.Changed ? "Has unsaved changes" : "");
+  update();  // of the title bar
+  emit ChangedSignChanged();
 }
 
 void frmDocument::BuildUpDown() {

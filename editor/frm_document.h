@@ -44,7 +44,7 @@ class frmDocument : public DocumentWindow {
     return std::make_unique<frmDocument>(frameUsed, documentState, sharedTables);
   }
 
-  DocumentState& State() override { return state; }
+  DocumentState& State() const override { return state; }
   QString WarningsText() const override { return warningsText; }
 
   bool LoadSigStandards(const QString& path) override;
@@ -84,6 +84,7 @@ class frmDocument : public DocumentWindow {
   // Set-up and layout
   void BuildGrids();
   void ColourTitles();
+  void ShowChangedSign();
   void BuildUpDown();
   void ConnectGrids();
   void ConnectEditor();

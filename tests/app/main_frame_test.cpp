@@ -655,6 +655,26 @@ TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
   EXPECT_TRUE(DrawnIcon("Calculator").isNull());
 }
 
+// Of a window that is modified it would ask for a place in the title; a file's name has none.
+TEST_F(Title, WithTheSignGivesTheLibraryNothingToComplainAbout) {
+  static QStringList complaints;
+  complaints.clear();
+  Start({Table("a.sig")});
+  const auto former = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+    if (!text.startsWith("This plugin does not support")) complaints += text;  // a screen that is none
+  });
+  Choose("menuEditNewChanplan");
+  Frame().ActiveDocument()->showMaximized();
+  for (QEvent::Type type : {QEvent::WindowDeactivate, QEvent::WindowActivate}) {  // to another program and back
+    QEvent event(type);
+    QApplication::sendEvent(&Frame(), &event);
+  }
+  Frame().ActiveDocument()->showNormal();
+  qInstallMessageHandler(former);
+  EXPECT_EQ(complaints.join("\n"), "");
+  app->Registry.DocumentStates[0].Changed = false;
+}
+
 // The title bar of a maximised document is the frame's own.
 TEST_F(Title, OfTheFrameHasTheSignOfAMaximisedDocument) {
   const QString path = Table("a[*].sig");

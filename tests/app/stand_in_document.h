@@ -25,7 +25,7 @@ class StandInDocument : public DocumentWindow {
   bool Saves = true;                                   ///< whether saving succeeds
   SignalStandardTable Rows;
 
-  DocumentState& State() override { return state; }
+  DocumentState& State() const override { return state; }
   QString WarningsText() const override { return Text; }
   bool LoadSigStandards(const QString& path) override {
     Calls += "LoadSigStandards " + path;
