@@ -24,8 +24,8 @@ class CaptionStyle : public QProxyStyle {
     const int room =
         subControlRect(CC_TitleBar, bar, SC_TitleBarLabel, widget).width() - 4 * letters.averageCharWidth();
     const auto* document = qobject_cast<const DocumentWindow*>(widget);
-    const bool marked = document != nullptr && document->State().Changed &&
-                        styleHint(SH_TitleBar_ModifyNotification, option, widget);
+    const bool marked =
+        document != nullptr && document->State().Changed && styleHint(SH_TitleBar_ModifyNotification, option, widget);
     elided.text = letters.elidedText(widget->windowTitle() + (marked ? "*" : ""), Qt::ElideLeft, room);
     QProxyStyle::drawComplexControl(control, &elided, painter, widget);
   }
