@@ -83,21 +83,23 @@ bool SetContent(int file, std::string_view bytes) {
   return lseek(file, 0, SEEK_SET) == 0 && ftruncate(file, 0) == 0 && WriteAll(file, bytes) && fsync(file) == 0;
 }
 
-// Why a file that could be written is not. The message names the folder.
+// What the system's reason alone does not tell: what it means for the former content, and the folder of copies.
 class CopyFailures : public std::error_category {
  public:
+  explicit CopyFailures(const char* meaning) : what(meaning) {}
   const char* name() const noexcept override { return "copy of the former content"; }
   std::string message(int error) const override {
     const std::string folder = CopyFolder().string();
-    return "no copy of the former content could be kept in " + (folder.empty() ? "the home folder" : folder) + " (" +
-           std::generic_category().message(error) + ")";
+    return what + " " + (folder.empty() ? "the home folder" : folder) + " (" + std::generic_category().message(error) +
+           ")";
   }
+
+ private:
+  std::string what;
 };
 
-std::error_code CopyFailure(int error) {
-  static const CopyFailures category;
-  return {error, category};
-}
+const CopyFailures NotKept("no copy of the former content could be kept in");
+const CopyFailures NotPutBack("the file is not whole now, and the next start puts its former content back from");
 
 // Two that change a file at once would mix what they write. Another program must not hold this one up for ever.
 bool WaitForTurn(int file, int kind = LOCK_EX) {
@@ -191,10 +193,11 @@ std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes)
 
   FileDescriptor copyFile;
   const fs::path copyName = MakeCopy(copy, copyFile);
-  if (copyName.empty()) return CopyFailure(errno);
+  if (copyName.empty()) return {errno, NotKept};
   std::error_code error;
   if (!SetContent(file.Get(), bytes)) error = LastError();
-  if (!error || SetContent(file.Get(), copy.Former)) unlink(copyName.c_str());
+  if (error && !SetContent(file.Get(), copy.Former)) return {error.value(), NotPutBack};
+  unlink(copyName.c_str());
   return error;
 }
 
