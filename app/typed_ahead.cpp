@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QWidget>
 #include <QWindow>
 
 namespace chanplan {
