@@ -81,7 +81,7 @@ class AppTest : public ::testing::Test {
   void Activate() {
     if (Frame().isMinimized()) return;
     Frame().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame(), LongestWait));
   }
   frmMain& Frame() { return *app->Frame; }
   QSettings Store() { return SettingsStore(); }

@@ -22,7 +22,7 @@ class Comparing : public TransferTest {
     });
     look.start(1);
     done();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }, LongestWait));
     return shown;
   }
   QMenu& CompareMenuOf(DocumentWindow& document) { return *document.systemMenu()->findChild<QMenu*>("mnuCompare"); }
@@ -145,9 +145,9 @@ TEST_F(Comparing, ClickGoesToTheFieldInTheTableOfItsColumn) {
                {2, 3, 2, "New", "GridDetails", 0, 1},   {0, 2, 1, "GSM", "GridDetails", 2, 1}};
   for (const auto& given : cases) {
     Window()->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window(), LongestWait));
     ClickCell(given.Row, given.Column);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame(), LongestWait));
     EXPECT_EQ(Frame().ActiveDocument(), app->Registry.Document(given.Document)) << given.Row;
     const Grid& list = GridOf(given.Document, "GridList");
     EXPECT_EQ(list.CellText(list.currentRow(), 1), given.Standard);
@@ -162,7 +162,7 @@ TEST_F(Comparing, ClickGoesToTheFieldInTheTableOfItsColumn) {
 TEST_F(Comparing, EnterGoesThereTooAndEscapeCloses) {
   Start({A(), B()});
   CompareDocuments(1, 2);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(Window(), LongestWait));
   List().setFocus();
   List().setCurrentCell(4, 0);
   QTest::keyClick(&List(), Qt::Key_Return);
@@ -178,7 +178,7 @@ TEST_F(Comparing, WindowIsTheFramesOwnAndHasAButtonToClose) {
   EXPECT_EQ(Window()->windowType(), Qt::Dialog) << "which stays above the window that it belongs to";
   EXPECT_EQ(Window()->windowHandle()->transientParent(), Frame().windowHandle());
   EXPECT_FALSE(Window()->isModal());
-  EXPECT_TRUE(QTest::qWaitFor([this] { return List().hasFocus(); }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return List().hasFocus(); }, LongestWait));
   Key(Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget()->objectName(), "bttnCompareClose");
   Key(Qt::Key_Tab);
@@ -232,7 +232,7 @@ TEST_F(Comparing, FileIsReadAgainWhenItHasChanged) {
   WriteFile(folder / "b.sig", ReadFile(folder / "a.sig"));
   Activate();
   Window()->activateWindow();
-  EXPECT_TRUE(QTest::qWaitFor([this] { return Lines().isEmpty(); }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Lines().isEmpty(); }, LongestWait));
   std::filesystem::remove(folder / "b.sig");
   Choose("menuEditNewChanplan");
   EXPECT_EQ(Lines().size(), 1);
@@ -260,7 +260,7 @@ TEST_F(Comparing, DocumentIsComparedWithItsOwnFile) {
   EXPECT_EQ(Lines().size(), 1);
   Choose("mnuFileSave");
   Window()->activateWindow();
-  EXPECT_TRUE(QTest::qWaitFor([this] { return Lines().isEmpty(); }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Lines().isEmpty(); }, LongestWait));
 }
 
 TEST_F(Comparing, FileThatCannotBeReadIsTold) {

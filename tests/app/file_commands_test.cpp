@@ -60,7 +60,7 @@ TEST_F(Files, SeveralAreOpenedAtOnce) {
   Answer([](QWidget& window) {
     auto* list = window.findChild<QListView*>("listView");
     const auto row = [list](int number) { return list->model()->index(number, 0, list->rootIndex()); };
-    ASSERT_TRUE(QTest::qWaitFor([&] { return row(1).data() == "b.sig"; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return row(1).data() == "b.sig"; }, LongestWait));
     for (int number : {0, 1})
       QTest::mouseClick(list->viewport(), Qt::LeftButton, number == 0 ? Qt::NoModifier : Qt::ControlModifier,
                         list->visualRect(row(number)).center());
@@ -200,7 +200,7 @@ TEST_F(Files, AllFilesAreThoseWithoutATypeToo) {
         if (list->model()->index(row, 0, list->rootIndex()).data() == "table") return true;
       return false;
     };
-    EXPECT_TRUE(QTest::qWaitFor(shown));
+    EXPECT_TRUE(QTest::qWaitFor(shown, LongestWait));
   });
   Choose("mnuFileOpen");
 }

@@ -107,7 +107,7 @@ TEST_F(FileDropsTest, TellTablesThatCannotBeOpenedAsTheDialogDoes) {
   Start();
   AnswerMessage();
   Drop(Paths({InFolder("gone.sig")}), Frame());
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !messages.empty(); }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return !messages.empty(); }, LongestWait));
   EXPECT_EQ(messages.back(), (Message{"", "Can't open file: " + InFolder("gone.sig"), QMessageBox::NoIcon}));
   EXPECT_EQ(Captions(), QStringList({"Untitled 1"}));
 }

@@ -129,7 +129,7 @@ TEST_F(Finding, KeyOfTheBoxLeavesTheKeyboardToTheField) {
   Key(Qt::Key_A, Qt::AltModifier);
   QTest::keyClicks(QApplication::focusWidget(), "-");
   EXPECT_EQ(Bar()->txtFind->text(), "gsm-") << "also while the box is shown pressed";
-  EXPECT_TRUE(QTest::qWaitFor([this] { return Bar()->chkFindAll->isChecked(); }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Bar()->chkFindAll->isChecked(); }, LongestWait));
   EXPECT_EQ(Outcome(), "1 found");
   Key(Qt::Key_Return);
   EXPECT_EQ(Active().windowTitle(), InFolder("other.sig"));

@@ -506,7 +506,7 @@ TEST_F(Splitter, LayoutIsRepeatedAndRepairsThePaneButPaintsNothingInVain) {
   QTest::qWait(50);
   QWidget& list = Get<QWidget>("lstWarnings");
   list.resize(10, 10);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return list.width() == Pane().width(); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return list.width() == Pane().width(); }, LongestWait));
   QTest::qWait(100);
   PaintCounter counter;
   for (QWidget* widget : Frame().findChildren<QWidget*>()) widget->installEventFilter(&counter);
@@ -637,7 +637,7 @@ TEST_F(Guide, FindsWordsFromPlaceToPlaceAndFromTheEndToTheStart) {
 TEST_F(Guide, ClosesOnEscapeAndComesAgain) {
   Choose("mnuHelpContents");
   QTest::keyClick(&Get<QTextBrowser>("txtHelpGuide"), Qt::Key_Escape);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Frame().findChildren<HelpViewer*>().isEmpty(); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Frame().findChildren<HelpViewer*>().isEmpty(); }, LongestWait));
   Choose("mnuHelpSearch");
   EXPECT_EQ(Frame().findChildren<HelpViewer*>().size(), 1);
 }

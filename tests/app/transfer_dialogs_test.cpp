@@ -20,7 +20,7 @@ class ProgressDialog : public TransferTest {
     dialog->SetCaption("Uploading Signal Standards...");
     dialog->Set_on_top(true);
     dialog->ShowOverFrame();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog.get(), LongestWait));
     return *dialog;
   }
   ~ProgressDialog() override { dialog.reset(); }
@@ -87,7 +87,7 @@ TEST_F(ProgressDialog, LeavesItsPlaceOnTopToTheQuestion) {
     QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton);
   });
   QTest::mouseClick(dialog->findChild<QPushButton*>("CmdAbort"), Qt::LeftButton);
-  ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->windowHandle()->flags().testFlag(StaysOnTop); }));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return dialog->windowHandle()->flags().testFlag(StaysOnTop); }, LongestWait));
   EXPECT_EQ(dialog->geometry(), place);
   EXPECT_TRUE(dialog->isVisible());
   EXPECT_FALSE(abortRequested);
@@ -102,7 +102,7 @@ TEST_F(ProgressDialog, StaysWhateverTheUserClosesItWith) {
     abortRequested = false;
     AnswerMessage(QMessageBox::Yes);
     close();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return abortRequested; }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return abortRequested; }, LongestWait));
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_EQ(dialog->findChild<QLabel*>("LblPrompt")->text(), "Aborting...");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -112,7 +112,7 @@ TEST_F(ProgressDialog, StaysWhateverTheUserClosesItWith) {
 TEST_F(ProgressDialog, IsNotAbortedByEnter) {
   Start();
   Shown().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get(), LongestWait));
   ASSERT_EQ(QApplication::focusWidget(), dialog->findChild<QPushButton*>("CmdAbort"));
   Key(Qt::Key_Return);
   EXPECT_EQ(dialog->findChild<QMessageBox*>(), nullptr);
@@ -290,9 +290,10 @@ TEST_F(OptionsDialog, KeyboardAloneDoesEverything) {
     EXPECT_EQ(order,
               QStringList({"optnAppend", "chkReplace", "chkKeepCopy", "chkReadBack", "bttnUpload", "bttnCancel"}));
     QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&dialog] { return In<QRadioButton>(dialog, "optnReplace").isChecked(); }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&dialog] { return In<QRadioButton>(dialog, "optnReplace").isChecked(); }, LongestWait));
     QTest::keyClick(&dialog, Qt::Key_U, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isHidden(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isHidden(); }, LongestWait));
   });
   Choose("mnuToolsUpload");
   EXPECT_EQ(Status(), CompletedText(1));

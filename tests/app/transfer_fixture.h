@@ -192,9 +192,9 @@ class TransferTest : public AppTest {
   bool IsDownloading() { return Label() == "Downloading Signal Standards..." && BarValue() > 0; }
   bool IsUploading() { return Label() == "Uploading Signal Standards..." && BarValue() > 0; }
   void PressAbort() {
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(Progress()));
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(Progress(), LongestWait));
     Progress()->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(Progress()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Progress(), LongestWait));
     QTest::mouseClick(Progress()->findChild<QPushButton*>("CmdAbort"), Qt::LeftButton);
   }
   QMessageBox* Question() { return Progress()->findChild<QMessageBox*>(); }

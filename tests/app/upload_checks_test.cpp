@@ -121,7 +121,7 @@ TEST_F(UploadOptions, BoxesAreReachedByKeysOfTheirOwn) {
     for (const auto& [name, key] : {std::pair{Keep, Qt::Key_K}, {ReadBack, Qt::Key_B}}) {
       const auto& box = *dialog.findChild<QCheckBox*>(name);
       QTest::keyClick(dialog.focusWidget(), key, Qt::AltModifier);
-      EXPECT_TRUE(QTest::qWaitFor([&] { return box.isChecked(); })) << name.toStdString();
+      EXPECT_TRUE(QTest::qWaitFor([&] { return box.isChecked(); }, LongestWait)) << name.toStdString();
     }
     QTest::keyClick(&dialog, Qt::Key_Escape);
   });

@@ -23,7 +23,6 @@ constexpr char OtherTitle[] = "Another program";
 // Keys that the application has no use for, one after the other: a late one is not taken for the next.
 constexpr std::array Marks = {std::pair{Qt::Key_F9, "F9"}, std::pair{Qt::Key_F11, "F11"},
                               std::pair{Qt::Key_F12, "F12"}};
-constexpr int LongestWait = 20000;  // ms; for what has to happen, however slow the machine
 
 Desktop* theDesktop = nullptr;
 

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QWidget>
 
+#include "tests/editor/user.h"
+
 namespace chanplan::testing {
 
 /// A program that the desktop needs and this machine has not; empty when it has all.

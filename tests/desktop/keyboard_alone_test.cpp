@@ -13,8 +13,6 @@
 namespace chanplan::testing {
 namespace {
 
-constexpr int LongestWait = 20000;  // ms
-
 class KeyboardAlone : public ::testing::Test {
  protected:
   void Start(const QString& path) {

@@ -18,8 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int LongestWait = 20000;  // ms
-
 class KilledEditor : public ::testing::Test {
  protected:
   void SetUp() override {

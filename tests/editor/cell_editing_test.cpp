@@ -363,7 +363,7 @@ TEST_F(CellEditing, AnotherWindowOnTheScreenLeavesTheBoxOpen) {
     QWidget program;
     program.show();
     program.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&program, LongestWait));
     EXPECT_TRUE(document.Box->isVisible());
   }
   Type("1");
@@ -383,7 +383,7 @@ TEST_F(CellEditing, EditorsCloseWhenTheUserComesBackToAnotherGrid) {
       QWidget program;
       program.show();
       program.activateWindow();
-      ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&program, LongestWait));
       document.List->setFocus();
       EXPECT_FALSE(NothingOpen(document));
     }
@@ -401,7 +401,7 @@ TEST_F(CellEditing, ClickThatComesBeforeTheWindowIsActiveLeavesOneEditorOpen) {
   QWidget program;
   program.show();
   program.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&program));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&program, LongestWait));
   document.Click(document.Details, ModulationRow);
   EXPECT_TRUE(document.Modulation->isVisible());
   EXPECT_FALSE(document.Box->isVisible());

@@ -254,7 +254,7 @@ TEST_F(ChartBeside, DrawsChangesThatComeTogetherOnce) {
   panel.viewport()->installEventFilter(&paints);
   for (int time = 0; time < 50; ++time) document.Window->ShowUnitTable(TableOf({Plan("A", 900 + time, 0, 10)}));
   EXPECT_EQ(paints.Count, 0);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return paints.Count > 0; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return paints.Count > 0; }, LongestWait));
   QTest::qWait(0);
   EXPECT_EQ(paints.Count, 1);
   EXPECT_TRUE(Spoken(panel, QAccessible::Description).contains("949 to 951 MHz"));

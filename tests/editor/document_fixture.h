@@ -157,7 +157,7 @@ class DocumentTest : public ::testing::Test {
     window.resize(1400, 1000);
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window, LongestWait));
   }
 
   void TearDown() override { EXPECT_TRUE(answers.AllGiven()) << "a question was not asked"; }

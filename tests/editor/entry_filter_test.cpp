@@ -61,7 +61,7 @@ class EntryBoxTest : public ::testing::Test {
   EntryBoxTest() : box(new EntryBox(&window)) {
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window, LongestWait));
     box->setFocus();
     QObject::connect(box, &EntryBox::Edited, box, [this] { ++edits; });
     QObject::connect(box, &EntryBox::Refused, box, [this](const QString& text) { refused += text; });

@@ -19,7 +19,7 @@ class GridTest : public ::testing::Test {
     window.resize(500, 300);
     window.show();
     window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window, LongestWait));
     grid->setFocus();
   }
 
@@ -150,7 +150,7 @@ TEST_F(GridTest, ToolTipsTellWhatACellCannot) {
   EXPECT_EQ(toolTipAt(0), "0.00625");
   EXPECT_EQ(toolTipAt(1), "<b>a name that is far too long</b>");
   QToolTip::hideText();
-  ASSERT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+  ASSERT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, LongestWait));
   EXPECT_EQ(toolTipAt(2), "");
 }
 

@@ -94,6 +94,9 @@ class Answers {
   std::deque<std::function<void(QWidget&)>> pending;
 };
 
+/// For what has to happen, however slow the machine: ms.
+inline constexpr int LongestWait = 20000;
+
 // The user's keyboard: keys go to the window that has the focus, and from there where Qt sends them.
 
 /// The window that has the focus. No window manager is here to give it back after a message box, so this does.
@@ -101,7 +104,7 @@ inline QWindow* FocusWindow() {
   if (QGuiApplication::focusWindow() == nullptr)
     for (QWidget* const shown : QApplication::topLevelWidgets())
       if (shown->isVisible()) shown->activateWindow();
-  EXPECT_TRUE(QTest::qWaitFor([] { return QGuiApplication::focusWindow() != nullptr; }));
+  EXPECT_TRUE(QTest::qWaitFor([] { return QGuiApplication::focusWindow() != nullptr; }, LongestWait));
   return QGuiApplication::focusWindow();
 }
 
