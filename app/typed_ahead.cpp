@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QWidget>
 #include <QWindow>
 
 namespace chanplan {
