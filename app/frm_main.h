@@ -20,7 +20,6 @@
 #include "app/help_viewer.h"
 #include "app/splitter_bar.h"
 #include "app/transfer_command.h"
-#include "app/typed_ahead.h"
 #include "app/warnings_pane.h"
 
 namespace chanplan {
@@ -145,7 +144,6 @@ class frmMain : public CommandFrame {
 
   AppState& app;
   FileDrops drops;
-  TypedAheadKeys typedAhead;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;

@@ -146,11 +146,6 @@ void Desktop::Type(const QString& text) {
   Press(keys);
 }
 
-void Desktop::PressWhileBusy(const QStringList& keys) {
-  EXPECT_EQ(QProcess::execute("xdotool", QStringList{"key", "--delay", "0"} + keys), 0);
-  WaitUntilKeysAreHandled();
-}
-
 void Desktop::Hold(const QString& key) {
   Do("keydown " + key);
   WaitUntilKeysAreHandled();

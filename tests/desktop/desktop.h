@@ -30,8 +30,6 @@ class Desktop : public QObject {
   /// has had them.
   void Press(const QStringList& keys);
   void Type(const QString& text);
-  /// The same keys, all before the application sees the first of them.
-  void PressWhileBusy(const QStringList& keys);
   /// Keys stay down until they are let go.
   void Hold(const QString& key);
   void LetGo(const QString& key);
