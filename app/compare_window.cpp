@@ -208,8 +208,9 @@ void CompareWindow::keyPressEvent(QKeyEvent* event) {
 
 void Compare(CommandFrame& frame, DocumentWindow& left, ComparedTable right) {
   delete frame.findChild<CompareWindow*>();
-  // A new window becomes the active one by itself. Asked for as well, that may come after a key that goes to the frame.
-  (new CompareWindow(frame, left, std::move(right)))->show();
+  auto* window = new CompareWindow(frame, left, std::move(right));
+  window->show();
+  window->activateWindow();
 }
 
 }  // namespace chanplan
