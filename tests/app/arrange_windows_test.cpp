@@ -102,6 +102,23 @@ TEST_F(WindowMenu, IconsAreArrangedAlongTheLowerEdge) {
   EXPECT_EQ(Window(2).geometry(), other);
 }
 
+TEST_F(WindowMenu, IconsForWhichARowHasNoRoomStandInTheNext) {
+  StartWithStandIns();
+  Frame().resize(400, 600);
+  for (int number = 2; number <= 8; ++number) Choose("mnuFileNew");
+  for (int number = 1; number <= 8; ++number) Window(number).showMinimized();
+  Choose("mnuWindowArrangeIcons");
+  const QRect area = Area().viewport()->rect();
+  const QSize size = Window(1).size();
+  const int inARow = area.width() / size.width();
+  ASSERT_TRUE(inARow >= 1 && inARow < 4) << inARow;
+  for (int number = 1; number <= 8; ++number) {
+    const int column = (number - 1) % inARow;
+    const int row = (number - 1) / inARow;
+    EXPECT_EQ(Window(number).pos(), QPoint(column * size.width(), area.height() - (row + 1) * size.height())) << number;
+  }
+}
+
 TEST_F(WindowMenu, ListsTheOpenDocuments) {
   StartWithThreeDocuments();
   app->Registry.Document(2)->setWindowTitle("/R&D/a.sig");

@@ -655,6 +655,14 @@ TEST(DrawnIcons, AreOpaqueSomewhereAndDifferFromEachOther) {
   EXPECT_TRUE(DrawnIcon("Calculator").isNull());
 }
 
+TEST(DrawnIcons, AreTheSameInACopyThatIsChanged) {
+  const QIcon icon = DrawnIcon("Save");
+  QIcon copy = icon;
+  copy.setIsMask(true);  // which the original is not
+  EXPECT_FALSE(icon.isMask());
+  EXPECT_EQ(copy.pixmap(24, 24).toImage(), icon.pixmap(24, 24).toImage());
+}
+
 // Of a window that is modified it would ask for a place in the title; a file's name has none.
 TEST_F(Title, WithTheSignGivesTheLibraryNothingToComplainAbout) {
   static QStringList complaints;

@@ -1,4 +1,6 @@
 // File, Report: the proposed name, the dialog, the file and the viewer.
+#include <sys/stat.h>
+
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QUrl>
@@ -60,6 +62,18 @@ TEST_F(Report, DoesNotTakeThePlaceOfTheTable) {
   EXPECT_EQ(messages.back().Text,
             InFolder("link.htm") + " is the table itself, which the report would take the place of.");
   EXPECT_EQ(ReadFile(folder / "plan.sig"), table);
+  EXPECT_TRUE(viewer.Opened.isEmpty());
+}
+
+TEST_F(Report, DoesNotWaitForWhoReadsAPipe) {
+  Start({Table("plan.sig")});
+  ASSERT_EQ(mkfifo((folder / "pipe.htm").c_str(), 0600), 0);
+  AnswerFileDialog(InFolder("pipe.htm"));
+  AnswerMessage(QMessageBox::Yes);  // it is there
+  AnswerMessage();
+  Choose("mnuFileReport");
+  EXPECT_EQ(messages.back(),
+            (Message{"Error Saving Report", InFolder("pipe.htm") + " is no file.", QMessageBox::Critical}));
   EXPECT_TRUE(viewer.Opened.isEmpty());
 }
 

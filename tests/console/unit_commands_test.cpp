@@ -794,6 +794,23 @@ TEST(Units, ThatCannotBeAskedAreNamedWithTheReason) {
     EXPECT_NE(run.Errors.find(named), std::string::npos) << run.Errors;
 }
 
+TEST(Units, ThatOnlySendBackWhatTheyAreSentAreNamed) {
+  if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
+  const RunningSimulator plug({"--baud", "0", "--fault", "echo"});
+  const RunningSimulator accepted({"--baud", "0"});
+  for (const RunningSimulator* const simulator : {&plug, &accepted})
+    TempFolder::Allow(simulator->Device(), static_cast<fs::perms>(0666));
+  const Chanplan chanplan;
+  chanplan.SetSettings("[Settings]\nCommDevice1=" + plug.Link() + "\nCommDevice2=" + accepted.Link() + "\n");
+  const ProgramRun run = chanplan.Run({"units"}, {.Unprivileged = true});
+  EXPECT_NE(run.Errors.find("chanplan: " + plug.Link() + ": the line sends back what is sent to it: "),
+            std::string::npos)
+      << run.Errors;
+  EXPECT_EQ(run.Output.find(plug.Link()), std::string::npos) << run.Output;
+  EXPECT_NE(run.Output.find(accepted.Link() + "\tQX4471C\t3.00\taccepted\n"), std::string::npos) << run.Output;
+  EXPECT_EQ(run.ExitStatus, 0);
+}
+
 TEST(Units, OfWhichThereAreNoneAreANote) {
   if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
   const ProgramRun run = Chanplan().Run({"units"}, {.Unprivileged = true});

@@ -1,4 +1,5 @@
 // The user goes to another program and comes back.
+#include <QClipboard>
 #include <QListWidget>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -59,6 +60,22 @@ TEST_F(AnotherProgram, LeavesAnOpenEditOpen) {
   desktop.Press({"Return"});
   EXPECT_FALSE(box->isVisible());
   EXPECT_EQ(Frame().ActiveDocument()->Table().Row(0).StopChannel, 1234);
+}
+
+TEST_F(AnotherProgram, SelectsWhatTheMiddleButtonPastes) {
+  Open({SomeTable()});
+  ClickCell("GridDetails", StopRow);
+  desktop.Type("12");
+  GoAndComeBack();
+  EXPECT_TRUE(QTest::qWaitFor(
+      [] { return QGuiApplication::clipboard()->text(QClipboard::Selection) == SelectedInTheOtherProgram; },
+      LongestWait));
+  auto* box = Frame().ActiveDocument()->findChild<QLineEdit*>("txtEntry");
+  // In front of what was typed, which stands on the right: the button pastes where it is pressed.
+  desktop.Click(*box, {4, box->height() / 2}, 2);
+  EXPECT_EQ(box->text(), "3412");
+  desktop.Press({"Return"});
+  EXPECT_EQ(Frame().ActiveDocument()->Table().Row(0).StopChannel, 3412);
 }
 
 TEST_F(AnotherProgram, CommandsFindTheDocumentWhereverTheCursorStands) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -36,6 +37,11 @@ QString MissingProgram() {
 
 int RunOtherProgram(int argc, char** argv) {
   const QApplication application(argc, argv);
+  // As somebody does there who marks a text.
+  QObject::connect(&application, &QGuiApplication::applicationStateChanged, [](Qt::ApplicationState state) {
+    if (state == Qt::ApplicationActive)
+      QGuiApplication::clipboard()->setText(SelectedInTheOtherProgram, QClipboard::Selection);
+  });
   QWidget window;
   window.setWindowTitle(OtherTitle);
   window.resize(200, 100);

@@ -15,6 +15,9 @@ namespace chanplan::testing {
 /// A program that the desktop needs and this machine has not; empty when it has all.
 QString MissingProgram();
 
+/// What is selected in the other program once somebody has gone there: blanks come along easily.
+constexpr char SelectedInTheOtherProgram[] = " 34 ";
+
 /// What the other program does: it shows a window and waits to be ended.
 int RunOtherProgram(int argc, char** argv);
 

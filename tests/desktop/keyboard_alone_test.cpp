@@ -1,6 +1,8 @@
 // The program itself, by the keyboard alone: nothing is reached into.
 #include <gtest/gtest.h>
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QProcess>
 #include <QTest>
 
@@ -91,6 +93,17 @@ TEST_F(KeyboardAlone, KeysThatOnlyWalkLeaveTheFileAsItWas) {
   // With nothing changed the program ends without a question.
   Leave();
   EXPECT_EQ(ReadFile(folder / "walked.sig"), former);
+}
+
+TEST_F(KeyboardAlone, WarningIsCopiedFromTheMenuOfItsOwnKey) {
+  const QString path = QString::fromStdString((folder / "doubtful.sig").string());
+  ASSERT_FALSE(SaveSigFile(PathOf(path), TableOf({{"1", 1, "DCS", 9850, 1805.2, 512, 885, 0.2, 0.2, 1}})));
+  Start(path);
+  desktop.PressElsewhere({"F6", "Down", "Menu", "c"});
+  const QString warning = "Warning:\tDCS\tStart frequency appears out of range.";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return QGuiApplication::clipboard()->text() == warning; }, LongestWait))
+      << QGuiApplication::clipboard()->text().toStdString();
+  Leave();
 }
 
 }  // namespace
