@@ -62,6 +62,11 @@ void RecoveryCopies::Watch(const DocumentWindow& document) {
 }
 
 bool RecoveryCopies::Update() {
+  // Whoever tidies the folder away takes the copies along.
+  if (std::error_code ignored; claim != nullptr && !fs::is_directory(folder, ignored)) {
+    claim.reset();
+    written.clear();
+  }
   bool done = true;
   for (int slot = 1; slot <= static_cast<int>(registry.Documents.size()); ++slot) {
     const DocumentState& state = registry.DocumentStates[static_cast<std::size_t>(slot) - 1];

@@ -227,6 +227,34 @@ TEST_F(RecoveryTest, CopyIsWrittenAsSoonAsItCanBe) {
   EXPECT_TRUE(QTest::qWaitFor([this] { return CopyCount() == 1; }, 30000));
 }
 
+TEST_F(RecoveryTest, CopiesAreWrittenAnewWhenTheirFolderIsGone) {
+  Start({Table("a.sig", {"A"}), Table("b.sig", {"B"})});
+  TypeName("changed");
+  Frame().ShowDocument(*app->Registry.Document(1));
+  TypeName("changed, too");
+  ASSERT_EQ(CopyCount(), 2);
+  const auto names = [this] {
+    std::set<std::string> found;
+    for (const auto& entry : fs::directory_iterator(CopyFolder()))
+      if (const auto copy = ReadCopyText(ReadFile(entry.path()))) found.insert(copy->Table.Row(0).Name);
+    return found;
+  };
+  fs::remove_all(folder / "chanplans");
+  TypeName("changed again");
+  EXPECT_EQ(names(), (std::set<std::string>{"changed", "changed again"}));
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "") << "nothing is amiss";
+  const DocumentRegistry none;
+  EXPECT_TRUE(RecoveryCopies(none).TakeLeftTables().Tables.empty()) << "they are in use";
+
+  fs::remove_all(folder / "chanplans");
+  WriteFile(folder / "chanplans", "no folder");
+  TypeName("changed at last");
+  EXPECT_TRUE(Get<QLabel>("sbStatusBarPanel1").text().startsWith("Changes are not safe from a crash"));
+  fs::remove(folder / "chanplans");
+  TypeName("changed behind it");
+  EXPECT_EQ(names(), (std::set<std::string>{"changed", "changed behind it"}));
+}
+
 TEST_F(RecoveryTest, QuestionAboutManyTablesFitsOnTheScreen) {
   for (int number = 1; number <= 40; ++number)
     LeaveCopy("111-a-" + std::to_string(number),
