@@ -352,6 +352,14 @@ TEST_F(CutShort, ChangeGivesTheFormerContentBack) {
   }
 }
 
+TEST_F(CutShort, ChangeIsUndoneBeforeTheTableIsRead) {
+  const SignalStandardTable former = BigTable('a');
+  const std::string fresh = WriteSigTable(BigTable('b'));
+  WriteFile(table, fresh.substr(0, fresh.size() / 2));
+  LeaveCopy(WriteSigTable(former), fresh);
+  EXPECT_EQ(LoadSigFile(table).Table, former);
+}
+
 TEST_F(CutShort, ChangeIsNotUndoneOnceItIsWholeOrSomebodyElseHasSaved) {
   for (const std::string& left :
        Names{"a new content", "former", "what somebody else wrote", "a new content and more"}) {
