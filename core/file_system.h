@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -26,9 +27,15 @@ std::error_code ReplaceFileUnflushed(const std::filesystem::path& file, std::str
 /// Waits until what `file` holds is on the disk. Files that cannot be opened are passed over.
 void FlushFile(const std::filesystem::path& file);
 
+/// Stands in the place of a file's first byte while its content is changed in place, and when that was cut short.
+inline constexpr char UnfinishedMark = '\0';
+
 /// Gives every file its former content back whose change in place was cut short by a crash. Files
 /// that are being saved at the moment are left alone. Done before files are read and saved.
 void HealInterruptedSaves();
+
+/// Where the former content of `file` is that HealInterruptedSaves could not give back, and why not, in words.
+std::string WhyNotHealed(const std::filesystem::path& file);
 
 /// Keeps other programs of this system from changing `file` in place as long as the result lives: it would be read
 /// half changed. Null when there is nothing to wait for, or when a change in place takes longer than some seconds.

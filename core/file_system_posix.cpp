@@ -195,6 +195,8 @@ void FlushFile(const fs::path& file) {
 
 void HealInterruptedSaves() { HealInPlaceSaves(); }
 
+std::string WhyNotHealed(const fs::path& file) { return WhyNotPutBack(file); }
+
 std::shared_ptr<void> HoldStill(const fs::path& file) { return WaitForInPlaceSaves(file); }
 
 std::optional<FileFacts> ReadFileFacts(const fs::path& file) {

@@ -204,6 +204,8 @@ void FlushFile(const fs::path& file) {
 // What cannot be replaced is not changed in place, which leaves nothing to heal.
 void HealInterruptedSaves() {}
 
+std::string WhyNotHealed(const std::filesystem::path& /*file*/) { return {}; }
+
 std::shared_ptr<void> HoldStill(const fs::path& /*file*/) { return nullptr; }
 
 std::optional<FileFacts> ReadFileFacts(const fs::path& file) {

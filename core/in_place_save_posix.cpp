@@ -1,4 +1,4 @@
-// A copy is a file of its own in the state folder: who it is of, the former content and the new one.
+// A copy is a file of its own in the state folder: who it is of, and the former content.
 // It gets its name once it is whole, and is marked as in use while its save runs.
 #include "core/in_place_save_posix.h"
 
@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
+#include "core/file_system.h"
 #include "core/folder_content.h"
 #include "core/state_folder.h"
 
@@ -25,8 +26,8 @@ struct Copy {
   std::string Target;
   std::uint64_t Device = 0;
   std::uint64_t Number = 0;
+  timespec Modified{};  // when the former content was written
   std::string Former;
-  std::string New;
 };
 
 fs::path CopyFolder() {
@@ -45,42 +46,44 @@ bool MakePrivateFolder(const fs::path& folder) {
 
 std::string ToBytes(const Copy& copy) {
   std::ostringstream bytes;
-  bytes << copy.Device << ' ' << copy.Number << ' ' << copy.Target.size() << ' ' << copy.Former.size() << ' '
-        << copy.New.size() << '\n'
-        << copy.Target << copy.Former << copy.New;
+  bytes << copy.Device << ' ' << copy.Number << ' ' << copy.Modified.tv_sec << ' ' << copy.Modified.tv_nsec << ' '
+        << copy.Target.size() << ' ' << copy.Former.size() << '\n'
+        << copy.Target << copy.Former;
   return bytes.str();
 }
 
 std::optional<Copy> FromBytes(const std::string& bytes) {
   std::istringstream input(bytes);
   Copy copy;
-  std::size_t target = 0, former = 0, fresh = 0;
-  input >> copy.Device >> copy.Number >> target >> former >> fresh;
+  std::size_t target = 0, former = 0;
+  input >> copy.Device >> copy.Number >> copy.Modified.tv_sec >> copy.Modified.tv_nsec >> target >> former;
   if (!input || input.get() != '\n') return std::nullopt;
   const std::string_view rest = std::string_view(bytes).substr(static_cast<std::size_t>(input.tellg()));
-  if (rest.size() < target || rest.size() - target < former || rest.size() - target - former != fresh)
-    return std::nullopt;
+  if (rest.size() < target || rest.size() - target != former) return std::nullopt;
   copy.Target = rest.substr(0, target);
-  copy.Former = rest.substr(target, former);
-  copy.New = rest.substr(target + former);
+  copy.Former = rest.substr(target);
   return copy;
 }
 
-// A write that was cut short leaves the beginning; a machine without power may leave zeros in it.
-bool IsPieceOf(std::string_view piece, std::string_view whole) {
-  if (piece.size() > whole.size()) return false;
-  for (std::size_t index = 0; index < piece.size(); ++index)
-    if (piece[index] != whole[index] && piece[index] != '\0') return false;
-  return true;
+bool WriteAt(int file, off_t place, std::string_view bytes) {
+  return lseek(file, place, SEEK_SET) == place && WriteAll(file, bytes);
 }
 
-bool IsTorn(std::string_view content, const Copy& copy) {
-  if (content == copy.Former || content == copy.New) return false;
-  return IsPieceOf(content, copy.New) || IsPieceOf(content, copy.Former);
-}
-
+// The mark stands in the place of the first byte until all others are on the disk: what is cut short is not taken for
+// whole, and what somebody saves then is not taken for cut short.
 bool SetContent(int file, std::string_view bytes) {
-  return lseek(file, 0, SEEK_SET) == 0 && ftruncate(file, 0) == 0 && WriteAll(file, bytes) && fsync(file) == 0;
+  if (bytes.empty()) return ftruncate(file, 0) == 0 && fsync(file) == 0;
+  return WriteAt(file, 0, {&UnfinishedMark, 1}) && fsync(file) == 0 && WriteAt(file, 1, bytes.substr(1)) &&
+         ftruncate(file, static_cast<off_t>(bytes.size())) == 0 && fsync(file) == 0 &&
+         WriteAt(file, 0, bytes.substr(0, 1)) && fsync(file) == 0;
+}
+
+bool PutBack(int file, const Copy& copy) {
+  if (!SetContent(file, copy.Former)) return false;
+  // To whoever remembers it, this is the file that it was. Its owner alone may do that.
+  const timespec times[] = {{0, UTIME_OMIT}, copy.Modified};
+  futimens(file, times);
+  return true;
 }
 
 // What the system's reason alone does not tell: what it means for the former content, and the folder of copies.
@@ -119,8 +122,8 @@ bool Heal(const Copy& copy) {
   if (!file.IsOpen() || !WaitForTurn(file.Get()) || fstat(file.Get(), &facts) != 0 || !ReadAll(file.Get(), content))
     return false;
   // Somebody may have put another file there since.
-  if (facts.st_dev != copy.Device || facts.st_ino != copy.Number || !IsTorn(content, copy)) return true;
-  return SetContent(file.Get(), copy.Former);
+  if (facts.st_dev != copy.Device || facts.st_ino != copy.Number || !content.starts_with(UnfinishedMark)) return true;
+  return PutBack(file.Get(), copy);
 }
 
 void HealFrom(const fs::path& name) {
@@ -186,17 +189,17 @@ std::error_code OverwriteInPlace(const fs::path& target, std::string_view bytes)
   if (!WaitForTurn(file.Get())) return std::make_error_code(std::errc::device_or_resource_busy);
   Copy copy;
   copy.Target = fs::absolute(target).string();
-  copy.New = bytes;
   if (fstat(file.Get(), &facts) != 0 || !ReadAll(file.Get(), copy.Former)) return LastError();
   copy.Device = facts.st_dev;
   copy.Number = facts.st_ino;
+  copy.Modified = facts.st_mtim;
 
   FileDescriptor copyFile;
   const fs::path copyName = MakeCopy(copy, copyFile);
   if (copyName.empty()) return {errno, NotKept};
   std::error_code error;
   if (!SetContent(file.Get(), bytes)) error = LastError();
-  if (error && !SetContent(file.Get(), copy.Former)) return {error.value(), NotPutBack};
+  if (error && !PutBack(file.Get(), copy)) return {error.value(), NotPutBack};
   unlink(copyName.c_str());
   return error;
 }
@@ -210,6 +213,20 @@ std::shared_ptr<void> WaitForInPlaceSaves(const fs::path& file) {
 
 void HealInPlaceSaves() {
   for (const fs::path& copy : ContentOf(CopyFolder())) HealFrom(copy);
+}
+
+std::string WhyNotPutBack(const fs::path& file) {
+  struct stat facts {};
+  if (stat(file.c_str(), &facts) != 0) return LastError().message();
+  for (const fs::path& name : ContentOf(CopyFolder())) {
+    const FileDescriptor opened(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    std::string bytes;
+    if (!opened.IsOpen() || !ReadAll(opened.Get(), bytes)) continue;
+    const std::optional<Copy> copy = FromBytes(bytes);
+    if (copy && copy->Device == facts.st_dev && copy->Number == facts.st_ino && !Heal(*copy))
+      return "its former content could not be put back from " + name.string() + " (" + LastError().message() + ")";
+  }
+  return "its former content is with the user who saved it";
 }
 
 }  // namespace chanplan

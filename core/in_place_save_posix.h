@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -19,5 +20,8 @@ std::shared_ptr<void> WaitForInPlaceSaves(const std::filesystem::path& file);
 
 /// Puts the former content back wherever that was cut short.
 void HealInPlaceSaves();
+
+/// Where the former content of `file` is that could not be put back, and why not.
+std::string WhyNotPutBack(const std::filesystem::path& file);
 
 }  // namespace chanplan

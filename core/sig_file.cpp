@@ -125,7 +125,16 @@ bool IsText(std::string_view line) {
   return std::ranges::none_of(line, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; });
 }
 
+std::string HeaderLine() {
+  std::string line;
+  for (const RecordField& field : RecordFields) line.append(field.Header) += '\t';
+  line.pop_back();
+  return line;
+}
+
 void LookAtHeader(std::string_view line, const LineReader& reader, std::vector<std::string>& notes) {
+  if (line.starts_with(UnfinishedMark) && HeaderLine().substr(1).starts_with(line.substr(1)))
+    throw Failure{ReadFailure::CutShort, "saving it was cut short"};
   if (LooksLikeUtf16(line)) reader.Fail(ReadFailure::Utf16, " is text of 16-bit characters (UTF-16), not of bytes");
   if (LooksLikeARow(line)) notes.emplace_back("line 1 looks like a row, and was left out as the header");
   if (!IsText(line)) notes.emplace_back("line 1 is no text, so that this may be no table but a signature");
@@ -212,11 +221,14 @@ ReadOutcome ReadSigTable(std::istream& input, std::size_t longestLine) {
 
 ReadOutcome LoadSigFile(const std::filesystem::path& path) {
   HealInterruptedSaves();
-  const auto still = HoldStill(path);
+  auto still = HoldStill(path);
   errno = 0;
   std::ifstream file(UnlimitedPath(path), std::ios::binary);
   if (!file) return Failed(ReadFailure::CannotOpen, 0, std::generic_category().message(errno));
-  return ReadSigTable(file);
+  ReadOutcome outcome = ReadSigTable(file);
+  still.reset();
+  if (outcome.Failure == ReadFailure::CutShort) outcome.Reason += "; " + WhyNotHealed(path);
+  return outcome;
 }
 
 std::array<std::string, FieldCount> FieldTexts(const SignalStandardRecord& record, char decimalSeparator) {
@@ -227,16 +239,13 @@ std::array<std::string, FieldCount> FieldTexts(const SignalStandardRecord& recor
 }
 
 std::string WriteSigTable(const SignalStandardTable& table, char decimalSeparator) {
-  std::string bytes;
-  const auto endLine = [&] { bytes.replace(bytes.size() - 1, 1, "\r\n"); };  // in place of a TAB
-  for (const RecordField& field : RecordFields) bytes.append(field.Header) += '\t';
-  endLine();
+  std::string bytes = HeaderLine() + "\r\n";
   for (int index = 0; index < table.Count; ++index) {
     for (const RecordField& field : RecordFields) {
       AppendField(bytes, table.Row(index), field, decimalSeparator);
       bytes += '\t';
     }
-    endLine();
+    bytes.replace(bytes.size() - 1, 1, "\r\n");  // in place of a TAB
   }
   return bytes;
 }

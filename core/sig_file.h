@@ -25,6 +25,7 @@ enum class ReadFailure {
   CannotOpen,
   CannotRead,
   Empty,
+  CutShort,  ///< while it was saved
   LineTooLong,
   TooFewFields,
   IntegerOutOfRange,

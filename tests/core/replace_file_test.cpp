@@ -279,6 +279,7 @@ TEST(ReplaceFile, KeepsTheFormerContentWhicheverCallOfItFails) {
     for (const bool andAllBehind : {false, true})
       for (std::size_t failAt = 1;; ++failAt) {
         FailingSave save(way);
+        const auto stamp = ReadFileStamp(save.Table);
         const std::error_code error = save.Run(failAt, andAllBehind);
         if (save.Calls.AllNames.size() < failAt) {
           EXPECT_FALSE(error) << error.message();
@@ -295,6 +296,8 @@ TEST(ReplaceFile, KeepsTheFormerContentWhicheverCallOfItFails) {
         HealInterruptedSaves();
         const bool former = save.Content() == before || (way == Way::InPlace && save.Content() == "new");
         EXPECT_TRUE(error ? former : save.Content() == "new") << error.message() << ": " << save.Content();
+        EXPECT_TRUE(save.Content() != "former" || ReadFileStamp(save.Table) == stamp)
+            << "it would be taken for changed";
         EXPECT_TRUE(way == Way::New || fs::status(save.Table).permissions() == TeamsOwn);
         // The next one is not hindered by what this one could not clear away.
         const std::error_code next = ReplaceFile(save.Table, "later");
@@ -321,11 +324,13 @@ TEST(ReplaceFile, FlushesACopyOfTheFormerContentBeforeItIsChangedInPlace) {
   FailingSave save(Way::InPlace);
   EXPECT_FALSE(save.Run(0, false));
   Calls calls = save.Calls.Calls;
-  ASSERT_EQ(calls.size(), 4u);
+  ASSERT_EQ(calls.size(), 6u);
   // The copy's size and name have numbers in them that are others each time.
   EXPECT_TRUE(std::exchange(calls[0], "flush copy").starts_with("flush file of "));
   EXPECT_TRUE(std::exchange(calls[1], "rename to copy").ends_with(".former"));
-  EXPECT_EQ(calls, (Calls{"flush copy", "rename to copy", "flush folder", "flush file of 3 bytes"}));
+  // Then "former" with the mark, all but the first byte of "new", and that.
+  EXPECT_EQ(calls, (Calls{"flush copy", "rename to copy", "flush folder", "flush file of 6 bytes",
+                          "flush file of 3 bytes", "flush file of 3 bytes"}));
 }
 
 TEST(ReplaceFile, KeepsCopiesFromEverybodyElse) {

@@ -331,23 +331,27 @@ TEST_F(SharedFileInMemory, IsNeverReadHalfChanged) {
 // What a crash in the middle of a change in place leaves: the copy, and the file as it then is.
 class CutShort : public SharedFile {
  protected:
-  void LeaveCopy(const std::string& former, const std::string& fresh) {
+  void LeaveCopy(const std::string& former) {
     const struct stat facts = FactsOf(table);
     const fs::path saves = folder / "state" / "chanplans" / "saves";
     fs::create_directories(saves);
-    WriteFile(saves / "999999999-0.former", std::to_string(facts.st_dev) + " " + std::to_string(facts.st_ino) + " " +
-                                                std::to_string(table.string().size()) + " " +
-                                                std::to_string(former.size()) + " " + std::to_string(fresh.size()) +
-                                                "\n" + table.string() + former + fresh);
+    std::ostringstream copy;
+    copy << facts.st_dev << ' ' << facts.st_ino << ' ' << FormerTime << " 0 " << table.string().size() << ' '
+         << former.size() << '\n'
+         << table.string() << former;
+    WriteFile(saves / "999999999-0.former", copy.str());
   }
+  static constexpr time_t FormerTime = 1'600'000'000;
 };
 
 TEST_F(CutShort, ChangeGivesTheFormerContentBack) {
-  for (const std::string& left : Names{"", "a new", "for", std::string("a n\0\0", 5)}) {
+  using namespace std::string_literals;
+  for (const std::string& left : Names{"\0"s, "\0ormer"s, "\0 newer"s, "\0 n\0\0"s, "\0 new content"s}) {
     WriteFile(table, left);
-    LeaveCopy("former", "a new content");
+    LeaveCopy("former");
     HealInterruptedSaves();
     EXPECT_EQ(ReadFile(table), "former") << left;
+    EXPECT_EQ(FactsOf(table).st_mtim.tv_sec, FormerTime);
     EXPECT_EQ(CopiesLeft(), Names());
   }
 }
@@ -355,16 +359,16 @@ TEST_F(CutShort, ChangeGivesTheFormerContentBack) {
 TEST_F(CutShort, ChangeIsUndoneBeforeTheTableIsRead) {
   const SignalStandardTable former = BigTable('a');
   const std::string fresh = WriteSigTable(BigTable('b'));
-  WriteFile(table, fresh.substr(0, fresh.size() / 2));
-  LeaveCopy(WriteSigTable(former), fresh);
+  WriteFile(table, UnfinishedMark + fresh.substr(1, fresh.size() / 2));
+  LeaveCopy(WriteSigTable(former));
   EXPECT_EQ(LoadSigFile(table).Table, former);
 }
 
 TEST_F(CutShort, ChangeIsNotUndoneOnceItIsWholeOrSomebodyElseHasSaved) {
   for (const std::string& left :
-       Names{"a new content", "former", "what somebody else wrote", "a new content and more"}) {
+       Names{"a new content", "former", "what somebody else wrote", "a new content and more", "", "a new", "for"}) {
     WriteFile(table, left);
-    LeaveCopy("former", "a new content");
+    LeaveCopy("former");
     HealInterruptedSaves();
     EXPECT_EQ(ReadFile(table), left);
     EXPECT_EQ(CopiesLeft(), Names());
@@ -372,21 +376,47 @@ TEST_F(CutShort, ChangeIsNotUndoneOnceItIsWholeOrSomebodyElseHasSaved) {
 }
 
 TEST_F(CutShort, ChangeOfAnotherFileUnderThisNameIsNoAffairOfThisOne) {
-  LeaveCopy("former", "a new content");
+  LeaveCopy("former");
   fs::rename(table, folder / "moved.sig");
-  WriteFile(table, "a new");
+  const std::string other = UnfinishedMark + std::string("nother");
+  WriteFile(table, other);
   HealInterruptedSaves();
-  EXPECT_EQ(ReadFile(table), "a new");
+  EXPECT_EQ(ReadFile(table), other);
 }
 
 TEST_F(CutShort, CopyThatWasNotFinishedIsSweptAway) {
-  LeaveCopy("former", "a new content");
+  LeaveCopy("former");
   const fs::path saves = folder / "state" / "chanplans" / "saves";
   fs::rename(saves / "999999999-0.former", saves / "999999999-0");
-  WriteFile(table, "a new");
+  const std::string other = UnfinishedMark + std::string("nother");
+  WriteFile(table, other);
   HealInterruptedSaves();
-  EXPECT_EQ(ReadFile(table), "a new");
+  EXPECT_EQ(ReadFile(table), other);
   EXPECT_EQ(CopiesLeft(), Names());
+}
+
+TEST_F(CutShort, ChangeThatCannotBeUndoneIsToldByWhoeverReadsTheTable) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
+  const SignalStandardTable former = BigTable('a');
+  const std::string fresh = WriteSigTable(BigTable('b'));
+  const auto toldTo = [&](uid_t user) {
+    return RunInChild([&] {
+      BecomeUser(user, Team);
+      const ReadOutcome outcome = LoadSigFile(table);
+      return outcome.Failure == ReadFailure::CutShort ? outcome.Reason : "read: " + outcome.Reason;
+    });
+  };
+  for (const std::size_t written : {std::size_t{1}, std::size_t{20}, fresh.size() / 2, fresh.size()}) {
+    WriteFile(table, UnfinishedMark + fresh.substr(1, written - 1));
+    TempFolder::Allow(table, static_cast<fs::perms>(0644));
+    EXPECT_EQ(toldTo(Alice), "saving it was cut short; its former content is with the user who saved it");
+  }
+  LeaveCopy(WriteSigTable(former));
+  TempFolder::Allow(folder / "state", fs::perms::all);
+  EXPECT_EQ(toldTo(Alice), "saving it was cut short; its former content could not be put back from " +
+                               (folder / "state" / "chanplans" / "saves" / "999999999-0.former").string() + " (" +
+                               std::generic_category().message(EACCES) + ")");
+  EXPECT_EQ(LoadSigFile(table).Table, former);
 }
 
 // ---- names that stand for open descriptors -------------------------------------------------------
