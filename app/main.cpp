@@ -14,7 +14,7 @@ namespace {
 
 int Print(const chanplan::CommandLine& line) {
   std::fputs(qPrintable(line.Answer), line.Wrong ? stderr : stdout);
-  return line.Wrong ? 2 : 0;
+  return line.Wrong || std::fflush(stdout) != 0 ? 2 : 0;
 }
 
 }  // namespace

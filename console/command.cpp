@@ -1,6 +1,8 @@
 #include "console/command.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <iostream>
 
 #include "console/terminal.h"
@@ -20,6 +22,16 @@ bool IsForATerminal(std::string_view bytes) {
   });
 }
 
+ReadOutcome ReadStandardInput() {
+  errno = 0;
+  ReadOutcome outcome = ReadSigTable(std::cin);
+  if (std::ferror(stdin) == 0) return outcome;
+  ReadOutcome failed;
+  failed.Failure = ReadFailure::CannotRead;
+  failed.Reason = std::generic_category().message(errno);
+  return failed;
+}
+
 }  // namespace
 
 std::string PrintedName(const std::filesystem::path& file) {
@@ -29,7 +41,7 @@ std::string PrintedName(const std::filesystem::path& file) {
 OpenedTable OpenQuietly(const std::filesystem::path& file) {
   // What is printed would get into the table that is read.
   RefuseOwnTable(file, StandardStream);
-  ReadOutcome outcome = file == StandardStream ? ReadSigTable(std::cin) : LoadSigFile(file);
+  ReadOutcome outcome = file == StandardStream ? ReadStandardInput() : LoadSigFile(file);
   if (!outcome.Ok()) throw CommandFailure(LoadErrorText(PrintedName(file), 0) + ": " + outcome.Reason);
   if (outcome.Truncated) Note(PrintedName(file) + ": " + std::string(FileTruncatedText));
   AlignSubbands(outcome.Table);

@@ -1,7 +1,9 @@
 #include <cerrno>
 #include <fstream>
 
+#include "console/terminal.h"
 #include "console/unit_session.h"
+#include "core/file_system.h"
 #include "core/sig_file.h"
 
 namespace chanplan {
@@ -50,6 +52,8 @@ struct DownloadArguments {
 void Download(const DownloadArguments& arguments) {
   FailUnlessSaved(arguments.Out, WritingProblem(arguments.Out));
   UnitSession session(arguments.Port);
+  if (AreSameFile(session.PortName(), arguments.Out == StandardStream ? FileOfStandardOutput() : arguments.Out))
+    throw CommandFailure(arguments.Out.string() + " is the unit's own port, which would take its table for commands");
   session.Connect();
   const SignalStandardTable table = session.Download().Table;
   if (table.Count == 0 && !arguments.Force && HoldsSomething(arguments.Out)) {

@@ -22,6 +22,9 @@ void CountInterruptions() {
 #ifdef SIGHUP
   std::signal(SIGHUP, Count);
 #endif
+#ifdef SIGPIPE
+  std::signal(SIGPIPE, SIG_IGN);  // who no longer reads what is told about a transfer does not end it
+#endif
 }
 
 int Interruptions() { return count; }

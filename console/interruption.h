@@ -8,7 +8,8 @@ namespace chanplan {
 /// Thrown where a command ends because it was asked to.
 class Interrupted : public std::exception {};
 
-/// From now on SIGINT, SIGTERM and SIGHUP are counted instead of ending the program.
+/// From now on SIGINT, SIGTERM and SIGHUP are counted instead of ending the program, and a pipe without a reader is an
+/// error of writing.
 void CountInterruptions();
 /// How often the program was asked to end.
 int Interruptions();

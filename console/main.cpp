@@ -1,5 +1,6 @@
 // chanplan: the editor's functions from the command line.
 #include <iostream>
+#include <new>
 #include <sstream>
 
 #include "console/arguments.h"
@@ -28,6 +29,9 @@ int main(int argc, char** argv) {
   } catch (const Interrupted&) {
     Note("interrupted");
     return InterruptedExitCode();
+  } catch (const std::bad_alloc&) {
+    Note("there is not enough memory");
+    return ExitFailed;
   } catch (const std::exception& error) {
     Note(error.what());
     return ExitFailed;

@@ -41,6 +41,8 @@ class UnitSession {
   void Upload(std::string_view message);
 
   const UnitLink& Link() const { return link; }
+  /// The port's device.
+  const std::string& PortName() const { return portName; }
 
  private:
   struct Moved {

@@ -153,6 +153,7 @@ std::chrono::sys_seconds ToTime(const struct statx_timestamp& time) {
 }
 
 std::error_code Replace(const fs::path& file, std::string_view bytes, bool flush) {
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow so large is an error, not the program's end
   const fs::path target = FollowLinks(file);
   std::error_code ignored;
   if (fs::is_symlink(target, ignored))

@@ -451,9 +451,14 @@ void frmDocument::ListRowChanged() {
 // The unit's own names of sub-bands stay until something is edited.
 void frmDocument::ShowUnitTable(const SignalStandardTable& received) {
   editor.Close();  // it belongs to the former table
+  const int rowBefore = shownIndex;
   table = received;
-  history = TableHistory(table);
   Refill(0);
+  // What was entered while it was on its way can be had back.
+  if (history.CanUndo())
+    RecordStep("download", rowBefore);
+  else
+    history = TableHistory(table);
   ShowWarnings();
   if (table.Count > 0) MarkUnsaved();
 }

@@ -229,6 +229,7 @@ void Serve(const Settings& settings) {
   SimulatedUnit unit(settings.Unit, [&](const std::string& line) { trace.Line(line); });
   PseudoTerminal terminal(settings.Link);
   std::cout << "unit ready on " << terminal.Path() << "\n" << HeldText(settings) << std::endl;
+  if (!std::cout && settings.Link.empty()) throw std::runtime_error("nobody can be told the terminal's name");
   ReplyLine replies(terminal, trace, settings.Baud);
   int savedUploads = 0;
   Clock::duration lookedInVain{};  // not the time since the last byte: a busy machine may hold up both ends
@@ -276,7 +277,7 @@ int main(int argc, char** argv) {
     std::ostringstream wrong;
     const bool failed = app.exit(error, std::cout, wrong) != 0;
     std::cerr << HarmlessText(wrong.str());  // it repeats the arguments
-    return failed ? 2 : 0;
+    return failed || !std::cout.flush() ? 2 : 0;
   } catch (const std::exception& error) {
     std::cerr << "handheld-simulator: " << HarmlessText(error.what()) << std::endl;
     return 2;

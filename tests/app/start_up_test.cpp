@@ -112,6 +112,10 @@ TEST(EditorCommandLine, AnswersQuestionsWhereThereIsNoScreen) {
   }
 }
 
+TEST(EditorCommandLine, TellsWhenAnAnswerReachesNobody) {
+  EXPECT_EQ(RunProgram({EDITOR_PROGRAM, "--help"}, {.OutputTo = "/dev/full"}).ExitStatus, 2);
+}
+
 TEST(EditorCommandLine, LeavesThePlatformLibraryItsOptions) {
   const ProgramRun run =
       RunProgram({EDITOR_PROGRAM, "--platform", "offscreen", "--loud"}, {.Environment = {"QT_QPA_PLATFORM=xcb"}});

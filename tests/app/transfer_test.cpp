@@ -450,6 +450,11 @@ TEST_F(MeanwhileInATransfer, TheTableThatArrivesReplacesWhatWasEnteredInItsWindo
   Download();
   EXPECT_EQ(interruptions, 1);
   EXPECT_EQ(app->Registry.Document(1)->Table().Count, 60);
+  app->Registry.Document(1)->Undo();
+  EXPECT_EQ(Status(), "Undone: download.");
+  EXPECT_EQ(NamesOf(app->Registry.Document(1)->Table()), QStringList({"[New Standard]"}));
+  app->Registry.Document(1)->Redo();
+  EXPECT_EQ(app->Registry.Document(1)->Table().Count, 60);
   app->Registry.DocumentStates[0].Changed = false;
 }
 

@@ -1,6 +1,7 @@
 // Programs that are asked to end, or killed, in the middle of a conversation at 9600 baud.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <future>
 #include <string>
@@ -72,6 +73,17 @@ TEST(Interrupted, UploadThatHasBegunIsFinished) {
   const ProgramRun run = interruption.Run({"upload", "table.sig"}, "is to receive a table", {SIGTERM});
   EXPECT_EQ(run.ExitStatus, 143);
   EXPECT_EQ(run.Errors, "chanplan: the upload was finished first\nchanplan: interrupted\n");
+  EXPECT_EQ(ReadFile(interruption.Folder / "held.sig"), SigText(NumberedRows(20)));
+  interruption.ExpectServesTheNextProgram();
+}
+
+TEST(Interrupted, UploadGoesOnWithoutAReaderOfItsTrace) {
+  Interruption interruption;
+  const auto path = [](const fs::path& file) { return "'" + file.string() + "'"; };
+  const ProgramRun run = RunProgram({"/bin/sh", "-c",
+                                     path(CHANPLAN_PROGRAM) + " upload --trace " + path(interruption.Unit->Link()) +
+                                         " " + path(interruption.Command.Folder / "table.sig") + " 2>&1 | head -n 3"});
+  EXPECT_EQ(std::ranges::count(run.Output, '\n'), 3);
   EXPECT_EQ(ReadFile(interruption.Folder / "held.sig"), SigText(NumberedRows(20)));
   interruption.ExpectServesTheNextProgram();
 }

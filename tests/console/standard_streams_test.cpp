@@ -59,6 +59,26 @@ TEST(Dash, IsNamedAsStandardInputWhenItCannotBeRead) {
   EXPECT_TRUE(run.Errors.starts_with("chanplan: Error loading (standard input): the file is empty")) << run.Errors;
 }
 
+TEST(Dash, IsToldApartFromAnEmptyFileWhereItCannotBeReadAtAll) {
+  const Chanplan chanplan;
+  const ProgramRun run = chanplan.Run({"check", "-"}, {.InputFrom = chanplan.Folder.Path()});
+  EXPECT_EQ(run.ExitStatus, 2);
+  EXPECT_EQ(run.Errors, "chanplan: Error loading (standard input): Is a directory\n");
+}
+
+TEST(LimitOfFileSizes, FailsASaveInsteadOfEndingTheProgram) {
+  const Chanplan chanplan;
+  WriteFile(chanplan.Folder / "table.sig", SigText(NumberedRows(200)));
+  WriteFile(chanplan.Folder / "out.sig", "former");
+  const ProgramRun run =
+      RunProgram({"/bin/sh", "-c", "ulimit -f 2; exec '" CHANPLAN_PROGRAM "' save-as table.sig out.sig"},
+                 {.WorkingFolder = chanplan.Folder.Path()});
+  EXPECT_EQ(run.ExitStatus, 2);
+  EXPECT_NE(run.Errors.find("Error Saving File out.sig: File too large"), std::string::npos) << run.Errors;
+  EXPECT_EQ(ReadFile(chanplan.Folder / "out.sig"), "former");
+  EXPECT_EQ(NamesIn(chanplan.Folder.Path()), (std::set<std::string>{"out.sig", "table.sig"}));
+}
+
 // Replaced, the file of a redirection would lose what stands in it, and whoever reads it its end.
 TEST(StandardOutput, IsWrittenToByItsOtherNames) {
   for (const char* name : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"})

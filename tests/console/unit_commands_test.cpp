@@ -324,6 +324,17 @@ TEST(Download, SaysWhenItsFileCannotBeWrittenBeforeItAsksTheUnit) {
   EXPECT_EQ(NamesIn(chanplan.Folder.Path()), std::set<std::string>{});
 }
 
+TEST(Download, NeverWritesIntoTheUnitsPort) {
+  const Chanplan chanplan;
+  const RunningSimulator unit({"--trace"});
+  for (const std::string& out : {unit.Link(), unit.Device()}) {
+    const ProgramRun run = chanplan.Run({"download", unit.Link(), out});
+    EXPECT_EQ(run.ExitStatus, 2);
+    EXPECT_EQ(run.Errors, "chanplan: " + out + " is the unit's own port, which would take its table for commands\n");
+  }
+  EXPECT_EQ(unit.Output().find("received"), std::string::npos) << unit.Output();
+}
+
 TEST(Download, FindsAFileThatIsProtectedBeforeItAsksTheUnit) {
   if (const auto reason = WhyNotUnprivileged()) GTEST_SKIP() << *reason;
   const Chanplan chanplan;

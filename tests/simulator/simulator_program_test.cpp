@@ -32,6 +32,11 @@ TEST(SimulatorProgram, RemovesItsLinkWhenItIsEnded) {
   EXPECT_FALSE(fs::is_symlink(simulator.Link()));
 }
 
+TEST(SimulatorProgram, EndsWhereItsAnswerOrItsTerminalsNameReachesNobody) {
+  for (const Arguments& arguments : {Arguments{SIMULATOR_PROGRAM, "--help"}, Arguments{SIMULATOR_PROGRAM}})
+    EXPECT_EQ(RunProgram(arguments, {.OutputTo = "/dev/full", .Longest = 10s}).ExitStatus, 2);
+}
+
 struct WrongOptions {
   Arguments Options;
   const char* Error;
