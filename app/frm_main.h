@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+#include "app/access_keys.h"
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
@@ -144,6 +145,7 @@ class frmMain : public CommandFrame {
 
   AppState& app;
   FileDrops drops;
+  AccessKeys accessKeys;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;
