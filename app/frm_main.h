@@ -75,6 +75,7 @@ class frmMain : public CommandFrame {
   void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
   // Set-up (frm_main.cpp, frm_main_menus.cpp)
