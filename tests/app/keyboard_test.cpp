@@ -1,6 +1,9 @@
 // The keyboard between windows: keys that answer dialogs, and where the focus goes.
 #include <QCheckBox>
+#include <QListWidget>
+#include <QTableWidget>
 
+#include "app/compare_window.h"
 #include "app/frm_upload_optns.h"
 #include "editor/messages.h"
 #include "tests/app/app_fixture.h"
@@ -51,6 +54,10 @@ class Focus : public AppTest {
     Document(2).findChild<QWidget*>(box ? "GridDetails" : control)->setFocus();
     if (box) Key(Qt::Key_F2);
     ASSERT_EQ(Place(), control + " 2");
+  }
+  QImage Picture(QWidget& widget) {
+    QCoreApplication::processEvents();
+    return widget.grab().toImage();
   }
 };
 
@@ -251,4 +258,42 @@ TEST_F(Focus, ComesBackToTheCellThatItWasOnWhenADocumentWasMinimised) {
     EXPECT_EQ(Place(), name + QString(" 2"));
     EXPECT_EQ(grid.currentIndex(), cell) << name;
   }
+}
+
+TEST_F(Focus, ShowsInAPaneWithoutALineThatIsCurrent) {
+  Start();
+  auto& list = Get<QListWidget>("lstWarnings");
+  Frame().Warnings("", -1);
+  const QImage without = Picture(*list.viewport());
+  Key(Qt::Key_F6);
+  EXPECT_NE(Picture(*list.viewport()), without);
+  Frame().Warnings("a\r\nb", -1);
+  const QImage filled = Picture(*list.viewport());
+  Key(Qt::Key_F6);
+  EXPECT_NE(Picture(*list.viewport()), filled);
+}
+
+TEST_F(Focus, ShowsInAListOfNoDifferences) {
+  Start({Table("a.sig"), Table("b.sig")});
+  Compare(Frame(), Document(1), {app->Registry.Document(2)});
+  auto& list = *Frame().findChild<QTableWidget*>("lstDifferences");
+  ASSERT_TRUE(QTest::qWaitForWindowActive(list.window(), LongestWait));
+  list.setFocus();
+  const QImage with = Picture(*list.viewport());
+  list.clearFocus();
+  EXPECT_NE(Picture(*list.viewport()), with);
+}
+
+TEST_F(Focus, ShowsOnTheMenuBar) {
+  Start();
+  QMenuBar& bar = *Frame().menuBar();
+  const QImage without = Picture(bar);
+  Key(Qt::Key_Alt);
+  ASSERT_TRUE(bar.hasFocus());
+  const QImage first = Picture(bar);
+  EXPECT_NE(first, without);
+  Key(Qt::Key_Right);
+  EXPECT_NE(Picture(bar), first);
+  Key(Qt::Key_Escape);
+  EXPECT_EQ(Picture(bar), without);
 }
