@@ -9,6 +9,7 @@
 
 #include "core/sig_file.h"
 #include "core/validation.h"
+#include "editor/item_colours.h"
 #include "editor/text_edge.h"
 
 namespace chanplan {
@@ -46,6 +47,18 @@ Texts TextsOf(const TableDifference& difference, const SignalStandardTable& left
           ValueText(right.Row(difference.Right), difference.What)};
 }
 
+// It is empty where the tables are alike.
+class DifferenceList : public QTableWidget {
+ public:
+  using QTableWidget::QTableWidget;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QTableWidget::paintEvent(event);
+    if (!currentIndex().isValid()) ShowFocusAround(*this);
+  }
+};
+
 }  // namespace
 
 QString ComparedTable::Name() const {
@@ -79,7 +92,7 @@ CompareWindow::CompareWindow(CommandFrame& mainFrame, DocumentWindow& leftDocume
       left{&leftDocument},
       right(std::move(rightTable)),
       lblCompare(new QLabel(this)),
-      lstDifferences(new QTableWidget(0, ColumnCount, this)),
+      lstDifferences(new DifferenceList(0, ColumnCount, this)),
       lblCompareCount(new QLabel(this)) {
   setObjectName("frmCompare");
   setAttribute(Qt::WA_DeleteOnClose);

@@ -7,6 +7,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 
 #include "app/file_io.h"
 #include "app/icons.h"
@@ -33,12 +34,35 @@ void MaximiseWhereLittleIsInSight(QMdiSubWindow& document) {
   if (seen.width() < least.width() || seen.height() < least.height()) document.showMaximized();
 }
 
+// The library's area takes its keys from every window that a document owns: Ctrl+Tab would go on to another
+// document behind a message box, which then speaks of one that is not shown.
+class DocumentArea : public QMdiArea {
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* widget = qobject_cast<const QWidget*>(watched);
+    if (widget != nullptr && widget->window() != window()) return false;
+    if (widget != nullptr && event->type() == QEvent::ShortcutOverride && EndsTheChoice(*event)) {
+      QKeyEvent letGo(QEvent::KeyRelease, Qt::Key_Control, Qt::ControlModifier);
+      QMdiArea::eventFilter(watched, &letGo);
+    }
+    return QMdiArea::eventFilter(watched, event);
+  }
+
+ private:
+  // While Ctrl is held after Ctrl+Tab the document is only framed. Another key is about that one, as letting go
+  // of Ctrl would be; in a box that the key brings up, nobody would see Ctrl go.
+  static bool EndsTheChoice(const QEvent& event) {
+    const int key = static_cast<const QKeyEvent&>(event).key();
+    return key != Qt::Key_Control && key != Qt::Key_Shift && key != Qt::Key_Tab && key != Qt::Key_Backtab;
+  }
+};
+
 }  // namespace
 
 frmMain::frmMain(AppState& application)
     : app(application),
       drops(*this, app.Recent),
-      documents(new QMdiArea),
+      documents(new DocumentArea),
       ToolBar(new QToolBar("Toolbar")),
       sbStatusBar(statusBar()),
       sbStatusBarPanel1(new QLabel),
@@ -272,6 +296,18 @@ void frmMain::resizeEvent(QResizeEvent* event) {
   if (!event->oldSize().isValid() || event->size().height() < event->oldSize().height())
     SetPaneHeight(WarningHolder->height());
   LayOutPane();
+}
+
+// Of the documents the active one alone: by itself Tab would go to the one that was opened first, and activate it.
+bool frmMain::focusNextPrevChild(bool next) {
+  QList<QWidget*> stops = {ActiveDocument(), lblSplitter, lstWarnings, bttnCompare};
+  stops.removeIf([](const QWidget* stop) { return stop == nullptr || !stop->isVisible(); });
+  if (stops.isEmpty()) return false;
+  const auto here =
+      std::ranges::find_if(stops, [this](const QWidget* stop) { return stop->isAncestorOf(focusWidget()); });
+  const qsizetype steps = next ? 1 : stops.size() - 1;
+  stops[(here - stops.begin() + steps) % stops.size()]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  return true;
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

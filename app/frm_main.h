@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+#include "app/access_keys.h"
 #include "app/app_state.h"
 #include "app/arrange_windows.h"
 #include "app/command_frame.h"
@@ -74,6 +75,7 @@ class frmMain : public CommandFrame {
   void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
   // Set-up (frm_main.cpp, frm_main_menus.cpp)
@@ -144,6 +146,7 @@ class frmMain : public CommandFrame {
 
   AppState& app;
   FileDrops drops;
+  AccessKeys accessKeys;
   QMdiArea* documents;
   QToolBar* ToolBar;
   QStatusBar* sbStatusBar;

@@ -1,6 +1,8 @@
 // The main frame: its menus and toolbar buttons, as tables, and what happens when a menu drops down.
 #include <QActionGroup>
 #include <QMenuBar>
+#include <QProxyStyle>
+#include <QStyleOptionMenuItem>
 #include <QTextDocument>
 #include <array>
 
@@ -37,9 +39,26 @@ constexpr Button Buttons[] = {
     {"Query", "Down load Signal Standards from unit.", "mnuToolsQuery"},
 };
 
+// The library's own style marks no menu that the keyboard is at before it is open.
+class MenuBarStyle : public QProxyStyle {
+ public:
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element != CE_MenuBarItem || item == nullptr || widget == nullptr || !widget->hasFocus())
+      return QProxyStyle::drawControl(element, option, painter, widget);
+    QStyleOptionMenuItem shown = *item;
+    if (shown.state.testFlag(State_Selected)) shown.state |= State_Sunken;
+    QProxyStyle::drawControl(element, &shown, painter, widget);
+  }
+};
+
 }  // namespace
 
 void frmMain::BuildMenus() {
+  auto* style = new MenuBarStyle;
+  style->setParent(menuBar());
+  menuBar()->setStyle(style);
   enum Kind { Menu, SubMenu, EndOfSubMenu, Item, DocumentItem, Checked, Unchecked, Hidden, Separator, HiddenSeparator };
   struct Entry {
     Kind EntryKind;

@@ -130,6 +130,11 @@ void WarningsPane::ShowPosition() {
     emit CountChanged(NumberText(index + 1) + " of" + NumberText(count()) + " warnings.");
 }
 
+void WarningsPane::paintEvent(QPaintEvent* event) {
+  QListWidget::paintEvent(event);
+  if (!currentIndex().isValid()) ShowFocusAround(*this);
+}
+
 void WarningsPane::initViewItemOption(QStyleOptionViewItem* option) const {
   QListWidget::initViewItemOption(option);
   MuteSelection(*option, *this);

@@ -30,6 +30,7 @@ class WarningsPane : public QListWidget {
   void MenuOpens(QMenu& menu);
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void initViewItemOption(QStyleOptionViewItem* option) const override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;

@@ -269,7 +269,6 @@ QString ChartPanel::ToolTipAt(const QPoint& place) const {
 void ChartPanel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(viewport());
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.save();
   painter.scale(Scale(), Scale());
   painter.fillRect(QRectF(0, 0, Width() + 1, Height() + 1), palette().base());
   DrawItems(painter, chart.Head, *this);
@@ -278,11 +277,8 @@ void ChartPanel::paintEvent(QPaintEvent* /*event*/) {
     DrawLanes(painter);
   }
   DrawSharing(painter);
-  painter.restore();
-  if (!hasFocus()) return;
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-  painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+  painter.end();
+  ShowFocusAround(*this);
 }
 
 // The current one stands out by its ground, the bar at its edge and its letters.

@@ -159,6 +159,7 @@ bool frmDocument::event(QEvent* event) {
 void frmDocument::changeEvent(QEvent* event) {
   DocumentWindow::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) ColourTitles();
+  if (event->type() == QEvent::WindowStateChange && hasFocus() && !isMinimized()) ActiveGrid->setFocus();
 }
 
 // The library's own sign, that of modified windows, wants a place for it in the caption, which is a
@@ -182,6 +183,7 @@ void frmDocument::ConnectGrids() {
     connect(grid, &Grid::FocusGained, this, [this, grid] {
       // In a window that was not the active one, an editor is left without losing the focus.
       if (editor.IsOpen()) CommitEdit();
+      if (isMinimized()) return;  // the library passes the focus on from each grid that it hides
       ActiveGrid = grid;
       KeepInSight(*grid, grid->currentIndex());
     });
@@ -222,10 +224,10 @@ void frmDocument::ConnectGrids() {
   });
 }
 
-// The window itself has nothing to do for keys.
+// The window itself has nothing to do for keys, unless it is all that is seen of the document.
 void frmDocument::focusInEvent(QFocusEvent* event) {
   DocumentWindow::focusInEvent(event);
-  ActiveGrid->setFocus();
+  if (!isMinimized()) ActiveGrid->setFocus();
 }
 
 // As where the room for documents is scrolled.

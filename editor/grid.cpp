@@ -155,13 +155,9 @@ bool Grid::viewportEvent(QEvent* event) {
   return true;
 }
 
-// Where no cell can be current, the grid itself shows that it has the focus.
 void Grid::paintEvent(QPaintEvent* event) {
   QTableWidget::paintEvent(event);
-  if (!hasFocus() || rowCount() > 0) return;
-  QPainter painter(viewport());
-  painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-  painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+  if (!currentIndex().isValid()) ShowFocusAround(*this);
 }
 
 // Home and End go to the first and the last row where a row has one value or is one choice.

@@ -1,8 +1,9 @@
 // Colours of lists and grids that follow from those of the desktop.
 #pragma once
 
+#include <QAbstractScrollArea>
+#include <QPainter>
 #include <QStyleOptionViewItem>
-#include <QWidget>
 
 namespace chanplan {
 
@@ -19,6 +20,14 @@ inline void MuteSelection(QStyleOptionViewItem& item, const QWidget& view) {
   item.palette.setColor(QPalette::Highlight,
                         Mixed(item.palette.color(QPalette::Highlight), item.palette.color(QPalette::Base), strength));
   item.palette.setColor(QPalette::HighlightedText, item.palette.color(QPalette::Text));
+}
+
+/// For where no item is current: `view` itself shows that it has the focus.
+inline void ShowFocusAround(const QAbstractScrollArea& view) {
+  if (!view.hasFocus()) return;
+  QPainter painter(view.viewport());
+  painter.setPen(QPen(view.palette().color(QPalette::Highlight), 2));
+  painter.drawRect(view.viewport()->rect().adjusted(1, 1, -1, -1));
 }
 
 /// Grid lines take the window's colour, a little darker: on a dark desktop that is the cells' own.

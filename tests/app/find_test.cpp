@@ -53,6 +53,15 @@ TEST_F(Finding, IsInNoMenu) {
   EXPECT_EQ(Bar(), nullptr) << "not there before it is asked for";
 }
 
+TEST_F(Finding, KeyForAllTablesCountsForTheEnterBehindIt) {
+  StartWith({Table("other.sig")});
+  Find("dcs");
+  Key(Qt::Key_A, Qt::AltModifier);
+  Key(Qt::Key_Return);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Active().windowTitle(), InFolder("other.sig"));
+}
+
 TEST_F(Finding, EnterGoesFromPlaceToPlaceAndRound) {
   StartWith();
   Find("935.4");

@@ -95,6 +95,31 @@ TEST_F(KeyboardAlone, KeysThatOnlyWalkLeaveTheFileAsItWas) {
   EXPECT_EQ(ReadFile(folder / "walked.sig"), former);
 }
 
+// Were another document the active one, Save would ask for its name, and the keys behind would go astray.
+TEST_F(KeyboardAlone, DocumentThatABoxIsAboutStaysTheActiveOneAlsoMinimised) {
+  const QString path = QString::fromStdString((folder / "kept.sig").string());
+  ASSERT_FALSE(SaveSigFile(PathOf(path), TableOf({NamedRow("A")})));
+  const auto hasRows = [&](int rows) {
+    return QTest::qWaitFor([&] { return LoadSigFile(PathOf(path)).Table.Count == rows; }, LongestWait);
+  };
+  const auto answerBehindOtherKeys = [&](const QString& key) {
+    desktop.PressElsewhere({"ctrl+F4"});
+    ASSERT_TRUE(desktop.GoToWindow("^Chanplans$"));
+    desktop.PressElsewhere({"ctrl+Tab", "ctrl+F6", "ctrl+shift+Tab", key});
+    ASSERT_TRUE(desktop.GoToWindow("^Handheld Chanplan Editor"));
+  };
+  Start(path);
+  desktop.PressElsewhere({"ctrl+n", "ctrl+Tab", "ctrl+w"});
+  answerBehindOtherKeys("Escape");
+  desktop.PressElsewhere({"F6", "Tab", "ctrl+s"});
+  EXPECT_TRUE(hasRows(2));
+  desktop.PressElsewhere({"ctrl+w", "alt+minus", "n"});
+  answerBehindOtherKeys("Escape");
+  answerBehindOtherKeys("y");
+  EXPECT_TRUE(hasRows(3));
+  Leave();
+}
+
 TEST_F(KeyboardAlone, WarningIsCopiedFromTheMenuOfItsOwnKey) {
   const QString path = QString::fromStdString((folder / "doubtful.sig").string());
   ASSERT_FALSE(SaveSigFile(PathOf(path), TableOf({{"1", 1, "DCS", 9850, 1805.2, 512, 885, 0.2, 0.2, 1}})));
