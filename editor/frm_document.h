@@ -1,6 +1,7 @@
 // The document window: one table, shown and edited in three linked grids.
 #pragma once
 
+#include <QScrollArea>
 #include <QSpinBox>
 #include <memory>
 
@@ -90,8 +91,10 @@ class frmDocument : public DocumentWindow {
   void ConnectEditor();
   void ShowChart(bool shown);
   bool ChartIsShown() const { return chart != nullptr && !chart->isHidden(); }
+  QSize NaturalSize(int listWidth) const;
   QSize RoomBesideChart(const QSize& both, int listWidth);
   void LayOut();
+  void PlaceList();
 
   // The view
   void FillStandardList(int currentRow);
@@ -101,6 +104,7 @@ class frmDocument : public DocumentWindow {
   void ShowBands(int index, int count);
   void HighlightListRow();
   void KeepInSight(const Grid& grid, const QModelIndex& cell);
+  void ScrollGridsTo(const Grid& grid, const QModelIndex& cell);
   void KeepInSight(const QWidget& shownIn, QRect place);
   void Refill(int currentRow);
   void RefillAfterEdit(int currentRow, const QString& step);
@@ -198,6 +202,8 @@ class frmDocument : public DocumentWindow {
   QString warningsText;
 
   QWidget* area;
+  QScrollArea* gridsView;  ///< the part of the area that the chart leaves, onto `grids`
+  QWidget* grids;
   Grid* GridList;
   Grid* GridDetails;
   Grid* GridBands;

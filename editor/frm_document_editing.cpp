@@ -37,6 +37,8 @@ void frmDocument::ConnectEditor() {
 
 void frmDocument::BeginCellEdit(qint16 keyCode) {
   if (shownIndex < 0 || ActiveGrid == GridList || ActiveGrid->currentRow() < 0) return;
+  ActiveGrid->scrollToItem(ActiveGrid->currentItem());
+  KeepInSight(*ActiveGrid, ActiveGrid->currentIndex());  // the wheel may have moved it away
   const bool onDetails = ActiveGrid == GridDetails;
   const int row = ActiveGrid->currentRow();
   if (onDetails && (row == DisplayModeRow || row == ModulationRow)) return BeginListEdit(row);
