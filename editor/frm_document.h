@@ -122,9 +122,9 @@ class frmDocument : public DocumentWindow {
   void MoveByTab(const QWidget& from, bool forwards);
   enum class Commit { Nothing, Stored, Refused };
   Commit StoreGridsToTable();
-  bool StoreCell(const CellEdit& edit);
+  /// Nothing where it is stored, else what the status bar is to say of it, if a message has not.
+  std::optional<QString> StoreCell(const CellEdit& edit);
   bool StoreCount(int count);
-  void ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome);
   void ShowStateCode(int code);
   void ValidateTable();
   void ShowWarnings();
@@ -197,7 +197,6 @@ class frmDocument : public DocumentWindow {
   SharedTables& shared;
   SignalStandardTable table;
   TableHistory history;
-  QString lastDeed;               ///< what the status bar said of the last change that was taken back or made again
   std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 
