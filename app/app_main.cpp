@@ -57,6 +57,14 @@ bool AppMain::PrepareToEnd() {
 
 void AppMain::OfferLeftTables() {
   LeftTables left = Recovery.TakeLeftTables();
+  if (left.Waiting > 0) {
+    const QString tables = left.Waiting == 1 ? QString("1 table that was not saved waits")
+                                             : QString("%1 tables that were not saved wait").arg(left.Waiting);
+    ShowMessage(*Frame,
+                tables + " to be restored and cannot be taken now: " + left.Reason +
+                    ".\nThe next start offers this again, once there are room and permission.",
+                ApplicationName, QMessageBox::Warning);
+  }
   if (left.Tables.empty()) return;
   const std::size_t count = left.Tables.size();
   QString text = count == 1 ? QString("Restore 1 table that was not saved?")

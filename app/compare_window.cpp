@@ -200,7 +200,7 @@ void CompareWindow::GoTo(int row, int column) {
   const bool toRight = rightOpen && (column == RightColumn || difference.Left < 0);
   if (!toRight && difference.Left < 0) {
     if (difference.Right >= 0)
-      frame.ShowStatus(PlaceText(difference, left.Rows(), right.Rows()) + " is only in " +
+      frame.ShowRemark(PlaceText(difference, left.Rows(), right.Rows()) + " is only in " +
                        (right.File.isEmpty() ? right.Title : "the file") + ".");
     return;
   }

@@ -72,7 +72,7 @@ void FileDrops::Drop(QDropEvent& event) {
       [this, tables, others] {
         frame.activateWindow();
         OpenTableFiles(frame, recent, tables);
-        if (!others.isEmpty()) frame.ShowStatus(RefusalText(others));
+        if (!others.isEmpty()) frame.ShowRemark(RefusalText(others));
       },
       Qt::QueuedConnection);
 }

@@ -123,15 +123,21 @@ QString PromptSaveFileName(CommandFrame& frame, const RecentFileList& recent, co
 
 bool CanOpenFile(const QString& path) { return !IsNoFile(path) && QFile(path).open(QIODevice::ReadOnly); }
 
-void OpenTableFile(CommandFrame& frame, const QString& path) {
-  if (!CanOpenFile(path)) return ShowMessage(frame, "Can't open file: " + path);
+namespace {
+
+// What is to be remarked on the file.
+QStringList Open(CommandFrame& frame, const QString& path) {
+  if (!CanOpenFile(path)) {
+    ShowMessage(frame, "Can't open file: " + path);
+    return {};
+  }
   const BusyPointer busy(frame);
   DocumentWindow& document = frame.CreateDocument(false);
   const bool read = document.LoadSigStandards(path);
   document.State().Changed = false;
   if (!read) {
     document.close();
-    return;
+    return {};
   }
   const bool openAlready = IsOpenElsewhere(frame, document);
   frame.ShowDocument(document);
@@ -141,14 +147,25 @@ void OpenTableFile(CommandFrame& frame, const QString& path) {
     remarks += QString(count == 1 ? "%1 remark on the file: %2." : "%1 remarks on the file; the first: %2.")
                    .arg(count)
                    .arg(QString::fromStdString(document.ReadNotes.front()));
-  if (!remarks.isEmpty()) frame.ShowStatus(remarks.join(' '));
+  return remarks;
 }
 
+void ShowRemarks(CommandFrame& frame, const QStringList& remarks) {
+  if (!remarks.isEmpty()) frame.ShowRemark(remarks.join(' '));
+}
+
+}  // namespace
+
+void OpenTableFile(CommandFrame& frame, const QString& path) { ShowRemarks(frame, Open(frame, path)); }
+
 void OpenTableFiles(CommandFrame& frame, RecentFileList& recent, const QStringList& paths) {
+  QStringList all;
   for (const QString& path : paths) {
-    OpenTableFile(frame, path);
+    for (const QString& remark : Open(frame, path))
+      all += paths.size() > 1 ? QFileInfo(path).fileName() + ": " + remark : remark;
     recent.UpdateRecentFiles(path);
   }
+  ShowRemarks(frame, all);
 }
 
 }  // namespace chanplan

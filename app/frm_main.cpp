@@ -4,7 +4,9 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMenuBar>
+#include <QPainter>
 #include <QShortcut>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
@@ -22,6 +24,19 @@ namespace {
 constexpr int ResizeInterval = 200;    // ms
 constexpr int SplitterHeight = 3;      // pixels
 constexpr int FirstPaneHeight = 1500;  // twips
+
+// A text that is longer than its place ends in an ellipsis there.
+class StatusPanel : public QLabel {
+ public:
+  QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+    style()->drawItemText(&painter, rect(), alignment(), palette(), isEnabled(), shown, foregroundRole());
+  }
+};
 
 // A document that is larger than the area is placed with its list, or its title bar, out of sight.
 void KeepCornerInSight(QMdiSubWindow& document) { document.move(qMax(document.x(), 0), qMax(document.y(), 0)); }
@@ -65,7 +80,7 @@ frmMain::frmMain(AppState& application)
       documents(new DocumentArea),
       ToolBar(new QToolBar("Toolbar")),
       sbStatusBar(statusBar()),
-      sbStatusBarPanel1(new QLabel),
+      sbStatusBarPanel1(new StatusPanel),
       sbStatusBarPanel2(new QLabel),
       bttnCompare(new QToolButton),
       WarningHolder(new QWidget),
@@ -186,12 +201,19 @@ void frmMain::Warnings(const QString& WarningText, qint16 SelIndex) { lstWarning
 
 // A line: what is quoted may have more, which would push everything else out of the frame.
 void frmMain::ShowStatus(const QString& text) {
+  remarkIsShown = false;
   sbStatusBarPanel1->setText(QString(text).replace('\n', ' ').remove('\r'));
   sbStatusBarPanel1->setToolTip(sbStatusBarPanel1->text());  // the bar may have no room for all of it
 }
 
-void frmMain::WithdrawStatus(const QString& text) {
-  if (sbStatusBarPanel1->text() == text) ShowStatus("");
+void frmMain::ShowRemark(const QString& text) {
+  ShowStatus(text);
+  remarkIsShown = true;
+  remarkedDocument = ActiveDocument();
+}
+
+void frmMain::WithdrawRemark() {
+  if (remarkIsShown) ShowStatus("");
 }
 
 QString frmMain::PromptSaveFileName(const QString& proposedName, const QString& fileType) {
@@ -223,6 +245,7 @@ void frmMain::AddDocument(std::unique_ptr<DocumentWindow> document) {
   AddCompareMenu(*this, app.Recent, *document);
   connect(document.get(), &QObject::destroyed, this, &frmMain::DocumentsChanged);
   connect(document.get(), &DocumentWindow::TableChanged, this, &frmMain::OfferComparison);
+  connect(document.get(), &DocumentWindow::TableChanged, this, &frmMain::WithdrawRemark);
   connect(document.get(), &DocumentWindow::ChangedSignChanged, this, &frmMain::ShowTitle);
   connect(document.get(), &QWidget::windowTitleChanged, this, &frmMain::OfferComparison);
   document->setWindowIcon(DrawnIcon("New"));
@@ -273,6 +296,7 @@ void frmMain::DocumentsChanged() {
   EnableDocumentItems();
   OfferComparison();
   DocumentWindow* active = ActiveDocument();
+  if (active != remarkedDocument) WithdrawRemark();
   const QString text = active != nullptr ? active->WarningsText() : QString();
   if (active == warningsShownOf && text == lstWarnings->Text()) return;
   warningsShownOf = active;

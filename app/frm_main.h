@@ -39,7 +39,7 @@ class frmMain : public CommandFrame {
   void mnuEditPaste_Click() override;
   void Warnings(const QString& WarningText, qint16 SelIndex) override;
   void ShowStatus(const QString& text) override;
-  void WithdrawStatus(const QString& text) override;
+  void ShowRemark(const QString& text) override;
   bool ShowsCharts() override { return app.Settings.Number(ShowChartSetting, 0) != 0; }
   void RememberCharts(bool shown) override { app.Settings.SetNumber(ShowChartSetting, shown ? 1 : 0); }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override;
@@ -99,6 +99,7 @@ class frmMain : public CommandFrame {
   void ShowTitle();
   void AddDocument(std::unique_ptr<DocumentWindow> document);
   void DocumentsChanged();
+  void WithdrawRemark();
   /// Offers to compare a table that came from a unit and is in no file yet.
   void OfferComparison();
 
@@ -162,8 +163,10 @@ class frmMain : public CommandFrame {
   QList<QAction*> windowList;      // the Window menu's list of documents
   QAction* portProblem = nullptr;  // says why the COM Port menu is empty, while it is
   QPointer<HelpViewer> help;
-  QPointer<QObject> warningsShownOf;        // a document
-  std::optional<TransferCommand> transfer;  // the one that runs
+  QPointer<QObject> warningsShownOf;          // a document
+  bool remarkIsShown = false;                 // in the status bar ...
+  const QObject* remarkedDocument = nullptr;  // ... while this is the active one; it may be gone
+  std::optional<TransferCommand> transfer;    // the one that runs
 };
 
 }  // namespace chanplan

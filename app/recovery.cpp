@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSysInfo>
 #include <QThreadPool>
 #include <QUuid>
 #include <set>
@@ -22,6 +23,15 @@ std::unique_ptr<QLockFile> LockOf(const fs::path& folder, const std::string& ses
   auto lock = std::make_unique<QLockFile>(PathText(folder / (session + ".lock")));
   lock->setStaleLockTime(0);  // a program may run for weeks; it is over when its process is
   return lock;
+}
+
+// By a program that runs. A lock that a dead one left cannot be taken over either where no file can be made.
+bool IsHeld(const QLockFile& lock) {
+  qint64 process = 0;
+  QString machine, program;
+  return lock.error() == QLockFile::LockFailedError &&
+         (!lock.getLockInfo(&process, &machine, &program) || machine != QSysInfo::machineHostName() ||
+          ProcessLives(process));
 }
 
 // Copies are called by their program and their slot: SESSION-SLOT.copy
@@ -121,14 +131,21 @@ QString RecoveryCopies::Claim() {
   return {};
 }
 
-LeftTables RecoveryCopies::TakeLeftTables() const {
+LeftTables RecoveryCopies::TakeLeftTables() {
   std::map<std::string, std::set<fs::path>> sessions;
   for (const fs::path& file : ContentOf(folder))
     if (file.extension() == CopyEnding && SessionOf(file) != session) sessions[SessionOf(file)].insert(file);
   LeftTables left;
   for (const auto& [name, files] : sessions) {
     std::unique_ptr<QLockFile> lock = LockOf(folder, name);
-    if (!lock->tryLock(0)) continue;  // it runs still, or another program takes them
+    if (!lock->tryLock(0)) {
+      if (IsHeld(*lock)) continue;
+      if (const QString reason = Claim(); !reason.isEmpty()) {
+        left.Waiting += static_cast<int>(files.size());
+        left.Reason = reason;
+      }
+      continue;  // where this program gets a lock of its own, another one is just taking them
+    }
     left.Locks.push_back(std::move(lock));
     for (const fs::path& file : files) {
       QFile copy(PathText(file));

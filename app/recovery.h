@@ -18,6 +18,8 @@ namespace chanplan {
 /// What programs that ended without asking have left behind. Nobody else finds it as long as this lives.
 struct LeftTables {
   std::vector<UnsavedTable> Tables;
+  int Waiting = 0;  ///< tables of such programs that cannot be taken now ...
+  QString Reason;   ///< ... and why
 
   /// Makes an end of the copies.
   void Remove();
@@ -40,7 +42,7 @@ class RecoveryCopies : public QObject {
   /// Brings the copies into line with the documents; false when one could not be written.
   bool Update();
   /// Takes what is left of programs that run no more.
-  LeftTables TakeLeftTables() const;
+  LeftTables TakeLeftTables();
 
  signals:
   /// Copies cannot be written. Told once, until one can be.

@@ -43,12 +43,6 @@ QString CompletedText(int records) {
   return QString("Process complete.  Transfered %1 signal standards (including sub-bands).").arg(records);
 }
 
-// Asks about a loss: Enter uploads nothing.
-bool Confirm(CommandFrame& frame, const QString& text) {
-  return Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, {},
-             QMessageBox::Cancel) == QMessageBox::Ok;
-}
-
 }  // namespace
 
 TransferCommand::TransferCommand(CommandFrame& mainFrame, UnitLink& unitLink, TransferFlags& transferFlags,
@@ -139,9 +133,7 @@ bool TransferCommand::Append() {
     return false;
   }
   if (flags.UploadKeepCopy && !Keep()) return false;
-  const bool merged = MergeTables(*moved, *added);
-  if (!merged) frame.ShowStatus(WithKept(CanceledText, " "));
-  return merged;
+  return MergeTables(*moved, *added);
 }
 
 // Where the unit's table comes into no document.
@@ -176,16 +168,21 @@ bool TransferCommand::Keep() {
   } else if (file.Failure.isEmpty()) {
     kept = "The unit's table from before is in " + file.Path + ".";
   } else {
-    kept = "The unit's table from before was not kept.";
     const QString text = "The unit's table cannot be kept in " + file.Path + ".\n" + Sentence(file.Failure) +
                          "\n\nUpload the table all the same?";
-    if (!Confirm(frame, text)) {
-      frame.ShowStatus(CanceledText);
-      return false;
-    }
+    if (!Confirm(text)) return false;
+    kept = "The unit's table from before was not kept.";
   }
   frame.ShowStatus(kept);
   return true;
+}
+
+// Asks about a loss: Enter uploads nothing. False, with the outcome in the status bar, when nothing is to be uploaded.
+bool TransferCommand::Confirm(const QString& text) {
+  const auto answer = Ask(frame, QMessageBox::Warning, frame.ApplicationTitle(), text,
+                          QMessageBox::Ok | QMessageBox::Cancel, {}, QMessageBox::Cancel);
+  if (answer != QMessageBox::Ok) frame.ShowStatus(WithKept(CanceledText, " "));
+  return answer == QMessageBox::Ok;
 }
 
 bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
@@ -201,7 +198,7 @@ bool TransferCommand::ConfirmLeftOut(const MergeOutcome& merged) {
   if (text.isEmpty()) return true;
   text += merged.Dropped > 0 ? QString("Upload the first %1 all the same?").arg(MaxRecords)
                              : QString("Upload the others all the same?");
-  return Confirm(frame, text);
+  return Confirm(text);
 }
 
 // What would be left out is asked about before the merge says what it did.
@@ -232,7 +229,7 @@ bool TransferCommand::ConfirmLosses(const SignalStandardTable& table) {
   if (losses.empty()) return true;
   const QString text = "The unit cannot hold these values as they stand in the table:\n\n" + ListText(losses) +
                        "\n\nUpload the table all the same?";
-  return Confirm(frame, text);
+  return Confirm(text);
 }
 
 bool TransferCommand::Proc_Query(DocumentWindow& document, bool Download) {

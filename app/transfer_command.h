@@ -63,6 +63,7 @@ class TransferCommand : public QObject {
   void ShowDifferences(const SignalStandardTable& sent);
   TransferOutcome Fetch();
   std::optional<std::string> Encode(DocumentWindow& document);
+  bool Confirm(const QString& text);
   bool ConfirmLeftOut(const MergeOutcome& merged);
   bool ConfirmLosses(const SignalStandardTable& table);
   TransferProgress& Begin();

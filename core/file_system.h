@@ -74,6 +74,9 @@ std::filesystem::path UnlimitedPath(const std::filesystem::path& file);
 /// Whether `file` is there, and no folder.
 bool IsFile(const std::filesystem::path& file);
 
+/// Whether this system has a process of this number, whosever it is.
+bool ProcessLives(std::int64_t process);
+
 /// Whether both names lead to one file that exists.
 bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 

@@ -72,7 +72,7 @@ void SweepFolder(const fs::path& folder) {
     const char* const end = name.data() + name.size();
     const auto [rest, error] = std::from_chars(name.data() + FreshFilePrefix.size(), end, process);
     if (error != std::errc() || process <= 0 || !IsAttempt({rest, end}) || !fs::is_regular_file(file, none)) continue;
-    if (kill(process, 0) == 0 || errno != ESRCH) continue;
+    if (ProcessLives(process)) continue;
     const FileDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (opened.IsOpen() && MarkInUse(opened)) unlink(file.c_str());
   }
@@ -222,6 +222,8 @@ bool IsFile(const fs::path& file) {
   std::error_code ignored;
   return fs::exists(file, ignored) && !fs::is_directory(file, ignored);
 }
+
+bool ProcessLives(std::int64_t process) { return kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH; }
 
 bool AreSameFile(const fs::path& one, const fs::path& other) {
   const auto first = ReadFileStamp(one), second = ReadFileStamp(other);

@@ -71,14 +71,6 @@ std::error_code WriteDevice(const fs::path& device, std::string_view bytes) {
   return {};
 }
 
-bool Lives(DWORD process) {
-  const HANDLE opened = OpenProcess(SYNCHRONIZE, FALSE, process);
-  if (opened == nullptr) return GetLastError() != ERROR_INVALID_PARAMETER;  // somebody else's may not be opened
-  const bool lives = WaitForSingleObject(opened, 0) == WAIT_TIMEOUT;
-  CloseHandle(opened);
-  return lives;
-}
-
 // The process in the name of a fresh file, 0 in others.
 DWORD MakerOf(const fs::path& fresh) {
   const std::wstring name = fresh.filename().native();
@@ -101,7 +93,7 @@ void SweepFolder(const fs::path& folder) {
   if (search == INVALID_HANDLE_VALUE) return;
   do {
     const DWORD maker = MakerOf(found.cFileName);
-    if (maker != 0 && !Lives(maker)) DeleteFileW((folder / found.cFileName).c_str());
+    if (maker != 0 && !ProcessLives(maker)) DeleteFileW((folder / found.cFileName).c_str());
   } while (FindNextFileW(search, &found));
   FindClose(search);
 }
@@ -229,6 +221,14 @@ std::optional<FileStamp> ReadFileStamp(const fs::path& file) {
 bool IsFile(const fs::path& file) {
   const DWORD attributes = GetFileAttributesW(UnlimitedPath(file).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool ProcessLives(std::int64_t process) {
+  const HANDLE opened = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(process));
+  if (opened == nullptr) return GetLastError() != ERROR_INVALID_PARAMETER;  // somebody else's may not be opened
+  const bool lives = WaitForSingleObject(opened, 0) == WAIT_TIMEOUT;
+  CloseHandle(opened);
+  return lives;
 }
 
 bool AreSameFile(const fs::path& one, const fs::path& other) {

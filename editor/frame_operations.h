@@ -18,8 +18,9 @@ class FrameOperations {
   virtual void Warnings(const QString& WarningText, qint16 SelIndex) = 0;
   /// The status bar's first panel.
   virtual void ShowStatus(const QString& text) = 0;
-  /// Clears it where it still shows `text`.
-  virtual void WithdrawStatus(const QString& text) = 0;
+  /// The same for what holds of the active document as it is: it goes when a table is changed or saved, and when
+  /// another document becomes the active one.
+  virtual void ShowRemark(const QString& text) = 0;
 
   /// Whether documents that open show their chart: the user's last choice, which is remembered.
   virtual bool ShowsCharts() = 0;

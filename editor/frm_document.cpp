@@ -64,16 +64,23 @@ frmDocument::frmDocument(FrameOperations& frameUsed, DocumentState& documentStat
       state(documentState),
       shared(sharedTables),
       area(new QWidget),
-      GridList(new Grid("GridList", 1, area)),
-      GridDetails(new Grid("GridDetails", 1, area)),
-      GridBands(new Grid("GridBands", 1, area)),
-      UpDown(new QSpinBox(area)),
-      editor(*area),
+      gridsView(new QScrollArea(area)),
+      grids(new QWidget),
+      GridList(new Grid("GridList", 1, grids)),
+      GridDetails(new Grid("GridDetails", 1, grids)),
+      GridBands(new Grid("GridBands", 1, grids)),
+      UpDown(new QSpinBox(grids)),
+      editor(*grids),
       ActiveGrid(GridList) {
   setObjectName("frmDocument");
   UseCaptionStyle(*this);
   setAttribute(Qt::WA_DeleteOnClose);
   setWidget(area);
+  gridsView->setWidget(grids);
+  gridsView->setFrameShape(QFrame::NoFrame);
+  gridsView->setFocusPolicy(Qt::NoFocus);
+  gridsView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  connect(gridsView->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmDocument::PlaceList);
   BuildUpDown();
   BuildGrids();
   ConnectGrids();
@@ -194,6 +201,7 @@ void frmDocument::ConnectGrids() {
     connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, &editor, &CellEditor::Place);
     connect(grid->horizontalScrollBar(), &QScrollBar::valueChanged, &editor, &CellEditor::Place);
   }
+  connect(editor.txtEntry, &EntryBox::Edited, this, [this] { ScrollGridsTo(*ActiveGrid, ActiveGrid->currentIndex()); });
   connect(GridList, &Grid::CurrentCellMoved, this, &frmDocument::ListRowChanged);
   connect(GridList, &Grid::DeleteReleased, this, [this] {
     CommitEdit();
@@ -273,17 +281,21 @@ void frmDocument::ShowChart(bool shown) {
   LayOut();
 }
 
-// What the grids get of the area, at least and best, follows from what they show.
+// What the grids need to show what they have, with some rows of sub-bands.
+QSize frmDocument::NaturalSize(int listWidth) const {
+  const int values =
+      GridDetails->columnWidth(0) + 2 * GridDetails->frameWidth() + TextWidth(*this, QString(MostValueLetters, 'H'));
+  const int bands = GridBands->horizontalHeader()->length() + 2 * GridBands->frameWidth();
+  const int rows = static_cast<int>(DetailRows.size()) * GridDetails->rowHeight(0);
+  return {listWidth + qMax(values, bands) + 3 * Margin,
+          rows + GridBands->horizontalHeader()->height() + 4 * GridDetails->rowHeight(0)};
+}
+
 QSize frmDocument::RoomBesideChart(const QSize& both, int listWidth) {
   if (!ChartIsShown()) return both;
   const int titles = GridDetails->columnWidth(0) + 2 * GridDetails->frameWidth();
-  const int values = titles + TextWidth(*this, QString(MostValueLetters, 'H'));
-  const int bands = GridBands->horizontalHeader()->length() + 2 * GridBands->frameWidth();
-  const int rows = static_cast<int>(DetailRows.size()) * GridDetails->rowHeight(0);
   const QSize least(listWidth + titles + TextWidth(*this, QString(LeastValueLetters, 'H')) + 3 * Margin, 0);
-  const QSize natural(listWidth + qMax(values, bands) + 3 * Margin,
-                      rows + GridBands->horizontalHeader()->height() + 4 * GridDetails->rowHeight(0));
-  return chart->TakePlace(both, least, natural);
+  return chart->TakePlace(both, least, NaturalSize(listWidth));
 }
 
 void frmDocument::LayOut() {
@@ -292,8 +304,15 @@ void frmDocument::LayOut() {
   const int listWidth = GridList->columnWidth(0) + GridList->columnWidth(1) + 8 + scrollBar;
   PlaceFindBar();
   const int barHeight = FindBarIsShown() ? findBar->height() : 0;
-  const QSize room = RoomBesideChart({area->width(), area->height() - barHeight}, listWidth);
-  GridList->setGeometry(Margin, Margin, listWidth, room.height() - 2 * Margin);
+  const QSize seen = RoomBesideChart({area->width(), area->height() - barHeight}, listWidth);
+  // The chart may leave less room than the grids need, which are scrolled then.
+  const int needed = ChartIsShown() ? NaturalSize(listWidth).height() : 0;
+  const bool roomScrolls = needed > seen.height();
+  const QSize room(seen.width() - (roomScrolls ? scrollBar : 0), qMax(seen.height(), needed));
+  gridsView->setVerticalScrollBarPolicy(roomScrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+  gridsView->setGeometry(QRect(QPoint(), seen));
+  GridList->resize(listWidth, seen.height() - 2 * Margin);
+  PlaceList();
 
   const int left = Margin + listWidth + Margin;
   const int width = room.width() - left - Margin;
@@ -305,20 +324,24 @@ void frmDocument::LayOut() {
   const int rows = GridDetails->rowCount() * GridDetails->rowHeight(0) + 2 * GridDetails->frameWidth();
   const bool scrolls = GridDetails->horizontalHeader()->length() > width - 2 * GridDetails->frameWidth();
   const int detailsHeight = rows + (scrolls ? scrollBar : 0);
-  GridDetails->setGeometry(left, Margin, width,
-                           ChartIsShown() ? qMin(detailsHeight, room.height() - 2 * Margin) : detailsHeight);
+  GridDetails->setGeometry(left, Margin, width, detailsHeight);
   GridDetails->horizontalScrollBar()->setValue(GridDetails->horizontalScrollBar()->maximum());  // values before titles
 
   const int top = Margin + GridDetails->height() + Margin;
   const int height = room.height() - top - Margin;
   const bool highEnough = height >= TwipsToPixelsY(LowestBandsHeight, *this);
   GridBands->setGeometry(left, top, width, highEnough ? height : GridBands->height());
+  grids->resize(room.width(), qMax(room.height(), GridBands->geometry().bottom() + 1 + Margin));
   // Where there is no room for both, the first row counts more than the bar that would cover it.
   const int oneRow = GridBands->horizontalHeader()->height() + GridDetails->rowHeight(0) + 2 * GridBands->frameWidth();
   GridBands->setHorizontalScrollBarPolicy(GridBands->height() < oneRow + scrollBar ? Qt::ScrollBarAlwaysOff
                                                                                    : Qt::ScrollBarAsNeeded);
   editor.Place();
+  ScrollGridsTo(*ActiveGrid, ActiveGrid->currentIndex());
 }
+
+// It has rows enough to scroll by itself, and stays beside what is scrolled.
+void frmDocument::PlaceList() { GridList->move(Margin, Margin + gridsView->verticalScrollBar()->value()); }
 
 int frmDocument::SelectedIndex() const {
   const int row = GridList->currentRow();
@@ -410,7 +433,16 @@ void frmDocument::HighlightListRow() {
 
 // Of a document that is larger than the area a part may be out of sight, which the area moves.
 void frmDocument::KeepInSight(const Grid& grid, const QModelIndex& cell) {
+  ScrollGridsTo(grid, cell);
   if (cell.isValid()) KeepInSight(*grid.viewport(), grid.visualRect(cell) & grid.viewport()->rect());
+}
+
+// Where the grids have less room than they need.
+void frmDocument::ScrollGridsTo(const Grid& grid, const QModelIndex& cell) {
+  if (!cell.isValid()) return;
+  const QRect place = grid.visualRect(cell) & grid.viewport()->rect();
+  const QPoint middle = grid.viewport()->mapTo(grids, place.center());
+  gridsView->ensureVisible(middle.x(), middle.y(), 0, place.height());
 }
 
 void frmDocument::KeepInSight(const QWidget& shownIn, QRect place) {

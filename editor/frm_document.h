@@ -1,6 +1,7 @@
 // The document window: one table, shown and edited in three linked grids.
 #pragma once
 
+#include <QScrollArea>
 #include <QSpinBox>
 #include <memory>
 
@@ -90,8 +91,10 @@ class frmDocument : public DocumentWindow {
   void ConnectEditor();
   void ShowChart(bool shown);
   bool ChartIsShown() const { return chart != nullptr && !chart->isHidden(); }
+  QSize NaturalSize(int listWidth) const;
   QSize RoomBesideChart(const QSize& both, int listWidth);
   void LayOut();
+  void PlaceList();
 
   // The view
   void FillStandardList(int currentRow);
@@ -101,6 +104,7 @@ class frmDocument : public DocumentWindow {
   void ShowBands(int index, int count);
   void HighlightListRow();
   void KeepInSight(const Grid& grid, const QModelIndex& cell);
+  void ScrollGridsTo(const Grid& grid, const QModelIndex& cell);
   void KeepInSight(const QWidget& shownIn, QRect place);
   void Refill(int currentRow);
   void RefillAfterEdit(int currentRow, const QString& step);
@@ -118,9 +122,9 @@ class frmDocument : public DocumentWindow {
   void MoveByTab(const QWidget& from, bool forwards);
   enum class Commit { Nothing, Stored, Refused };
   Commit StoreGridsToTable();
-  bool StoreCell(const CellEdit& edit);
+  /// Nothing where it is stored, else what the status bar is to say of it, if a message has not.
+  std::optional<QString> StoreCell(const CellEdit& edit);
   bool StoreCount(int count);
-  void ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome);
   void ShowStateCode(int code);
   void ValidateTable();
   void ShowWarnings();
@@ -193,11 +197,12 @@ class frmDocument : public DocumentWindow {
   SharedTables& shared;
   SignalStandardTable table;
   TableHistory history;
-  QString lastDeed;               ///< what the status bar said of the last change that was taken back or made again
   std::vector<Warning> warnings;  ///< of the last validation
   QString warningsText;
 
   QWidget* area;
+  QScrollArea* gridsView;  ///< the part of the area that the chart leaves, onto `grids`
+  QWidget* grids;
   Grid* GridList;
   Grid* GridDetails;
   Grid* GridBands;

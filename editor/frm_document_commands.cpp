@@ -95,7 +95,7 @@ void frmDocument::InsertBlank() {
   const int added = GridList->rowCount() - 1;
   GridList->scrollToItem(GridList->item(added, 1));
   KeepInSight(*GridList, GridList->model()->index(added, 1));
-  frame.ShowStatus(GridList->CellText(added, 1) + " is number " + QString::number(added + 1) + " of the list.");
+  frame.ShowRemark(GridList->CellText(added, 1) + " is number " + QString::number(added + 1) + " of the list.");
 }
 
 // The count is typed, but whoever drives the control otherwise gets what its value says.

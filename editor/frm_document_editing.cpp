@@ -19,6 +19,12 @@ QString StepName(const CellEdit& edit, const Grid* details) {
   return "edit of " + (name ? "Name" : edit.EditedGrid->CellLabel(edit.Row, edit.Column).section(" (", 0, 0));
 }
 
+QString RefusalText(const CellEdit& edit, const QString& text, CellOutcome outcome) {
+  return edit.EditedGrid->CellLabel(edit.Row, edit.Column) + ": \"" + text +
+         (outcome == CellOutcome::OutOfRange ? "\" is out of range" : "\" is not a number") +
+         "; the old value was kept.";
+}
+
 }  // namespace
 
 void frmDocument::ConnectEditor() {
@@ -31,12 +37,14 @@ void frmDocument::ConnectEditor() {
     constexpr int longest = 40;
     const QString line = text.simplified();
     const QString shown = line.size() > longest ? line.left(longest) + QChar(0x2026) : line;
-    frame.ShowStatus("\"" + shown + "\" cannot stand in this cell, which stays as it is.");
+    frame.ShowRemark("\"" + shown + "\" cannot stand in this cell, which stays as it is.");
   });
 }
 
 void frmDocument::BeginCellEdit(qint16 keyCode) {
   if (shownIndex < 0 || ActiveGrid == GridList || ActiveGrid->currentRow() < 0) return;
+  ActiveGrid->scrollToItem(ActiveGrid->currentItem());
+  KeepInSight(*ActiveGrid, ActiveGrid->currentIndex());  // the wheel may have moved it away
   const bool onDetails = ActiveGrid == GridDetails;
   const int row = ActiveGrid->currentRow();
   if (onDetails && (row == DisplayModeRow || row == ModulationRow)) return BeginListEdit(row);
@@ -89,34 +97,35 @@ frmDocument::Commit frmDocument::StoreGridsToTable() {
   const std::optional<CellEdit> edit = editor.Close();
   if (!edit || shownIndex < 0) return Commit::Nothing;
   const QString step = StepName(*edit, GridDetails);
-  const bool stored = StoreCell(*edit);
+  const std::optional<QString> refusal = StoreCell(*edit);
   // What was typed is shown as the table now has it.
   const bool shapesList = edit->IsCell(GridDetails, NameRow, 1) || edit->IsCell(GridDetails, SubbandsRow, 1);
   if (shapesList) FillStandardList(GridList->currentRow());
   ShowStandard();
   ValidateTable();
   RecordStep(step, shownIndex);
-  return stored ? Commit::Stored : Commit::Refused;
+  if (refusal && !refusal->isEmpty()) frame.ShowRemark(*refusal);
+  return refusal ? Commit::Refused : Commit::Stored;
 }
 
-bool frmDocument::StoreCell(const CellEdit& edit) {
+std::optional<QString> frmDocument::StoreCell(const CellEdit& edit) {
   const QString text = edit.EditedGrid->CellText(edit.Row, edit.Column);
   SignalStandardRecord& standard = table.Row(shownIndex);
   CellOutcome outcome = CellOutcome::Stored;
   if (edit.EditedGrid == GridBands)
     outcome = StoreBand(table, shownIndex, edit.Row + 1, BandOf(edit.Column).Shown, BytesOf(text));
   else if (edit.Row == SubbandsRow)
-    return StoreCount(static_cast<int>(LeadingNumber(BytesOf(text))));
+    return StoreCount(static_cast<int>(LeadingNumber(BytesOf(text)))) ? std::nullopt : std::optional(QString());
   else if (edit.Control == nullptr && (edit.Row == DisplayModeRow || edit.Row == ModulationRow))
-    return true;  // it was cut, and nothing else was chosen
+    return {};  // it was cut, and nothing else was chosen
   else if (edit.Row == DisplayModeRow)
     SetStateCode(standard, GetStateCode(static_cast<int>(Modulation(standard)), editor.cmboSelected->currentIndex()));
   else if (edit.Row == ModulationRow)
     SetStateCode(standard, GetStateCode(editor.cmboModType->currentIndex(), ActiveDisplayMode(standard) ? 1 : 0));
   else
     outcome = StoreDetail(table, shownIndex, DetailOf(edit.Row).Shown, BytesOf(text));
-  if (outcome != CellOutcome::Stored) ReportRefusal(edit, text, outcome);
-  return outcome == CellOutcome::Stored;
+  if (outcome == CellOutcome::Stored) return {};
+  return RefusalText(edit, text, outcome);
 }
 
 bool frmDocument::StoreCount(int count) {
@@ -125,12 +134,6 @@ bool frmDocument::StoreCount(int count) {
               "You have reached the maximum number of records in the Signal Standard table. Cannot add "
               "another sub-band.");
   return false;
-}
-
-void frmDocument::ReportRefusal(const CellEdit& edit, const QString& text, CellOutcome outcome) {
-  frame.ShowStatus(edit.EditedGrid->CellLabel(edit.Row, edit.Column) + ": \"" + text +
-                   (outcome == CellOutcome::OutOfRange ? "\" is out of range" : "\" is not a number") +
-                   "; the old value was kept.");
 }
 
 void frmDocument::ShowStateCode(int code) {

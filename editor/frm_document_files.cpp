@@ -166,7 +166,7 @@ void frmDocument::PrintSigs() {
     const BusyPointer busy(*this);
     PrintOnDefaultPrinter(windowTitle(),
                           [this](PrintSurface& surface) { PrintListing(surface, table, windowTitle().toStdString()); });
-    frame.ShowStatus("The listing was sent to " + DefaultPrinterName() + ".");
+    frame.ShowRemark("The listing was sent to " + DefaultPrinterName() + ".");
   } catch (const PrintFailure& failure) {
     ShowFailure(*this, "Print", Sentence("the listing was not printed: " + QString::fromUtf8(failure.what())));
   }
@@ -196,7 +196,6 @@ void frmDocument::closeEvent(QCloseEvent* event) {
   CommitEdit();
   if (state.Changed && !AskToSave()) return event->ignore();
   frame.Warnings("", -1);
-  frame.WithdrawStatus(lastDeed);
   state.Released = true;
   DocumentWindow::closeEvent(event);
 }

@@ -64,8 +64,7 @@ void frmDocument::ShowMoment(const TableMoment& moment, const QString& deed) {
   }
   GridList->scrollToItem(GridList->currentItem());
   KeepInSight(*ActiveGrid, ActiveGrid->currentIndex());
-  lastDeed = deed + '.';
-  frame.ShowStatus(lastDeed);
+  frame.ShowRemark(deed + '.');
 }
 
 }  // namespace chanplan

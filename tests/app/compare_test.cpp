@@ -61,7 +61,8 @@ class Comparing : public TransferTest {
   }
   Grid& GridOf(int document, const char* name) { return *app->Registry.Document(document)->findChild<Grid*>(name); }
   void Type(Grid& grid, int row, int column, const char* text) {
-    Frame().ShowDocument(*qobject_cast<DocumentWindow*>(grid.parentWidget()->parentWidget()));
+    for (const QPointer<DocumentWindow>& document : app->Registry.Documents)
+      if (document != nullptr && document->isAncestorOf(&grid)) Frame().ShowDocument(*document);
     Activate();
     grid.setFocus();
     grid.SetCurrent(row, column);

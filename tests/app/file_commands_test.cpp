@@ -134,6 +134,15 @@ TEST_F(Files, WhatWasNotReadWholeIsSaidInTheStatusBar) {
             "2 remarks on the file; the first: line 2: \"880,2\" was read as 880.");
 }
 
+TEST_F(Files, RemarksOnSeveralThatAreOpenedTogetherAreAllTold) {
+  WriteFile(folder / "a.sig", "header\r\n2\t0\tA\t880,2\t925.2\t1\t2\t0.2\t0.2\t1\r\n");
+  WriteFile(folder / "c.sig", "header\r\n2\t0\tA\t880.2\t925,2\t1\t2\t0.2\t0.2\t1\r\n");
+  Start({InFolder("a.sig"), Table("b.sig"), InFolder("c.sig"), Table("d.sig")});
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(),
+            "a.sig: 1 remark on the file: line 2: \"880,2\" was read as 880. "
+            "c.sig: 1 remark on the file: line 2: \"925,2\" was read as 925.");
+}
+
 TEST_F(Files, SaveOfOneWindowAsksInTheOther) {
   const QString path = Table("a.sig", {"A"});
   Start({path});

@@ -8,6 +8,7 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 
+#include "app/file_io.h"
 #include "app/help_viewer.h"
 #include "app/icons.h"
 #include "tests/app/app_fixture.h"
@@ -18,9 +19,13 @@ using namespace chanplan::testing;
 namespace {
 
 using Menus = AppTest;
-using Commands = AppTest;
 using Help = AppTest;
 using Title = AppTest;
+
+class Commands : public AppTest {
+ protected:
+  QString Status() { return Get<QLabel>("sbStatusBarPanel1").text(); }
+};
 
 class Splitter : public AppTest {
  protected:
@@ -391,21 +396,101 @@ TEST_F(Commands, StatusTextGoesToTheFirstPanel) {
   EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").textFormat(), Qt::PlainText);
 }
 
-TEST_F(Commands, StatusOfAnUndoGoesWithItsDocument) {
-  const QString status = "Undone: new standard.";
-  Start({Table("a.sig"), Table("b.sig")});
-  const auto undoIn = [this](int number) {
-    Frame().ShowDocument(*app->Registry.Document(number));
+// Where each of them is said, and what comes next.
+TEST_F(Commands, RemarksGoWithWhatTheyAreAbout) {
+  const auto undo = [this] {
     Choose("menuEditNewChanplan");
     Key(Qt::Key_Z, Qt::ControlModifier);
   };
-  undoIn(1);
-  Frame().ShowDocument(*app->Registry.Document(2));
-  Choose("mnuFileClose");
-  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), status) << "of another document";
-  Choose("mnuFileClose");
-  EXPECT_EQ(Captions(), QStringList());
-  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "");
+  using Steps = std::vector<std::pair<const char*, std::function<void()>>>;
+  const Steps remarks = {
+      {"Undone: new standard.", undo},
+      {"Done again: new standard.",
+       [&] {
+         undo();
+         Key(Qt::Key_Y, Qt::ControlModifier);
+       }},
+      {"[New Standard] is number 2 of the list.", [this] { Choose("menuEditNewChanplan"); }},
+      {"b.sig is open in another window, too.", [this] { OpenTableFile(Frame(), InFolder("b.sig")); }},
+      {"1 remark on the file: line 2: \"1850,2\" was read as 1850.",
+       [this] { OpenTableFile(Frame(), InFolder("comma.sig")); }},
+  };
+  const Steps ends = {
+      {"another document", [this] { Frame().ShowDocument(*app->Registry.Document(1)); }},
+      {"its end", [this] { Frame().ActiveDocument()->close(); }},
+      {"the end of all",
+       [this] {
+         for (const auto& document : app->Registry.Documents)
+           if (document != nullptr) document->close();
+       }},
+      {"a table that is opened", [this] { OpenTableFile(Frame(), InFolder("c.sig")); }},
+      {"a new one", [this] { Choose("mnuFileNew"); }},
+      {"a save", [this] { Choose("mnuFileSave"); }},
+      {"an edit",
+       [this] {
+         Frame().ActiveDocument()->findChild<Grid*>("GridList")->setFocus();
+         Key(Qt::Key_Delete);
+       }},
+  };
+  Table("c.sig");
+  for (const auto& [text, remark] : remarks)
+    for (const auto& [name, end] : ends) {
+      SCOPED_TRACE(std::string(text) + " before " + name);
+      WriteFile(folder / "comma.sig", "header\r\n2\t0\tA\t1850,2\t925.2\t1\t2\t0.2\t0.2\t1\r\n");
+      Start({Table("a.sig"), Table("b.sig")});
+      remark();
+      EXPECT_TRUE(Status().endsWith(text)) << Status().toStdString();
+      for (auto& state : app->Registry.DocumentStates) state.Changed = false;
+      Frame().ShowDocument(*Frame().ActiveDocument());
+      EXPECT_TRUE(Status().endsWith(text)) << "the same one is shown";
+      end();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+      EXPECT_EQ(Status(), "");
+      for (auto& state : app->Registry.DocumentStates) state.Changed = false;
+      app.reset();
+    }
+}
+
+TEST_F(Commands, RefusalOfAnEditIsToldAlthoughTheTableIsLookedAtAgain) {
+  Start({Table("a.sig")});
+  Grid& bands = *Frame().ActiveDocument()->findChild<Grid*>("GridBands");
+  bands.setFocus();
+  bands.SetCurrent(0, 3);
+  Key(Qt::Key_F2);
+  Key(Qt::Key_Delete);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Status(), "Band A, Start Channel: \"\" is not a number; the old value was kept.");
+  Choose("mnuFileSave");
+  EXPECT_EQ(Status(), "");
+}
+
+TEST_F(Commands, OutcomesStayWhateverBecomesOfDocuments) {
+  Start({Table("a.sig"), Table("b.sig")});
+  Frame().ShowStatus("Process complete.");
+  Frame().ShowDocument(*app->Registry.Document(1));
+  Choose("menuEditNewChanplan");
+  EXPECT_EQ(Status(), "[New Standard] is number 2 of the list.");
+  Frame().ShowStatus("Process complete.");
+  Key(Qt::Key_Delete);
+  Choose("mnuFileSave");
+  Choose("mnuFileNew");
+  EXPECT_EQ(Status(), "Process complete.");
+}
+
+TEST_F(Commands, LongStatusEndsInAnEllipsisAndIsWholeInItsToolTip) {
+  Start();
+  Frame().resize(700, 500);
+  QLabel& panel = Get<QLabel>("sbStatusBarPanel1");
+  const QString text = QString("it is what was sent, ").repeated(20);
+  Frame().ShowStatus(text);
+  QCoreApplication::processEvents();
+  const QImage seen = panel.grab().toImage();
+  EXPECT_EQ(Frame().width(), 700);
+  EXPECT_EQ(panel.toolTip(), text);
+  const QString cut = panel.fontMetrics().elidedText(text, Qt::ElideRight, panel.width());
+  ASSERT_TRUE(cut.endsWith(QChar(0x2026)));
+  Frame().ShowStatus(cut);
+  EXPECT_EQ(panel.grab().toImage(), seen);
 }
 
 TEST_F(Commands, StatusBehindAnUndoStaysWhenTheDocumentCloses) {

@@ -1,5 +1,6 @@
 // What was typed and not saved is there again after a crash.
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -63,6 +64,24 @@ class RecoveryTest : public AppTest {
       QTest::mouseClick(box.button(button), Qt::LeftButton);
     });
   }
+};
+
+// No file can have a single byte, as long as this lives.
+class FullDisk {
+ public:
+  FullDisk() : formerHandler(std::signal(SIGXFSZ, SIG_IGN)) {
+    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit full{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, formerHandler);
+  }
+
+ private:
+  rlimit before{};
+  void (*formerHandler)(int);
 };
 
 }  // namespace
@@ -180,6 +199,55 @@ TEST_F(RecoveryTest, CopiesOfAProgramThatRunsAreNotTaken) {
   EXPECT_EQ(CopyCount(), 1);
 }
 
+// As where the disk is full: no file can be written. Programs that were killed leave their locks behind.
+TEST_F(RecoveryTest, TablesThatCannotBeTakenAreToldAndOfferedByTheNextStart) {
+  const UnsavedTable unsaved{"Untitled 1", 0, std::nullopt, TableOfNames({"A"})};
+  const pid_t dead = fork();
+  if (dead == 0) _exit(0);
+  ASSERT_EQ(waitpid(dead, nullptr, 0), dead);
+  const auto leaveLock = [this](const char* name, pid_t process) {
+    WriteFile(CopyFolder() / name,
+              std::to_string(process) + "\napp_test\n" + QSysInfo::machineHostName().toStdString() + "\n");
+  };
+  for (const int count : {1, 2}) {
+    for (int number = 1; number <= count; ++number) LeaveCopy("111-a-" + std::to_string(number), unsaved);
+    LeaveCopy("222-b-1", unsaved);
+    if (count == 2) leaveLock("111-a.lock", dead);
+    leaveLock("222-b.lock", getpid());  // which runs: no failure, and nobody's business
+    AnswerMessage();
+    {
+      const FullDisk full;
+      Start();
+    }
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].Text,
+              QString(count == 1 ? "1 table that was not saved waits" : "2 tables that were not saved wait") +
+                  " to be restored and cannot be taken now: no file could be made in " +
+                  QString::fromStdString(CopyFolder().string()) +
+                  ".\nThe next start offers this again, once there are room and permission.");
+    EXPECT_EQ(messages[0].Icon, QMessageBox::Warning);
+    EXPECT_EQ(CopyCount(), count + 1);
+    messages.clear();
+    Exit();
+    AnswerQuestion(QMessageBox::Discard);
+    Start();
+    EXPECT_TRUE(messages.at(0).Text.startsWith("Restore " + QString::number(count) + " table"));
+    EXPECT_EQ(CopyCount(), 1);
+    messages.clear();
+    Exit();
+  }
+}
+
+TEST_F(RecoveryTest, NothingIsToldOfTablesOfProgramsThatRunWhereNoFileCanBeMade) {
+  LeaveCopy("111-a-1", {"Untitled 1", 0, std::nullopt, TableOfNames({"A"})});
+  QLockFile lock(QString::fromStdString((CopyFolder() / "111-a.lock").string()));
+  lock.setStaleLockTime(0);
+  ASSERT_TRUE(lock.tryLock(0));
+  const FullDisk full;
+  Start();  // without a message
+  EXPECT_EQ(CopyCount(), 1);
+}
+
 TEST_F(RecoveryTest, SaveOfARestoredTableAsksWhenItsFileChangedSince) {
   const QString path = Table("a.sig", {"A"});
   LeaveCopy("111-a-1", {path, 0, FileStamp{1, 2, 3, 4}, TableOfNames({"B"})});
@@ -205,7 +273,7 @@ TEST_F(RecoveryTest, EndOfTheSessionStoresTheOpenEdit) {
   emit qApp->commitDataRequest(*reinterpret_cast<QSessionManager*>(manager));
   app.reset();
   const DocumentRegistry none;
-  const RecoveryCopies next(none);
+  RecoveryCopies next(none);
   const LeftTables left = next.TakeLeftTables();
   ASSERT_EQ(left.Tables.size(), 1u);
   EXPECT_EQ(left.Tables[0].Table.Row(0).Name, "typed");

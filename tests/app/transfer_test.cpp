@@ -181,7 +181,7 @@ TEST_F(Uploading, AsksBeforeAValueArrivesAsAnother) {
   AnswerMessage(QMessageBox::Cancel);
   Choose("mnuToolsUpload");
   EXPECT_TRUE(messages.back().Text.contains("High")) << messages.back().Text.toStdString();
-  EXPECT_EQ(Status(), "");
+  EXPECT_EQ(Status(), CanceledText);
   AnswerOptions(Choice::Overwrite);
   AnswerMessage(QMessageBox::Ok);
   Choose("mnuToolsUpload");
@@ -330,6 +330,25 @@ TEST_F(Appending, ThatFillsTheUnitExactlyLosesNothing) {
   Choose("mnuToolsUpload");
   EXPECT_EQ(Status(), CompletedText(200));
   app->Registry.DocumentStates[1].Changed = false;
+}
+
+// What the status bar said last was that the unit's table had come.
+TEST_F(Appending, ThatIsCanceledAtAnyQuestionIsSaidToBe) {
+  const std::string fits = "2|0|B|890|935|1|124|0.2|0.2|1";
+  const std::string nameless = "2|0||890|935|1|124|0.2|0.2|1";
+  const std::string high = "2|0|High|5000|935|1|124|0.2|0.2|1";
+  for (const std::vector<std::string>& mine : {std::vector{high}, {fits, nameless}, {high, nameless}}) {
+    StartUnit(Rows({"Old"}));
+    Start({TableFile("mine.sig", mine)});
+    AnswerOptions(Choice::Append);
+    if (mine.size() > 1 && mine.front() == high) AnswerMessage(QMessageBox::Ok);
+    AnswerMessage(QMessageBox::Cancel);
+    Choose("mnuToolsUpload");
+    EXPECT_EQ(Status(), CanceledText) << messages.back().Text.toStdString();
+    EXPECT_FALSE(UnitGotATable());
+    for (auto& state : app->Registry.DocumentStates) state.Changed = false;
+    unit.reset();
+  }
 }
 
 // An untouched first document is used again for other downloads; here it is what is to be added.

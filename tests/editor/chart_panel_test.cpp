@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QElapsedTimer>
 #include <QHelpEvent>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QToolTip>
 #include <limits>
@@ -77,6 +78,27 @@ class ChartBeside : public DocumentTest {
     }
     return ends;
   }
+  /// What is to be seen of a place in `widget`, as far as the area and what scrolls in it let through.
+  static QRect SeenOf(const Document& document, const QWidget& widget, const QRect& place) {
+    QRect seen(widget.mapTo(&document.Area(), place.topLeft()), place.size());
+    for (const QWidget* around = &widget; around != &document.Area(); around = around->parentWidget())
+      seen &= QRect(around->parentWidget()->mapTo(&document.Area(), QPoint()), around->parentWidget()->size());
+    return seen;
+  }
+  /// Whether all of it is, and nothing stands before it.
+  static bool IsSeen(const Document& document, const QWidget& widget) {
+    return IsSeen(document, widget, widget.rect());
+  }
+  static bool IsSeen(const Document& document, const QWidget& widget, const QRect& place) {
+    const QRect seen = SeenOf(document, widget, place);
+    return seen.size() == place.size() && document.Area().childAt(seen.center()) == &widget;
+  }
+  static bool CurrentIsSeen(const Document& document, const Grid& grid) {
+    const QRect cell = grid.visualRect(grid.currentIndex());
+    const QRect shown = cell & grid.viewport()->rect();  // which may be narrower
+    return shown.height() == cell.height() && IsSeen(document, *grid.viewport(), shown);
+  }
+
   static void ClickAt(ChartPanel& panel, const QPoint& place, Qt::MouseButton button = Qt::LeftButton) {
     QTest::mouseClick(panel.window()->windowHandle(), button, {}, panel.viewport()->mapTo(panel.window(), place));
     QCoreApplication::processEvents();
@@ -150,14 +172,87 @@ TEST_F(ChartBeside, StandsClearOfTheGrids) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(document.Area().rect().contains(panel.geometry())) << size.width() << 'x' << size.height();
     EXPECT_GE(panel.height(), document.Area().height() / 2 - 4);
-    EXPECT_FALSE(panel.geometry().intersects(document.List->geometry())) << size.width() << 'x' << size.height();
-    EXPECT_FALSE(panel.geometry().intersects(document.Details->geometry())) << size.width() << 'x' << size.height();
-    if (size.height() >= 900 || size.width() >= 1000) {
-      EXPECT_FALSE(panel.geometry().intersects(document.Bands->geometry())) << size.width() << 'x' << size.height();
-    }
+    for (const Grid* grid : {document.List, document.Details, document.Bands})
+      EXPECT_FALSE(panel.geometry().intersects(SeenOf(document, *grid, grid->rect())))
+          << grid->objectName().toStdString() << " at " << size.width() << 'x' << size.height();
     panel.viewport()->grab();
   }
   EXPECT_GT(panel.width(), 1200) << "the grids need no more of a large window";
+}
+
+// So low that all three grids have no room above the chart, or beside it.
+TEST_F(ChartBeside, KeysGoNowhereThatIsNotSeen) {
+  const Document document = Open(Group("A", 3) + Group("B", 0));
+  const ChartPanel& panel = Show(document);
+  for (const QSize& size : {QSize(480, 1), QSize(480, 300), QSize(700, 450), QSize(633, 620), QSize(1200, 250)}) {
+    SCOPED_TRACE(std::to_string(size.width()) + "x" + std::to_string(size.height()));
+    document.Window->resize(size);
+    QCoreApplication::processEvents();
+    document.List->setFocus();
+    for (int stop = 1; stop <= 11 + 3 * 4; ++stop) {
+      Tab(1);
+      const bool onDetails = stop <= 11;
+      const Grid& grid = onDetails ? *document.Details : *document.Bands;
+      if (grid.hasFocus()) {
+        EXPECT_TRUE(CurrentIsSeen(document, grid)) << grid.objectName().toStdString() << " at stop " << stop;
+        Press(Qt::Key_F2);
+      }
+      const QWidget* editor = QApplication::focusWidget();
+      EXPECT_TRUE(editor != &grid && IsSeen(document, *editor)) << "its editor, at stop " << stop;
+    }
+    Tab(1);
+    EXPECT_TRUE(panel.hasFocus());
+    Tab(1);
+    EXPECT_TRUE(CurrentIsSeen(document, *document.List));
+  }
+}
+
+TEST_F(ChartBeside, LowDocumentWithoutItShowsTheCurrentValue) {
+  const Document document = Open(Group("A", 0));
+  document.Window->resize(480, 1);
+  QCoreApplication::processEvents();
+  document.Details->setFocus();
+  document.Details->SetCurrent(StepRow, 1);
+  EXPECT_TRUE(CurrentIsSeen(document, *document.Details));
+  Press(Qt::Key_F2);
+  EXPECT_TRUE(IsSeen(document, *document.Box));
+  Press(Qt::Key_Return);
+  Tab(1);
+  EXPECT_TRUE(CurrentIsSeen(document, *document.List));
+}
+
+TEST_F(ChartBeside, ComingOverTheCurrentCellLeavesItInSight) {
+  const Document document = Open(Group("A", 3));
+  window.resize(640, 500);
+  QCoreApplication::processEvents();
+  document.DoubleClick(document.Details, StepRow);
+  ASSERT_TRUE(document.Box->hasFocus());
+  const ChartPanel& panel = Show(document);
+  ASSERT_GT(panel.y(), 100) << "it stands below the grids";
+  EXPECT_TRUE(IsSeen(document, *document.Box));
+  Press(Qt::Key_Return);
+  document.Window->resize(480, 300);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(CurrentIsSeen(document, *document.Details));
+}
+
+TEST_F(ChartBeside, EditComesIntoSightThatTheWheelHasMovedAway) {
+  const Document document = Open(Group("A", 3));
+  Show(document);
+  document.Window->resize(480, 400);
+  QCoreApplication::processEvents();
+  document.Details->setFocus();
+  document.Details->SetCurrent(0, 1);
+  QScrollBar& bar = *document.Window->findChild<QScrollArea*>()->verticalScrollBar();
+  ASSERT_TRUE(bar.isVisible());
+  bar.setValue(bar.maximum());
+  EXPECT_FALSE(CurrentIsSeen(document, *document.Details));
+  EXPECT_TRUE(CurrentIsSeen(document, *document.List)) << "the list stays";
+  Press(Qt::Key_F2);
+  EXPECT_TRUE(IsSeen(document, *document.Box));
+  bar.setValue(bar.maximum());
+  Type("x");
+  EXPECT_TRUE(IsSeen(document, *document.Box));
 }
 
 TEST_F(ChartBeside, ClickOnABandSelectsItsStandard) {

@@ -77,9 +77,7 @@ class FrameStandIn : public FrameOperations {
   void mnuEditPaste_Click() override { DocumentWindow::ActiveIn(*Area)->Paste(); }
   void Warnings(const QString& WarningText, qint16) override { Warned.push_back(WarningText); }
   void ShowStatus(const QString& text) override { Statuses.push_back(text); }
-  void WithdrawStatus(const QString& text) override {
-    if (Status() == text) ShowStatus("");
-  }
+  void ShowRemark(const QString& text) override { ShowStatus(text); }
   bool ShowsCharts() override { return Charts; }
   void RememberCharts(bool shown) override { Charts = shown; }
   QString PromptSaveFileName(const QString& proposedName, const QString& fileType) override {
