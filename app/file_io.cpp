@@ -136,8 +136,10 @@ QStringList Open(CommandFrame& frame, const QString& path) {
   const bool read = document.LoadSigStandards(path);
   document.State().Changed = false;
   if (!read) {
+    QStringList reasons;
+    for (const std::string& reason : document.ReadNotes) reasons += Sentence(QString::fromStdString(reason));
     document.close();
-    return {};
+    return reasons;
   }
   const bool openAlready = IsOpenElsewhere(frame, document);
   frame.ShowDocument(document);

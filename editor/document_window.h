@@ -64,7 +64,7 @@ class DocumentWindow : public QMdiSubWindow {
   std::uint16_t UnitTableTag = 0;
   /// The table's file as it was when this document read or wrote it; nothing when there is none.
   std::optional<FileStamp> KnownFile;
-  /// What was not taken as it stood in the file that was loaded, a line each.
+  /// What was not taken as it stood in the file that was loaded, a line each; why none of it, if none was.
   std::vector<std::string> ReadNotes;
 
  signals:

@@ -62,6 +62,7 @@ bool frmDocument::ReadTable(const QString& path) {
   ReadNotes = std::move(outcome.Notes);
   UnitTableTag = 0;
   if (!outcome.Ok()) {
+    ReadNotes = {outcome.Reason};
     Refill(0);
     ShowWarnings();
     ShowFailure(*this, frame.ApplicationTitle(), QString::fromUtf8(LoadErrorText(path.toStdString(), table.Count)));

@@ -248,6 +248,7 @@ TEST_F(Files, FileThatCannotBeReadLeavesNoDocumentBehind) {
   });
   Choose("mnuFileOpen");
   EXPECT_EQ(messages.back(), (Message{"Chanplans", "Error loading " + InFolder("bad.sig"), QMessageBox::Critical}));
+  EXPECT_EQ(Get<QLabel>("sbStatusBarPanel1").text(), "Line 2 has 1 field where 10 are needed.");
   EXPECT_EQ(Captions(), QStringList({"Untitled 1", "Untitled 2"}));
   EXPECT_EQ(Frame().cursor().shape(), Qt::ArrowCursor);
 }
