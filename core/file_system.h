@@ -27,9 +27,6 @@ std::error_code ReplaceFileUnflushed(const std::filesystem::path& file, std::str
 /// Waits until what `file` holds is on the disk. Files that cannot be opened are passed over.
 void FlushFile(const std::filesystem::path& file);
 
-/// Stands in the place of a file's first byte while its content is changed in place, and when that was cut short.
-inline constexpr char UnfinishedMark = '\0';
-
 /// Gives every file its former content back whose change in place was cut short by a crash. Files
 /// that are being saved at the moment are left alone. Done before files are read and saved.
 void HealInterruptedSaves();

@@ -11,9 +11,9 @@
 #include <thread>
 
 #include "core/file_descriptor.h"
-#include "core/file_system.h"
 #include "core/folder_content.h"
 #include "core/state_folder.h"
+#include "core/unfinished_mark.h"
 
 namespace chanplan {
 namespace {

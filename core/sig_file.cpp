@@ -11,6 +11,7 @@
 #include "core/lenient_number.h"
 #include "core/number_picture.h"
 #include "core/text_encoding.h"
+#include "core/unfinished_mark.h"
 
 namespace chanplan {
 namespace {
@@ -144,7 +145,8 @@ SignalStandardRecord ParseRecord(std::string_view line, const LineReader& reader
   std::array<std::string_view, FieldCount> fields;
   const std::size_t count = SplitFields(line, fields);
   if (count < FieldCount)
-    reader.Fail(ReadFailure::TooFewFields, " has " + std::to_string(count) + " fields where 10 are needed");
+    reader.Fail(ReadFailure::TooFewFields,
+                " has " + std::to_string(count) + (count == 1 ? " field" : " fields") + " where 10 are needed");
 
   SignalStandardRecord record;
   for (std::size_t column = 0; column < FieldCount; ++column) {

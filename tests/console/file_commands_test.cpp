@@ -615,7 +615,7 @@ TEST(UnreadableTable, FailsWithOneLineThatSaysWhy) {
       BadFile{"no byte", "", "the file is empty, not even a header line is there"},
       BadFile{"binary", garbage, "line 2 has 2 fields where 10 are needed"},
       BadFile{"nine fields", good + "2\t0\tB\t1\t2\t1\t2\t0.1\t0.1\r\n", "line 3 has 9 fields where 10 are needed"},
-      BadFile{"a blank line", good + "\r\n" + good, "line 3 has 1 fields where 10 are needed"},
+      BadFile{"a blank line", good + "\r\n" + good, "line 3 has 1 field where 10 are needed"},
       BadFile{"an integer out of range", good + "2\t0\tB\t1\t2\t2147483648\t2\t0.1\t0.1\t1\r\n",
               "line 3: the value of \"Start Channel\" is out of range"},
       BadFile{"an endless line", good + std::string(100000, 'x'), "line 3 is longer than 64 KiB"},

@@ -18,6 +18,7 @@
 #include "core/file_descriptor.h"
 #include "core/file_system.h"
 #include "core/sig_file.h"
+#include "core/unfinished_mark.h"
 #include "tests/core/other_user.h"
 #include "tests/core/run_in_child.h"
 #include "tests/core/small_disk.h"

@@ -262,7 +262,7 @@ TEST_F(UndoTest, TableOfAUnitIsInNoFileHoweverFarOneGoesBack) {
   document.Window->InsertBlank();
   const SignalStandardTable received = TableOf({NamedRow("U", 1), NamedRow("its own name")});
   document.Window->ShowUnitTable(received);
-  EXPECT_EQ(document.Window->UndoName(), "") << "another document begins";
+  EXPECT_EQ(document.Window->UndoName(), "download") << "what was entered meanwhile can be had back";
   Press(Qt::Key_Delete);
   Undo();
   EXPECT_EQ(TableOfWindow(document), received);
@@ -271,6 +271,9 @@ TEST_F(UndoTest, TableOfAUnitIsInNoFileHoweverFarOneGoesBack) {
   EXPECT_EQ(document.Window->UndoName(), "names of sub-bands") << "which the save has put in line";
   Undo();
   EXPECT_EQ(TableOfWindow(document), received);
+  Undo();
+  EXPECT_EQ(TableOfWindow(document).Count, 1);
+  EXPECT_TRUE(document.State->Changed);
 }
 
 TEST_F(UndoTest, OpenedTableHasNoStepsOfTheFormerOne) {
