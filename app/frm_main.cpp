@@ -34,7 +34,8 @@ class StatusPanel : public QLabel {
   void paintEvent(QPaintEvent* /*event*/) override {
     QPainter painter(this);
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    style()->drawItemText(&painter, rect(), alignment(), palette(), isEnabled(), shown, foregroundRole());
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
+                          foregroundRole());
   }
 };
 
